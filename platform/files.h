@@ -1,0 +1,29 @@
+// Files below the server directory. Paths are relative to it, with forward slashes. Any thread.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace platform {
+
+class Files {
+public:
+    virtual ~Files() = default;
+    [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
+    virtual bool makeDirectory(const std::string& path) = 0;  // true when it is there afterwards
+    // The whole content, or nothing when the file cannot be opened.
+    [[nodiscard]] virtual std::optional<std::string> read(const std::string& path) const = 0;
+    // The last `most` bytes (all of a shorter file), or nothing when it cannot be opened.
+    [[nodiscard]] virtual std::optional<std::string> readtail(const std::string& path, std::size_t most) const = 0;
+    // Replaces the file as a whole or not at all: written beside under a name without ".json", flushed to the disk,
+    // renamed. False, with the old content untouched, when any of that fails.
+    virtual bool replace(const std::string& path, std::string_view content) = 0;
+    // Names (not paths) of the plain files in a directory, sorted; empty when it is missing.
+    [[nodiscard]] virtual std::vector<std::string> list(const std::string& directory) const = 0;
+};
+
+[[nodiscard]] std::vector<std::string> GetFileNameList(const std::string& directory);
+
+}  // namespace platform

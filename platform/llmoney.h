@@ -1,0 +1,50 @@
+// The money library as its users bind it: a shared library of its own, found by name ("LLmoney.dll"), with these entry
+// points. Accounts are addressed by xuid, a decimal string; the empty string is the system, which has no account.
+// Amounts are whole units of signed 64 bits, balances are never negative, and an account nobody has touched holds 0.
+// Any thread. No entry point throws: what is refused or fails gives false (a balance: 0) and changes nothing.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace platform::llmoney {
+
+// One movement of money as the library remembers it; the empty string is the system side.
+struct Record {
+    std::string from, to;
+    long long value = 0;
+    long long time = 0;  // Unix seconds
+    std::string note;
+    bool operator==(const Record&) const = default;
+};
+
+// "LLMoneyGet": the balance.
+using Get = long long(const std::string& xuid);
+
+// "LLMoneySet": makes the balance this. Refused for a negative value and for the system.
+using Set = bool(const std::string& xuid, long long value);
+
+// "LLMoneyTrans": moves money from one account to another and remembers it, both or neither. With the system as payer
+// money comes into being, with the system as receiver it vanishes. Refused for a negative value, for more than the
+// payer has, and where the receiver would hold more than 64 bits can say. A value of 0 is moved like any other.
+using Trans = bool(const std::string& from, const std::string& to, long long value, const std::string& note);
+
+// "LLMoneyReduce" and "LLMoneyAdd": LLMoneyTrans to and from the system, refused for the system's own side; a value of
+// 0 works and is not remembered.
+using Reduce = bool(const std::string& xuid, long long value);
+using Add = bool(const std::string& xuid, long long value);
+
+// "LLMoneyGetHist": what an account has paid and received since a moment (Unix seconds), oldest first.
+using GetHist = bool(const std::string& xuid, long long since, std::vector<Record>& found);
+// "LLMoneyClearHist": forgets what is older than a moment (Unix seconds). Balances stay.
+using ClearHist = bool(long long before);
+
+// "LLMoneyOpen": opens or makes the SQLite file that holds the accounts; a file opened before is closed. Until then
+// every other entry point refuses. It may be a file with other tables in it.
+using Open = bool(const char* databasepath);
+// "LLMoneyClose"
+using Close = void();
+// "LLMoneyLastError": what went wrong on this thread in the last call that failed; good until the next call.
+using LastError = const char*();
+
+}  // namespace platform::llmoney
