@@ -25,7 +25,7 @@ namespace {
 template <class Entries>
 auto place(Entries& entries, std::string_view key) {
     return std::lower_bound(entries.begin(), entries.end(), key,
-                            [](const CompoundTag::Entry& e, std::string_view k) { return e.key < k; });
+                            [](const CompoundTag::Entry& e, std::string_view k) { return e.key.compare(k) < 0; });
 }
 
 template <class Value, class Compound>
@@ -42,8 +42,8 @@ Value valueor(const CompoundTag& tag, std::string_view key, Value otherwise) {
 
 template <class Value>
 Value& made(CompoundTag& tag, std::string_view key) {
-    auto* found = typed<Value>(tag, key);
-    return found != nullptr ? *found : *tag.put(key, Value{}).template as<Value>();
+    if (auto* found = typed<Value>(tag, key)) return *found;
+    return std::get<Value>(tag.put(key, Value{}).value());
 }
 
 }  // namespace

@@ -38,12 +38,17 @@ inline constexpr int maxtagdepth = 512;
 // Elements of one type. An empty list has element type End, unless it was read with another one.
 class ListTag {
 public:
-    ListTag() = default;
-    explicit ListTag(TagType element) : element_(element) {}
+    ListTag();
+    explicit ListTag(TagType element);
+    ListTag(const ListTag&);
+    ListTag(ListTag&&) noexcept;
+    ListTag& operator=(const ListTag&);
+    ListTag& operator=(ListTag&&) noexcept;
+    ~ListTag();
 
     [[nodiscard]] TagType elementtype() const { return element_; }
-    [[nodiscard]] std::size_t size() const { return items_.size(); }
-    [[nodiscard]] bool empty() const { return items_.empty(); }
+    [[nodiscard]] std::size_t size() const;
+    [[nodiscard]] bool empty() const;
     [[nodiscard]] const Tag& operator[](std::size_t i) const;
     [[nodiscard]] Tag& operator[](std::size_t i);
     // Throws std::invalid_argument when the type differs from that of the elements already there.
@@ -61,6 +66,13 @@ private:
 class CompoundTag {
 public:
     struct Entry;
+
+    CompoundTag();
+    CompoundTag(const CompoundTag&);
+    CompoundTag(CompoundTag&&) noexcept;
+    CompoundTag& operator=(const CompoundTag&);
+    CompoundTag& operator=(CompoundTag&&) noexcept;
+    ~CompoundTag();
 
     [[nodiscard]] const Tag* get(std::string_view key) const;
     [[nodiscard]] Tag* get(std::string_view key);
@@ -138,9 +150,11 @@ public:
         std::variant<std::int8_t, std::int16_t, std::int32_t, std::int64_t, float, double, std::vector<std::int8_t>,
                      std::string, ListTag, CompoundTag, std::vector<std::int32_t>, std::vector<std::int64_t>>;
 
+    // A value is a tag. NOLINTBEGIN(bugprone-forwarding-reference-overload): it takes no Tag
     template <class T>
     requires(!std::is_same_v<std::remove_cvref_t<T>, Tag>) && std::is_constructible_v<Value, T&&> Tag(T&& value)
-        : value_(std::forward<T>(value)) {}  // NOLINT: a value is a tag
+        : value_(std::forward<T>(value)) {}
+    // NOLINTEND(bugprone-forwarding-reference-overload)
 
     [[nodiscard]] TagType type() const { return static_cast<TagType>(value_.index() + 1); }
     template <class T>
@@ -152,6 +166,7 @@ public:
         return std::get_if<T>(&value_);
     }
     [[nodiscard]] const Value& value() const { return value_; }
+    [[nodiscard]] Value& value() { return value_; }
     [[nodiscard]] std::string toSNBT() const;
     bool operator==(const Tag& other) const = default;
 
@@ -165,6 +180,22 @@ struct CompoundTag::Entry {
     bool operator==(const Entry& other) const = default;
 };
 
+// A tree holds itself, so that everything which needs the size of a Tag comes behind it.
+inline ListTag::ListTag() = default;
+inline ListTag::ListTag(TagType element) : element_(element) {}
+inline ListTag::ListTag(const ListTag&) = default;
+inline ListTag::ListTag(ListTag&&) noexcept = default;
+inline ListTag& ListTag::operator=(const ListTag&) = default;
+inline ListTag& ListTag::operator=(ListTag&&) noexcept = default;
+inline ListTag::~ListTag() = default;
+inline std::size_t ListTag::size() const { return items_.size(); }
+inline bool ListTag::empty() const { return items_.empty(); }
+inline CompoundTag::CompoundTag() = default;
+inline CompoundTag::CompoundTag(const CompoundTag&) = default;
+inline CompoundTag::CompoundTag(CompoundTag&&) noexcept = default;
+inline CompoundTag& CompoundTag::operator=(const CompoundTag&) = default;
+inline CompoundTag& CompoundTag::operator=(CompoundTag&&) noexcept = default;
+inline CompoundTag::~CompoundTag() = default;
 inline bool ListTag::operator==(const ListTag& other) const { return items_ == other.items_; }
 inline const Tag& ListTag::operator[](std::size_t i) const { return items_[i]; }
 inline Tag& ListTag::operator[](std::size_t i) { return items_[i]; }

@@ -1,7 +1,9 @@
 // Packets of what a player reads, hears and types: texts, toasts, sounds, game type, commands.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "platform/packets/codec.h"
 
@@ -65,8 +67,7 @@ struct PlaySoundPacket {
     template <class IO>
     void fields(IO& io) {
         io.text(name);
-        constexpr float steps = 8;
-        auto at = Vec3{position.x * steps, position.y * steps, position.z * steps}.toBlockPos();
+        BlockPos at{eighths(position.x), eighths(position.y), eighths(position.z)};
         blockposition(io, at);
         if constexpr (IO::reads) {
             const auto part = [](std::int32_t v) { return static_cast<float>(v) / steps; };
@@ -74,6 +75,16 @@ struct PlaySoundPacket {
         }
         io.f32(volume);
         io.f32(pitch);
+    }
+
+private:
+    static constexpr float steps = 8;
+    // A position beyond the wire's numbers is told as their end.
+    static std::int32_t eighths(float v) {
+        using limits = std::numeric_limits<std::int32_t>;
+        if (std::isnan(v)) return 0;
+        return static_cast<std::int32_t>(
+            std::clamp<double>(std::floor(double{v} * steps), limits::min(), limits::max()));
     }
 };
 
