@@ -1,0 +1,96 @@
+// The opening routine of both forms, and the one shape of all openers.
+#include "plugin/chestmenu/opening.h"
+
+#include "platform/packets/containers.h"
+#include "plugin/chestmenu/blocks.h"
+#include "plugin/chestmenu/later.h"
+#include "plugin/shopsystem/playershopstate.h"
+
+namespace containermenuguihelper {
+
+using namespace ordomart;
+
+namespace {
+
+void showpretended(ServerPlayer* player, BlockPos position, std::int8_t containertype, const CompoundTag* data) {
+    sendblock(player, position, containerblock(containertype), blocklayer::extrablock);
+    if (data != nullptr) sendblockdata(player, position, *data);
+}
+
+CompoundTag pairedwith(CompoundTag tag, BlockPos other) {
+    tag.putInt("pairx", other.x);
+    tag.putInt("pairz", other.z);
+    return tag;
+}
+
+void showblocks(ServerPlayer* player, const ListenRecorder& record, const blockcontainerblockconfig& blocks) {
+    const auto first = record.blockpos, second = secondposition(first);
+    std::optional<CompoundTag> firsttag, secondtag;
+    if (blocks.firstblocktag) firsttag = *blocks.firstblocktag;
+    if (blocks.secondblocktag) secondtag = *blocks.secondblocktag;
+    if (blocks.pairtags && blocks.usesecond && firsttag && secondtag) {
+        firsttag = pairedwith(*firsttag, second);
+        secondtag = pairedwith(*secondtag, first);
+    }
+    showpretended(player, first, record.containertype, firsttag ? &*firsttag : nullptr);
+    if (blocks.usesecond && secondtag) showpretended(player, second, record.containertype, &*secondtag);
+}
+
+}  // namespace
+
+bool openblockcontainerlistener(BlockcontainerItemRequestListermanager& manager, ServerPlayer* player,
+                                unsigned char containerid, const ListenRecorder& record,
+                                const blockcontainerblockconfig& blocks,
+                                const newblockcontainerlistenersconfig& listener) {
+    const bool blockbacked = blocks.placefirst || blocks.placesecond;
+    if (blockbacked && manager.isusedbyanother(player, record.blockpos)) {
+        logger.info("BlockPos has been used by others!");
+        return false;
+    }
+    player->sendNetworkPacket(topacket(ContainerClosePacket{containerid, true}));
+    if (blockbacked) showblocks(player, record, blocks);
+    manager.addnewblockcontainerpacketlistener(player, containerid, record, listener);
+    return true;
+}
+
+bool opencontainerlistener(BlockcontainerItemRequestListermanager& manager, ServerPlayer* player,
+                           unsigned char containerid, const openingplace& place, Vec3 position,
+                           const blockcontainerblockconfig& blocks, const handler& mainhandler,
+                           const handler& prehandler) {
+    if (!player->isReadyForContainer()) return false;
+    ListenRecorder record;
+    record.blockpos = place.blockpos;
+    record.dimensionid = place.dimensionid;
+    record.openerpos = position;
+    record.containerid = containerid;
+    record.doublecontainer = blocks.usesecond;
+    record.mainhandler = mainhandler;
+    record.prehandler = prehandler;
+    return openblockcontainerlistener(manager, player, containerid, record, blocks, {true, 1.0});
+}
+
+}  // namespace containermenuguihelper
+
+namespace ordomart {
+
+using ChestInvontorymenuguihelper::listenermanager;
+
+opresult openchestmenu(ServerPlayer* player, fakechest which, std::optional<std::string> shopxuid) {
+    if (const auto guarded = guardopening(player); guarded != opresult::opened) return guarded;
+    const auto position = player->getPosition();
+    const auto containerid = player->_nextContainerCounter();
+    constexpr std::uint64_t paintticks = 5;
+    later(player->sessionid(), paintticks, [which, containerid, shop = std::move(shopxuid)](ServerPlayer* who) {
+        // Closed again already: what he sees by now are his real stacks.
+        if (listenermanager().find(who, containerid) == nullptr) return;
+        if (shop) getplayershopstate(who->getXuid()).viewedshopid = *shop;
+        paint(who, which);
+    });
+    const auto& menu = menuof(which);
+    containermenuguihelper::opencontainerlistener(listenermanager(), player, containerid,
+                                                  {player->getDimensionId(), position.toBlockPos()}, position, {},
+                                                  menu.mainhandler, menu.prehandler);
+    return opresult::opened;
+}
+
+}  // namespace ordomart

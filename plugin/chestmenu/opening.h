@@ -1,0 +1,50 @@
+// How a fake chest comes to stand before a client: in one of two forms, the client's own inventory screen or a block
+// that only he sees. The packets of an opening and their order:
+//
+//   tick 0  first the paint is scheduled; ContainerClose goes out; the record is kept; the open packet is scheduled
+//   tick 1  ContainerOpen
+//   tick 5  the paint
+//
+// A block-backed opening shows its blocks behind the close packet. Server thread.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "plugin/chestmenu/listeners.h"
+#include "plugin/chestmenu/menutable.h"
+#include "plugin/frame/guards.h"
+
+namespace containermenuguihelper {
+
+struct blockcontainerblockconfig {
+    std::unique_ptr<CompoundTag> firstblocktag, secondblocktag;  // block entity data, or null
+    bool placefirst = false, placesecond = false;                // either turns the block path on
+    bool usesecond = false;
+    bool pairtags = true;  // write each other's coordinates into the two tags
+};
+
+struct openingplace {
+    std::int32_t dimensionid = -1;
+    BlockPos blockpos;
+};
+
+// False, and nothing has happened, when the player is not ready, or the position belongs to another's menu.
+bool opencontainerlistener(BlockcontainerItemRequestListermanager& manager, ServerPlayer* player,
+                           unsigned char containerid, const openingplace& place, Vec3 position,
+                           const blockcontainerblockconfig& blocks, const handler& mainhandler,
+                           const handler& prehandler);
+bool openblockcontainerlistener(BlockcontainerItemRequestListermanager& manager, ServerPlayer* player,
+                                unsigned char containerid, const ListenRecorder& record,
+                                const blockcontainerblockconfig& blocks,
+                                const newblockcontainerlistenersconfig& listener);
+
+}  // namespace containermenuguihelper
+
+namespace ordomart {
+
+// What each of the thirteen openers is. A single shop's view is given its shop.
+opresult openchestmenu(ServerPlayer* player, fakechest which, std::optional<std::string> shopxuid = std::nullopt);
+
+}  // namespace ordomart

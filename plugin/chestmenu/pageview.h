@@ -1,0 +1,122 @@
+// The layout that all views of goods and shops share, and what such a view is: a description. The machinery draws its
+// pages (here), reads its clicks (clickgrammar.h) and fetches its rows (refresh.h); a view brings its rows, its buttons
+// and where it leads.
+//
+//   inventory 9 to 34   one page of 26 rows          hotbar 0 and 8   previous and next page, where there is one
+//   inventory 35        empty                        hotbar 2 to 6    the view's buttons
+//   armour              the view's own               offhand          the sign that helps and leads back
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "plugin/chestmenu/decoration.h"
+#include "plugin/chestmenu/menutable.h"
+#include "plugin/shopsystem/playershopstate.h"
+
+namespace ordomart {
+
+struct goodsview;
+
+// A click that has been read, on its way to the view.
+struct press {
+    const goodsview& view;
+    ServerPlayer* player;
+    const ItemStackRequestAction& action;
+    ListenRecorder* record;
+};
+// True ends the menu and makes the click its selection.
+using pressed = bool (*)(const press& at);
+
+// How a false stack looks. What is not set stays as the one before it had it, in a builder that draws several.
+struct icon {
+    const char* item;
+    std::optional<std::int16_t> damage;
+    const char* namekey;
+    std::array<const char*, 2> lorekeys{};
+    bool shines = true;
+};
+
+// Dresses the builder's stack with an icon whose texts are in the player's language, and loads it.
+void dress(falsestack& builder, const ServerPlayer* player, const icon& look, int slot);
+
+struct sound {
+    const char* name = nullptr;  // null: silent
+    float pitch = 1.0F;
+};
+inline constexpr sound clicksound{"random.click"};
+
+struct viewbutton {
+    int slot;
+    icon look;
+    // Gives the text where it depends on the player's state.
+    const char* (*statekey)(const playershopstate&) = nullptr;
+    sound heard = clicksound;
+    bool byswap = false;  // answers to a swap from the cursor, too
+    pressed act = nullptr;
+    fakechest leadsto = fakechest::count;  // without `act`: the menu that is shown
+};
+
+// Who a refresh is for, as far as its thread needs to know. Taken on the server thread.
+struct viewer {
+    std::uint64_t session;
+    std::string xuid, realname, language;
+    std::string viewedshop, ownshop;  // the single shop in view; the one that his owner views act on
+    bool reload;
+};
+
+// How a view's rows are fetched and its picture comes back to the server thread.
+struct refreshplan {
+    const char* place;  // names the view in the log
+    // On the thread and not in a turn, when the list is to be made anew.
+    void (*prepare)(const viewer&);
+    bool preparesalways = false;
+    void (*sort)(playershopstate&) = nullptr;  // each time
+    const char* timeline = nullptr;
+    bool timesalways = false;  // else only what was made anew
+    // Draws what stands beside the page: the sign, the shop's card. When the list is made anew.
+    void (*drawhead)(ServerPlayer*, const goodsview&) = nullptr;
+    bool onetask = false;     // head and page each time, by one task
+    std::uint64_t ticks = 0;  // until the task runs
+};
+
+struct goodsview {
+    fakechest menu;
+    const char* helpkey;
+    std::int32_t playershopstate::*page;
+    std::size_t (*count)(ServerPlayer*);
+    // Puts entry i on the builder's stack.
+    void (*row)(ServerPlayer*, falsestack& builder, std::size_t i);
+    std::span<const viewbutton> buttons;  // in the order of drawing
+    fakechest back;
+    bool backblankstwice = false;
+    bool lostpageisfirst = false;  // a page behind the end becomes page 0; else it is shown empty
+    pressed choice = nullptr;      // on a listed entry; without it every choice ends the menu
+    pressed armour = nullptr;      // on an armour slot; without it nothing
+    refreshplan plan;
+};
+
+// Shows the present page of the list as it is.
+void drawpage(ServerPlayer* player, const goodsview& view);
+
+// ---- heads
+void drawsign(ServerPlayer* player, const goodsview& view);
+void drawsignandcursor(ServerPlayer* player, const goodsview& view);  // the cursor's in double-click mode alone
+
+// ---- buttons that views share
+bool putsignoncursor(const press& at);
+bool select(const press& at);
+inline constexpr viewbutton spyglassbutton{5,
+                                           {"minecraft:spyglass",
+                                            {},
+                                            "shopview.readonlymode",
+                                            {"shopview.readonlymode.helper1", "shopview.readonlymode.helper2"}},
+                                           nullptr,
+                                           {"random.levelup", 2.0F},
+                                           false,
+                                           &putsignoncursor};
+
+}  // namespace ordomart

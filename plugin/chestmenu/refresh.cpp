@@ -1,0 +1,57 @@
+// The thread of a refresh and its way back.
+#include "plugin/chestmenu/refresh.h"
+
+#include "platform/background.h"
+#include "platform/turn.h"
+#include "plugin/chestmenu/later.h"
+#include "plugin/frame/guards.h"
+
+namespace ordomart {
+
+namespace {
+
+using drawing = void (*)(ServerPlayer*, const goodsview&);
+
+void drawheadandpage(ServerPlayer* player, const goodsview& view) {
+    view.plan.drawhead(player, view);
+    drawpage(player, view);
+}
+
+// A picture that comes late is dropped: by then the player may look at another menu, or at his real stacks.
+void drawlater(const goodsview& view, const viewer& who, drawing draw) {
+    later(who.session, view.plan.ticks, [&view, draw](ServerPlayer* player) {
+        if (!isinfront(player, view.menu)) return;
+        envelopeat(view.plan.place, [&] { draw(player, view); });
+    });
+}
+
+playershopstate& stateof(const viewer& who) {
+    const Turn turn;
+    return getplayershopstate(who.xuid);
+}
+
+void fetch(const goodsview& view, const viewer& who) {
+    const auto& plan = view.plan;
+    const querytimer timer;
+    if (who.reload || plan.preparesalways) plan.prepare(who);
+    if (who.reload && plan.drawhead != nullptr && !plan.onetask) drawlater(view, who, plan.drawhead);
+    if (plan.sort != nullptr) plan.sort(stateof(who));
+    if (plan.timeline != nullptr && (who.reload || plan.timesalways)) timer.write(plan.timeline);
+    drawlater(view, who, plan.onetask ? &drawheadandpage : &drawpage);
+}
+
+}  // namespace
+
+void refresh(const goodsview& view, ServerPlayer* player, bool reload) {
+    const viewer who{player->sessionid(),
+                     player->getXuid(),
+                     player->getRealName(),
+                     player->getLanguageCode(),
+                     getplayershopstate(player->getXuid()).viewedshopid,
+                     effectiveshop(player),
+                     reload};
+    const auto safely = [](const std::function<void()>& body) { envelope(body, nullptr, refreshenvelope); };
+    safely([&] { Background::start([&view, who, safely] { safely([&] { fetch(view, who); }); }); });
+}
+
+}  // namespace ordomart

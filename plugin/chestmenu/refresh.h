@@ -1,0 +1,12 @@
+// Fetching the rows of a goods view beside the server thread and showing them on it. The thread holds a copy of what it
+// needs to know of the player and never touches the table of menus or a packet.
+#pragma once
+
+#include "plugin/chestmenu/pageview.h"
+
+namespace ordomart {
+
+// Does not wait. `reload`: the list is made anew; else it is arranged and drawn as it is. Server thread.
+void refresh(const goodsview& view, ServerPlayer* player, bool reload);
+
+}  // namespace ordomart

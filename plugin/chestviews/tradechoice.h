@@ -1,0 +1,26 @@
+// What follows when a goods view has closed with a good chosen: the row behind the click becomes a try form. The views
+// differ in what they say when the row is not there any more, in when the villager is heard, and in the way back.
+#pragma once
+
+#include "plugin/chestmenu/listeners.h"
+#include "plugin/forms/trade.h"
+
+namespace ordomart {
+
+using containermenuguihelper::ListenRecorder;
+
+struct tradechoice {
+    tradeface face;
+    void (*reopen)(ServerPlayer*, const std::string& shopxuid);
+    const char* lostrow = nullptr;  // log line for a click that no row stands behind
+    bool tellchanged = false;       // "myshop.error.itemchanged"
+    bool tellretry = false;         // "wrong data ,Retry"
+    bool soundforrows = false;      // the villager is heard for a row alone, not for whatever was chosen
+    bool searches = false;          // there is a search button
+};
+
+// A view's mainhandler is this with its description. Rows: sellrows or recyclerows.
+template <class Rows>
+bool followchoice(ServerPlayer* player, const ListenRecorder& record, const tradechoice& view);
+
+}  // namespace ordomart

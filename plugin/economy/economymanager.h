@@ -1,0 +1,35 @@
+// The one road by which money is read and moved, over LLMoney or a scoreboard objective. Money is addressed by xuid;
+// "0" and the empty string are the system, which has no account. Server thread. Amounts are signed 64 bits; a
+// scoreboard keeps 32.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "plugin/frame/globals.h"
+
+namespace ordomart {
+
+// Binds LLMoney, or falls back to the scoreboard by setting moneymode to 0.
+void bindeconomy();
+// Makes the two objectives. False, with an error line, while the world is not there.
+bool ensureobjectives();
+[[nodiscard]] std::string getmoneyname();
+
+struct MCGLOBALECONOMYMANAGER {
+    static std::int64_t queryMoneyhas(const std::string& xuid);
+    static bool reduceMoneyhas(const std::string& xuid, std::int64_t amount);
+    static bool addMoney(const std::string& xuid, std::int64_t amount);
+};
+
+// Whether the saved data of an absent player is asked for his score before his offline account is used. Nothing sets
+// it; the platform offers no saved data, so that set it only adds the warning that the search failed.
+extern bool offlinenbtlookup;
+
+// `percent` of the amount, towards zero; at least 1 with any tax, for an amount of 0 too.
+[[nodiscard]] std::int64_t transferfee(std::int64_t amount, int percent);
+
+// Moves the amount, less the tax. Does not check the balance.
+bool createmoneyTrans(const std::string& from, const std::string& to, std::int64_t amount, const std::string& note);
+
+}  // namespace ordomart

@@ -1,0 +1,23 @@
+// The two objectives that scoreboard money lives on. Server thread.
+#pragma once
+
+#include <string>
+
+#include "platform/scoreboard.h"
+#include "plugin/frame/globals.h"
+
+namespace ordomart {
+
+inline const std::string moneyobjectivetitle = "coins", offlineobjectivetitle = "offlinemoney";
+
+// Both throw std::runtime_error, "the obj doesn't exist", where the objective or the whole scoreboard is missing.
+[[nodiscard]] Scoreboard& scoreboard();
+Objective& existingobjective(const std::string& name);
+
+// The objective `scoremoneyname`, made when it is missing.
+Objective& moneyobjective();
+
+// Adds 0, which gives the id a score.
+void giveinitialscore(ScoreboardId id, Objective& objective);
+
+}  // namespace ordomart

@@ -1,0 +1,101 @@
+// The two category menus: one button for each entry of a file that the operator edits, read anew at each opening. A
+// missing file is written once, with the default entries. A broken file gives a log line and no menu, and is never
+// overwritten.
+#include <exception>
+#include <nlohmann/json.hpp>
+
+#include "platform/files.h"
+#include "platform/host.h"
+#include "plugin/forms/categorydefaults.h"
+#include "plugin/forms/formtools.h"
+#include "plugin/forms/openers.h"
+#include "plugin/frame/language.h"
+#include "plugin/shopsystem/baseshop.h"
+
+namespace ordomart {
+
+namespace {
+
+// The entries as they were last read; `given` replaces them.
+template <json (*defaults)()>
+const json& formdata(const json* given) {
+    static json held = defaults();
+    if (given != nullptr) held = *given;
+    return held;
+}
+constexpr auto sellformdata = formdata<defaultsellcategories>;
+constexpr auto recycleformdata = formdata<defaultrecyclecategories>;
+
+struct categorymenu {
+    const char* place;
+    const char* file;
+    const char* titlekey;
+    shoptype searchtype;
+    const json& (*data)(const json*);
+    json (*defaults)();
+    const char* errorplace;
+};
+
+constexpr categorymenu sellmenu{
+    "readandopensellFormmenu",  "sellform.json", "sellmenu", sell, sellformdata, defaultsellcategories,
+    "readandopenOrdoformsemenu"};
+constexpr categorymenu recyclemenu{
+    "readandopenrecycleFormmenu", "recycleform.json",         "recyclemenu", recycle, recycleformdata,
+    defaultrecyclecategories,     "readandopenOrdoformremenu"};
+
+// The bits of searchlvl.
+enum searchlevel { initemname = 1, initemdesc = 2, initemtag = 4 };
+
+struct category {
+    std::string text;
+    int level;
+};
+
+// False when the file is missing and cannot be made; the player has been told.
+bool readcategories(ServerPlayer* player, const categorymenu& menu) {
+    const auto path = paths::base + menu.file;
+    if (const auto content = host().files->read(path)) {
+        const json read = json::parse(*content);
+        menu.data(&read);
+        return true;
+    }
+    logger.warn("Can't open file{},try load default setting...", path);
+    const json standard = menu.defaults();
+    if (!host().files->replace(path, menu.data(&standard).dump(4))) {
+        logger.error("Can't open file {}", path);
+        player->sendText("failed to open" + path);
+        return false;
+    }
+    return true;
+}
+
+opresult readandopen(ServerPlayer* player, const categorymenu& menu) {
+    try {
+        if (!readcategories(player, menu)) return opresult::refused;
+
+        Form::SimpleForm form(tr(player, menu.titlekey), "");
+        std::vector<category> categories;
+        for (const auto& entry : menu.data(nullptr)) {
+            if (entry.contains("example") && entry["example"] == true) continue;
+            categories.push_back({entry.at("searchtaginfo"), entry.at("searchlvl")});
+            const std::string image = entry.at("imagepath");
+            form.addButton(entry.at("titlename"), image);
+        }
+        sendform(player, form, {menu.place}, [categories, type = menu.searchtype](ServerPlayer* who, int button) {
+            const auto& chosen = categories.at(static_cast<std::size_t>(button));
+            searchbyfilter(who, type, chosen.text, (chosen.level & initemdesc) != 0, (chosen.level & initemtag) != 0,
+                           (chosen.level & initemname) != 0);
+        });
+        return opresult::opened;
+    } catch (const std::exception& error) {
+        logger.error("An error occurred while {}, {}", menu.errorplace, error.what());
+        return opresult::refused;
+    }
+}
+
+}  // namespace
+
+opresult readandopensellFormmenu(ServerPlayer* player) { return readandopen(player, sellmenu); }
+opresult readandopenrecycleFormmenu(ServerPlayer* player) { return readandopen(player, recyclemenu); }
+
+}  // namespace ordomart

@@ -1,0 +1,76 @@
+// The lists of all goods and of all commissions. A list is gathered on a thread of its own and shown on the server
+// thread; page turns and the way back from a confirm form show it as it was.
+#include "platform/background.h"
+#include "plugin/forms/listform.h"
+#include "plugin/forms/openers.h"
+#include "plugin/shopsystem/recycleshop.h"
+#include "plugin/shopsystem/sellshop.h"
+
+namespace ordomart {
+
+namespace {
+
+template <class Row>
+std::string markof(const std::string&, const Row& row) {
+    return row.isopshop ? " " + opshopmark : "";
+}
+
+listform sellform() {
+    listform form{.place = "openOrdosellshopAsformmenu",
+                  .titlekey = "sellmenu",
+                  .contentkey = "sellformUI.content",
+                  .page = &playershopstate::sellpage};
+    showsreadlist(form, &playershopstate::sellreadlist, markof, offerpurchase, tradeface::formlist);
+    form.wrongrow = [](ServerPlayer*) { logger.error("wrong castindex"); };
+    form.turned = [](ServerPlayer* player) { openOrdosellshopAsformmenu(player, false); };
+    form.closed = openmenubymode;
+    return form;
+}
+
+listform recycleform() {
+    listform form{.place = "openOrdorecycleshopAsformmenu",
+                  .titlekey = "recyclemenu",
+                  .contentkey = "recycleformUI.content",
+                  .page = &playershopstate::recyclepage};
+    showsreadlist(form, &playershopstate::recyclereadlist, markof, offerrecyclesale, tradeface::formlist);
+    form.wrongrow = [](ServerPlayer*) { logger.error("wrong castindex in {}", "openOrdorecycleshopAsformmenu"); };
+    form.turned = [](ServerPlayer* player) { openOrdorecycleshopAsformmenu(player, false); };
+    form.closed = openmenubymode;
+    return form;
+}
+
+opresult openlist(ServerPlayer* player, bool refresh, const listform& form, void (*prepare)(const std::string& xuid),
+                  const char* timing) {
+    const auto show = [xuid = player->getXuid(), &form] {
+        backtoplayer(xuid, form.place, [&form](ServerPlayer* who) { sendlistform(who, form); });
+    };
+    if (!refresh) {
+        show();
+        return opresult::opened;
+    }
+    Background::start([xuid = player->getXuid(), &form, prepare, timing, show] {
+        formenvelope(form.place, [&] {
+            const querytimer timer;
+            prepare(xuid);
+            timer.write(timing, form.place);
+            show();
+        });
+    });
+    return opresult::opened;
+}
+
+}  // namespace
+
+opresult openOrdosellshopAsformmenu(ServerPlayer* player, bool refresh) {
+    static const listform form = sellform();
+    return openlist(player, refresh, form, sellshop::prepareglobalsellshopfilterforplayer,
+                    "total query time:{}s at {}");
+}
+
+opresult openOrdorecycleshopAsformmenu(ServerPlayer* player, bool refresh) {
+    static const listform form = recycleform();
+    return openlist(player, refresh, form, recycleshop::prepareglobalrecycleshopfilterforplayer,
+                    "total query time:{}s");
+}
+
+}  // namespace ordomart

@@ -1,0 +1,131 @@
+// The operators' tools: bans, the list of shops to manage, the switch to the system shop. Shops are brought in on a
+// thread beside the server; what changes or shows something runs on the server thread.
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "platform/background.h"
+#include "platform/clock.h"
+#include "platform/level.h"
+#include "platform/schedule.h"
+#include "platform/turn.h"
+#include "plugin/chestviews/openers.h"
+#include "plugin/forms/formtools.h"
+#include "plugin/forms/openers.h"
+#include "plugin/frame/effects.h"
+#include "plugin/frame/language.h"
+#include "plugin/shopsystem/playershopstate.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
+
+namespace ordomart {
+
+namespace {
+
+struct banorder {
+    int type;
+    std::string xuid;
+    bool banned;
+    std::string reason;
+    std::int64_t seconds;  // -1: no end
+    [[nodiscard]] bool istypeknown() const { return type == sell || type == recycle; }
+};
+
+void carryout(const banorder& order) {
+    if (!order.istypeknown()) {
+        logger.error("unkownshoptype in setbanstate");
+        return;
+    }
+    auto& shop = getshop(order.xuid, order.type);
+    const auto timeend = order.seconds == -1 ? -1 : order.seconds + unixseconds();
+    shop.setbanstate(order.banned, timeend, order.reason);
+    // Twice, so that a ban moves the revision by 2.
+    shop.markshopchanged();
+    shop.markshopchanged();
+}
+
+struct managelist {
+    std::vector<std::string> entries, xuids;
+    int standard = 0;  // the caller's own shop, so that confirming the form as it stands ends the management
+};
+
+std::string managelistentry(const std::string& xuid) {
+    globalruntimeshopmanager.bringin(xuid, sell);
+    const bool isknown = !PlayerInfo::fromXuid(xuid).empty();
+    const Turn turn;
+    const auto& shop = globalruntimeshopmanager.getsellshop(xuid);
+    if (isknown) return "§a" + shop.ownername;
+    return (shop.shopname.empty() ? shop.xuid : shop.shopname) + "§c(Fake)";
+}
+
+void managechosen(ServerPlayer* player, const std::string& xuid) {
+    auto& state = getplayershopstate(player->getXuid());
+    if (xuid == player->getXuid()) {
+        state.manage(managesnobody);
+        player->sendText("resetsuccessfully");
+    } else if (xuid.empty()) {
+        player->sendText("cant find player");
+    } else {
+        state.manage(xuid);
+        openOrdomyshoppreviewmenu(player);
+    }
+}
+
+void sendmanageform(ServerPlayer* player, const managelist& list) {
+    Form::CustomForm form(tr(player, "managemenu"));
+    form.addDropdown("playernamelistid", "Select one to manage(warn: the shop maynot be create)", list.entries,
+                     list.standard);
+    sendrawform(player, form, {"openmanagesetstateform", {}, &manageenvelope},
+                [xuids = list.xuids](ServerPlayer* who, const nlohmann::json& answer) {
+                    managechosen(who, xuids.at(answer.at(0).get<std::size_t>()));
+                });
+}
+
+}  // namespace
+
+opresult setbanstate(ServerPlayer*, int type, const std::string& xuid, bool banned, const std::string& reason,
+                     std::int64_t seconds) {
+    Background::start([order = banorder{type, xuid, banned, reason, seconds}] {
+        envelope(
+            [&] {
+                if (order.istypeknown()) globalruntimeshopmanager.bringin(order.xuid, order.type);
+                Schedule::delay([order] { envelope([&] { carryout(order); }, nullptr, banenvelope); }, 0);
+            },
+            nullptr, banenvelope);
+    });
+    return opresult::opened;
+}
+
+opresult openmanagesetstateform(const std::string& playerxuid) {
+    envelope(
+        [&] {
+            managelist list;
+            for (const auto& xuid : shopfilekeys()) {
+                if (xuid.empty()) {
+                    logger.error("find null json in datajson! at openmanagesetstateform");
+                    return;
+                }
+                if (xuid == playerxuid) list.standard = static_cast<int>(list.entries.size());
+                list.entries.push_back(managelistentry(xuid));
+                list.xuids.push_back(xuid);
+            }
+            backtoplayer(
+                playerxuid, "openmanagesetstateform", [list](ServerPlayer* player) { sendmanageform(player, list); },
+                manageenvelope);
+        },
+        nullptr, manageenvelope);
+    return opresult::opened;
+}
+
+opresult openswitchsystemshop(ServerPlayer* player) {
+    if (player->getCommandPermissionLevel() == CommandPermissionLevel::Any) {
+        systemtoast(player, tr(player, "permission.deny"));
+        return opresult::refused;
+    }
+    const bool isswitchedon = effectiveshop(player) == systemshopid;
+    getplayershopstate(player->getXuid()).manage(isswitchedon ? managesnobody : systemshopid);
+    systemtoast(player, tr(player, isswitchedon ? "myshopformUI.switchmanagesystemshop.switchoff"
+                                                : "myshopformUI.switchmanagesystemshop.switchon"));
+    openmenubymode(player);
+    return opresult::opened;
+}
+
+}  // namespace ordomart

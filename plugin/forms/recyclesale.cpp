@@ -1,0 +1,93 @@
+// The sale to a commission: one confirm step for its four faces. The taking itself is takeinitems; here are the tests
+// in front of it, in the order of the face, and what the player reads behind it.
+#include <nlohmann/json.hpp>
+
+#include "plugin/chestviews/openers.h"
+#include "plugin/forms/faces.h"
+#include "plugin/forms/formtools.h"
+#include "plugin/forms/openers.h"
+#include "plugin/forms/trade.h"
+#include "plugin/forms/tryforms.h"
+#include "plugin/frame/effects.h"
+#include "plugin/frame/language.h"
+#include "plugin/shopsystem/commissions.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
+#include "plugin/shopsystem/tradelog.h"
+
+namespace ordomart {
+
+namespace {
+
+// In the order of tradeface.
+constexpr facerecord faces[] = {
+    {listmanner, "openOrdorecycleshopAsformmenu", reopens<openOrdorecycleshopAsformmenu, false>,
+     reopens<openOrdorecycleshopAsformmenu, true>, reopens<openFormmainmenu>},
+    {systemlistmanner, "openOrdosystemshoprecycleAsformmenu", reopens<openOrdosystemshoprecycleAsformmenu, false>,
+     reopens<openOrdosystemshoprecycleAsformmenu, true>, reopens<openOrdosystemshopAsformmenu, false>},
+    {chestmanner, "openOrdorecycleshopsmenu", reopens<openOrdorecycleshopsmenu>, reopens<openOrdorecycleshopsmenu>,
+     nullptr},
+    {chestmanner, "opensinglerecycleshopshopsmenu", reopens<opensinglerecycleshopshopsmenu>,
+     reopens<opensinglerecycleshopshopsmenu>, nullptr},
+};
+
+struct recyclesale {
+    std::string shopxuid;
+    std::uint32_t revision;
+    std::int32_t index;
+    std::vector<slotcount> slots;
+    std::string language;
+};
+
+std::string templatename(const recycleshopitem& commission) {
+    return CompoundTag::fromSNBT(commission.itemnbt).value_or(CompoundTag()).getString("Name");
+}
+
+void confirm(ServerPlayer* player, const facerecord& face, const recyclesale& sale, const Form::Elements& answer) {
+    const auto language = answerlanguage(face, player, sale.language);
+    auto& shop = globalruntimeshopmanager.getrecycleshop(sale.shopxuid);
+    // A list that has shrunk past the place is logged; the player reads of it what he reads of any change.
+    const bool isread = face.manner.revisionfirst || formenvelope(face.place, [&] {
+                            (void)shop.recycleitems.at(static_cast<std::size_t>(sale.index));
+                        });
+    if (!isread || !isatrevision(shop, sale.revision)) {
+        tellrefusal(face, player, sale.shopxuid, tr(language, "myshop.error.shopinfoupdate"));
+        return;
+    }
+    if (!shop.holds(sale.index)) {
+        player->sendText("catcherror for recycle:" + tr(language, "myshop.error.itemchanged"));
+        return;
+    }
+    const auto commission = shop.getrecycleitem(sale.index);
+    const auto taken =
+        takeinitems(player, shop, sale.index, commission, sale.slots, sellamounts.values(answer, sale.slots));
+    const auto message = tradesentence(shop.ownerlang, recyclesentence, player->getRealName(), taken.refunded,
+                                       fmt::format("{}*{}", templatename(commission), taken.pieces), shop.shopname);
+    playsound(player, "mob.villager.yes");
+    tellsuccess(face, player, sale.shopxuid, language,
+                {"recycleshop.recycle.success", false, message, shop.shopname, '+', taken.refunded});
+}
+
+}  // namespace
+
+bool isfresh(const globalrecycleshopitem& row) {
+    return isatrevision(globalruntimeshopmanager.getrecycleshop(row.xuid), row.revision);
+}
+
+void offerrecyclesale(ServerPlayer* player, const globalrecycleshopitem& row, tradeface which) {
+    const auto& face = faces[static_cast<std::size_t>(which)];
+    const auto item = itemfromsnbt(row.itemnbt);
+    if (!checkrawitemvalid(item)) {
+        player->sendText(
+            "catch checkrawitemvalid error: maybe your recycling item is from a mod that not installed in your server");
+        return;
+    }
+    const auto language = player->getLanguageCode();
+    const auto hovertext = hovertextfor(face, item, language);
+    const recyclesale sale{row.xuid, row.revision, row.index, findrecycleitems(*player, row), language};
+    const auto form = buildtryrecycleform(language, row, hovertext, sale.slots,
+                                          {item.getDamageValue(), item.getMaxDamage()}, player->getXuid());
+    sendform(player, form, {face.place, [&face, id = row.xuid](ServerPlayer* who) { face.closed(who, id); }},
+             [&face, sale](ServerPlayer* who, const Form::Elements& answer) { confirm(who, face, sale, answer); });
+}
+
+}  // namespace ordomart

@@ -1,0 +1,134 @@
+// Reading and writing go by one table of keys, so that a key that is read is also written back. What the file says is
+// kept, also where the server later runs with another value.
+#include "plugin/frame/config.h"
+
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "platform/files.h"
+#include "platform/host.h"
+#include "plugin/frame/globals.h"
+
+namespace ordomart {
+
+namespace {
+
+using nlohmann::json;
+
+// Any number and a boolean, cut to the width of the setting. Anything else is the library's type error.
+template <class Setting>
+void takenumber(const json& value, Setting& setting) {
+    std::int64_t whole = 0;
+    if (value.is_boolean())
+        whole = value.get<bool>() ? 1 : 0;
+    else if (!value.is_number_float())
+        whole = value.get<std::int64_t>();
+    else if (const double number = value.get<double>(); std::abs(number) < 9.0e18)
+        whole = static_cast<std::int64_t>(number);
+    setting = static_cast<Setting>(whole);
+}
+
+template <class Setting>
+void takeasis(const json& value, Setting& setting) {
+    setting = value.get<Setting>();
+}
+
+// Both directions of one key.
+struct settingrow {
+    const char* key;
+    void (*read)(const json&);
+    json (*write)();
+};
+
+template <auto& Setting>
+constexpr settingrow number(const char* key) {
+    return {key, [](const json& value) { takenumber(value, Setting); }, [] { return json(Setting); }};
+}
+
+template <auto& Setting>
+constexpr settingrow asis(const char* key) {
+    return {key, [](const json& value) { takeasis(value, Setting); }, [] { return json(Setting); }};
+}
+
+// In the order in which they are read: what stands before a broken key has taken effect.
+constexpr settingrow settings[] = {
+    number<moneymode>("moneymode"),         number<tax>("tax"),
+    number<extraslotcost>("extraslotcost"), number<maxfreeslot>("maxfreeslot"),
+    asis<banshopitem>("banshopitem"),       asis<scoremoneyname>("scoremoneyname"),
+    number<debugmode>("debugmode"),         asis<enablesystemshopinglobalshop>("enablesystemshopinglobalshop")};
+
+// A rough test: two bytes in a row beyond ASCII, up to the first zero byte.
+bool looksmultibyte(const std::string& name) {
+    const auto high = [](char c) { return (static_cast<unsigned char>(c) & 0x80U) != 0; };
+    const std::size_t end = std::min(name.size(), name.find('\0'));
+    for (std::size_t i = 1; i < end; ++i)
+        if (high(name[i - 1]) && high(name[i])) return true;
+    return false;
+}
+
+}  // namespace
+
+bool ensuredirectory(const std::string& path, LogLevel announced) {
+    Files& files = *host().files;
+    if (files.exists(path)) return true;
+    logger.put(announced, fmt::format("Can't find direct,try create:{} ", path));
+    const bool made = files.makeDirectory(path);
+    if (made)
+        logger.info("create {} success!", path);
+    else
+        logger.error("create {} error!", path);
+    return made;
+}
+
+void loadconfig(const std::string& path) {
+    Files& files = *host().files;
+    if (!files.exists(paths::base)) {
+        ensuredirectory(paths::base, LogLevel::warn);
+        files.makeDirectory(paths::data);
+        files.makeDirectory(paths::log);
+    }
+    const auto text = files.read(path);
+    if (!text) {
+        logger.warn("Can't open file {},try load default setting...", path);
+        writeconfig(path);
+        return;
+    }
+    try {
+        // As a stream, so that text behind the object does not matter.
+        std::istringstream in(*text);
+        json document;
+        in >> document;
+        readconfig(document);
+    } catch (const std::exception& e) {
+        throw configerror(fmt::format("{}: {}", path, e.what()));
+    }
+    writeconfig(path);
+}
+
+void readconfig(const json& document) {
+    if (!document.is_object())
+        throw configerror(fmt::format("the settings must be an object, but they are {}", document.type_name()));
+    for (const settingrow& row : settings) {
+        const auto found = document.find(row.key);
+        if (found == document.end()) continue;
+        try {
+            row.read(*found);
+        } catch (const json::exception& e) {
+            throw configerror(fmt::format("key \"{}\": {}", row.key, e.what()));
+        }
+    }
+    if (looksmultibyte(scoremoneyname)) {
+        logger.warn("you should never set scoremoneyname to a Chinese name!");
+        scoremoneyname = "money";
+    }
+}
+
+void writeconfig(const std::string& path) {
+    json document;
+    for (const settingrow& row : settings) document[row.key] = row.write();
+    if (!host().files->replace(path, document.dump(4))) logger.warn("Can't open file {}", path);
+}
+
+}  // namespace ordomart

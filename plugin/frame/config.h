@@ -1,0 +1,27 @@
+// The settings file. Read once at start, written straight back, so that a file that lacks keys comes out complete.
+// A malformed file or a key of the wrong type throws, with the file untouched.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <stdexcept>
+#include <string>
+
+#include "platform/logger.h"
+
+namespace ordomart {
+
+// Settings that cannot be used: names file and key, with the JSON library's own text behind them.
+class configerror : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+// Makes a directory that is missing and tells so, the first line at the given level. False when it could not be made.
+bool ensuredirectory(const std::string& path, platform::LogLevel announced);
+
+void loadconfig(const std::string& path);
+// Copies the keys that are present into the settings.
+void readconfig(const nlohmann::json& json);
+void writeconfig(const std::string& path);
+
+}  // namespace ordomart

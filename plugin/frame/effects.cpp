@@ -1,0 +1,46 @@
+// The numbers are read without the C library, whose atoi says nothing of what happens beyond the range.
+#include "plugin/frame/effects.h"
+
+#include <charconv>
+#include <limits>
+
+#include "plugin/economy/economymanager.h"
+
+namespace ordomart {
+
+void playsound(ServerPlayer* player, const char* name, float pitch) {
+    player->sendPlaySoundPacket(name, player->getPosition(), 1.0F, pitch);
+}
+
+void systemtoast(ServerPlayer* player, const std::string& text) { player->sendToastPacket("SYSTEM", text); }
+
+void moneytoast(ServerPlayer* player, const std::string& shopname, char sign, std::int64_t amount) {
+    const char* colour = sign == '+' ? "§a" : "§b";
+    player->sendToastPacket(shopname, fmt::format("{} {}{} §r{}", sign, colour, amount, getmoneyname()));
+}
+
+// ---- typed numbers
+
+namespace {
+
+template <class Number>
+Number typed(const std::string& text) {
+    const auto start = text.find_first_not_of(" \t\n\v\f\r");
+    if (start == std::string::npos) return 0;
+    const char* first = text.data() + start;
+    const char* const last = text.data() + text.size();
+    const bool negative = *first == '-';
+    // A plus sign is no part of a number for from_chars.
+    if (*first == '+' && first + 1 != last && *(first + 1) != '-') ++first;
+    Number value = 0;
+    if (std::from_chars(first, last, value).ec == std::errc::result_out_of_range)
+        return negative ? std::numeric_limits<Number>::min() : std::numeric_limits<Number>::max();
+    return value;
+}
+
+}  // namespace
+
+std::int32_t typednumber(const std::string& text) { return typed<std::int32_t>(text); }
+std::int64_t typednumber64(const std::string& text) { return typed<std::int64_t>(text); }
+
+}  // namespace ordomart

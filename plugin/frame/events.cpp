@@ -1,0 +1,48 @@
+// In scoreboard mode a joining player is given what his money will need: an id, and an account for the time he is away.
+#include "plugin/frame/events.h"
+
+#include "platform/host.h"
+#include "platform/player.h"
+#include "platform/scoreboard.h"
+#include "plugin/economy/economymanager.h"
+#include "plugin/economy/objectives.h"
+#include "plugin/economy/offlinemoney.h"
+#include "plugin/shopsystem/playershopstate.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
+
+namespace ordomart {
+
+namespace {
+
+// Scores need an id of the player on the scoreboard, and an account for what comes in while he is away.
+void preparescores(ServerPlayer& player) {
+    ensureobjectives();
+    existingobjective(scoremoneyname);
+    if (!scoreboard().getScoreboardId(player).isValid()) {
+        debuglogger.warn("try to create scoreboardid for player: {}...", player.getRealName());
+        scoreboard().createScoreboardId(player);
+    }
+    ensureofflineaccount(offlineaccount(player.getXuid()));
+}
+
+}  // namespace
+
+bool onplayerjoin(const Event::PlayerJoinEvent& event) {
+    ServerPlayer& player = *event.player;
+    if (player.getXuid().empty()) return true;
+    getplayershopstate(player.getXuid()).setatjoin(player.getDeviceType());
+    if (moneymode == 0) preparescores(player);
+    return true;
+}
+
+bool onplayerleft(const Event::PlayerLeftEvent& event) {
+    getplayershopstate(event.player->getXuid()).resetatleave();
+    return true;
+}
+
+bool onserverstopping(const Event::ServerStoppingEvent&) {
+    globalruntimeshopmanager.savealldirty();
+    return true;
+}
+
+}  // namespace ordomart

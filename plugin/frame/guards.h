@@ -1,0 +1,62 @@
+// The three conventions of all menu code: a small result code, the cool-down and readiness guard of the chest openers,
+// and the envelope around work that may meet bad data.
+#pragma once
+
+#include <ctime>
+#include <exception>
+#include <functional>
+#include <string>
+
+#include "platform/player.h"
+#include "plugin/frame/globals.h"
+
+namespace ordomart {
+
+enum class opresult : int { opened = 0, refused = 1, notready = 2, cooldown = 3 };
+
+// Readiness, then cool-down; stores the time of an opening that may go on. A refusal by cool-down is told to the
+// player.
+[[nodiscard]] opresult guardopening(ServerPlayer* player);
+
+// The host's presentation of a hardware fault. Nothing here raises it.
+class seh_exception : public std::exception {
+public:
+    explicit seh_exception(std::string what) : what_(std::move(what)) {}
+    [[nodiscard]] const char* what() const noexcept override { return what_.c_str(); }
+
+private:
+    std::string what_;
+};
+
+// What an envelope writes for each kind that it catches. An empty line means that the kind is caught as "anything
+// else".
+struct envelopelines {
+    const char* runtime;  // {} is what()
+    const char* fault;    // {} is what()
+    const char* parser;   // {} is what()
+    const char* other;
+    LogLevel parserlevel = LogLevel::info;
+    const char* faultplace = nullptr;  // a second line for a fault
+};
+
+// The usual one, and the words of the bodies that have their own.
+extern const envelopelines usualenvelope, refreshenvelope, manageenvelope, banenvelope;
+
+// Runs the body; what it throws is logged and ends it. True when it came through. `place` overrides faultplace.
+bool envelope(const std::function<void()>& body, const char* place = nullptr,
+              const envelopelines& lines = usualenvelope);
+// The second form, of the deferred tasks of the chest handlers: adds the place to each line.
+bool envelopeat(const char* base, const std::function<void()>& body);
+
+// Processor time of a list query, written when told: fmt template with {} for seconds and {} for the place.
+class querytimer {
+public:
+    querytimer() : start_(std::clock()) {}
+    [[nodiscard]] double seconds() const;  // whole milliseconds
+    void write(const char* line, const char* place = "") const;
+
+private:
+    std::clock_t start_;
+};
+
+}  // namespace ordomart

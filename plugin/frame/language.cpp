@@ -1,0 +1,69 @@
+// The language file is loaded at the server's first language choice, which comes before any player can read a text.
+#include "plugin/frame/language.h"
+
+#include "platform/hook.h"
+#include "platform/host.h"
+#include "platform/network.h"
+#include "plugin/frame/hooking.h"
+#include "plugin/frame/langtables.h"
+
+namespace ordomart {
+
+I18nBase* plugintranslation = nullptr;
+bool langloaded = false;
+std::string serverlanguage;
+
+namespace {
+
+constexpr const char* defaultlocale = "en_US";
+void* serverschoice = nullptr;
+
+void chooselanguage(const std::string& code) {
+    if (serverlanguage.empty()) serverlanguage = code;
+    if (!langloaded) {
+        plugintranslation = Translation::loadI18nImpl(paths::langs, defaultlocale, defaultlangdata());
+        langloaded = plugintranslation != nullptr;
+        if (!langloaded) logger.error("langfile load failed");
+    }
+    reinterpret_cast<ChooseLanguageFunction>(serverschoice)(code);
+}
+
+// What a player reads as long as the language file cannot be loaded.
+std::string builtintext(const std::string& locale, const std::string& key) {
+    for (const std::string& table : {locale, std::string(defaultlocale)})
+        if (const auto texts = defaultlangdata().find(table); texts != defaultlangdata().end())
+            if (const auto text = texts->second.find(key); text != texts->second.end()) return text->second;
+    return key;
+}
+
+// The server speaks another language for a moment.
+class languageswitch {
+public:
+    explicit languageswitch(const std::string& locale) { I18n::chooseLanguage(locale); }
+    ~languageswitch() { I18n::chooseLanguage(serverlanguage); }
+    languageswitch(const languageswitch&) = delete;
+    languageswitch& operator=(const languageswitch&) = delete;
+};
+
+}  // namespace
+
+void hookchooselanguage() {
+    installhook(symbols::chooseLanguage, &serverschoice, reinterpret_cast<void*>(&chooselanguage));
+}
+
+std::string tr(const Player* player, const std::string& key) { return tr(player->getLanguageCode(), key); }
+
+std::string tr(const std::string& locale, const std::string& key) {
+    return plugintranslation != nullptr ? plugintranslation->get(key, locale) : builtintext(locale, key);
+}
+
+std::string itemhovertext(const ItemStack& stack, const std::string& locale) {
+    const languageswitch switched(locale);
+    return host().items->hovertext(stack);
+}
+
+std::string itemlocalname(const ItemStack& stack, const std::string& locale) {
+    return I18n::get(stack.getDescriptionId(), locale);
+}
+
+}  // namespace ordomart

@@ -1,0 +1,29 @@
+// Every text that a player reads, by key and locale; and the hover text of items, which the server makes in whatever
+// language it holds at that moment.
+#pragma once
+
+#include <string>
+
+#include "platform/item.h"
+#include "platform/player.h"
+#include "platform/text.h"
+#include "plugin/frame/globals.h"
+
+namespace ordomart {
+
+extern I18nBase* plugintranslation;
+extern bool langloaded;
+extern std::string serverlanguage;  // the first language that the server ever chose
+
+// Installed over the server's own language switch while the module loads.
+void hookchooselanguage();
+
+[[nodiscard]] std::string tr(const Player* player, const std::string& key);
+[[nodiscard]] std::string tr(const std::string& locale, const std::string& key);
+
+// The item's hover text in a language, without its custom lore. Server thread, in one go.
+[[nodiscard]] std::string itemhovertext(const ItemStack& stack, const std::string& locale);
+// The item's name in a language, by its description id.
+[[nodiscard]] std::string itemlocalname(const ItemStack& stack, const std::string& locale);
+
+}  // namespace ordomart

@@ -1,0 +1,38 @@
+// The order in which the plug-in comes to life. moneymode has its final value only once the economy is bound.
+#include "platform/event.h"
+#include "platform/schedule.h"
+#include "plugin/economy/economymanager.h"
+#include "plugin/frame/command.h"
+#include "plugin/frame/config.h"
+#include "plugin/frame/events.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
+
+namespace ordomart {
+
+namespace {
+constexpr std::uint64_t tickperiod = 20;
+}
+
+void RegisterCommands() {
+    Event::EventManager<Event::RegCmdEvent>::addEventListener([](const Event::RegCmdEvent& event) {
+        registerordomart(*event.registry);
+        return true;
+    });
+}
+
+void PluginInit() {
+    logger.info("欢迎使用 Ordomart 商店系统！");
+    logger.info("Welcome to the Ordomart shop system!");
+    logger.info("Plugin Version: {}", pluginversion.toString());
+    RegisterCommands();
+    loadconfig(paths::config);
+    if (debugmode == 0) debuglogger.consolelevel = 0;
+    Logger::setDefaultFile(paths::simpletrade, true);
+    bindeconomy();
+    Schedule::repeat([] { globalruntimeshopmanager.tick(); }, tickperiod);
+    Event::EventManager<Event::PlayerLeftEvent>::addEventListener(&onplayerleft);
+    Event::EventManager<Event::PlayerJoinEvent>::addEventListener(&onplayerjoin);
+    Event::EventManager<Event::ServerStoppingEvent>::addEventListener(&onserverstopping);
+}
+
+}  // namespace ordomart

@@ -1,0 +1,46 @@
+// Items as texts: how an item becomes SNBT and an item again, and how a commission decides whether a stack is wanted.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/item.h"
+#include "platform/player.h"
+#include "plugin/shopsystem/shopitems.h"
+
+namespace shopsystem {
+
+using namespace platform;
+
+// Stands for a missing tag.Damage, in comparisons and in trade records.
+inline constexpr std::int32_t nodamage = -114514;
+
+[[nodiscard]] std::string itemtosnbt(const ItemStack& stack);      // as a stack of one piece
+[[nodiscard]] std::string itemtosnbtasis(const ItemStack& stack);  // with its real count
+[[nodiscard]] ItemStack itemfromsnbt(const std::string& text);     // an invalid stack for a text that does not parse
+[[nodiscard]] bool checkrawitemvalid(const ItemStack& stack);
+
+using enchlist = std::vector<std::pair<std::int16_t, std::int16_t>>;  // id, level
+[[nodiscard]] enchlist getenchlist(const CompoundTag& itemtag);
+[[nodiscard]] std::int32_t gettagdamage(const CompoundTag& itemtag);  // nodamage when missing
+void settagdamage(CompoundTag& itemtag, std::int32_t value);
+
+struct slotcount {
+    std::int32_t slot = 0, count = 0;
+};
+
+// One slot against the template. The template takes on the durability of the first stack that has one, and keeps it for
+// the rest of the scan.
+[[nodiscard]] bool matchrecycleitem(const recycleshopitem& wanted, CompoundTag& templatetag, const ItemStack& stack,
+                                    std::int32_t& count);
+// The scan over slots 0 to 35.
+[[nodiscard]] std::vector<slotcount> findrecycleitems(Player& player, const recycleshopitem& wanted);
+
+// ---- handing over
+void givetoplayer(ServerPlayer* player, const ItemStack& stack);  // into the inventory, or at his feet
+// In stacks of the item's maximal size. Nothing for 0 or less.
+void givepieces(ServerPlayer* player, ItemStack stack, std::int64_t pieces);
+
+}  // namespace shopsystem

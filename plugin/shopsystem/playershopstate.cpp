@@ -1,0 +1,46 @@
+// The table of players, and the moments at which a record is reset. A record stays for the whole run.
+#include "plugin/shopsystem/playershopstate.h"
+
+#include <unordered_map>
+
+namespace shopsystem {
+
+namespace {
+constexpr int desktopclient = 7;
+}
+
+void playershopstate::resetatleave() {
+    myshoppage = myrecycleshoppage = sellpage = recyclepage = shoplistpage = 0;
+    viewedshopid.clear();
+    managedid = ordomart::managesnobody;
+    menuopentime = 0;
+    recyclereadlist.clear();
+    sellreadlist.clear();
+    searchfilter = {};
+    filterstep = 0;
+    doubleclickmode = false;
+    showhelper = true;
+    searchmode = false;
+}
+
+void playershopstate::setatjoin(int devicetype) {
+    detailmode = devicetype == desktopclient;
+    if (!detailmode) doubleclickmode = true;
+}
+
+void playershopstate::manage(const std::string& xuid) {
+    myshoppage = myrecycleshoppage = 0;
+    managedid = xuid;
+}
+
+playershopstate& getplayershopstate(const std::string& xuid) {
+    static std::unordered_map<std::string, playershopstate> states(8);
+    return states[xuid];
+}
+
+std::string effectiveshop(const Player* player) {
+    const std::string& managed = getplayershopstate(player->getXuid()).managedid;
+    return managed == ordomart::managesnobody ? player->getXuid() : managed;
+}
+
+}  // namespace shopsystem

@@ -1,0 +1,40 @@
+// The cache of shop objects. Files are the store, objects the working copies. Reached only in a turn; a reference that
+// it gives is good for the operation at hand.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "plugin/shopsystem/recycleshop.h"
+#include "plugin/shopsystem/sellshop.h"
+
+namespace shopsystem {
+
+inline constexpr std::int32_t maxidleticks = 3000;
+
+class runtimeshopmanager {
+public:
+    runtimeshopmanager();
+    ~runtimeshopmanager();
+
+    baseshop& getshop(const std::string& xuid, int type);
+    sellshop& getsellshop(const std::string& xuid);
+    recycleshop& getrecycleshop(const std::string& xuid);
+    // Background threads, not in a turn: brings a shop in, with reading and parsing outside of the turn, so that a
+    // following getshop finds it. Throws what getshop throws.
+    void bringin(const std::string& xuid, int type);
+    // One pass over both maps, each second, on the server thread; touches no file.
+    void tick();
+    // Orderly stop: enqueues a save of whatever has not reached its file.
+    void savealldirty();
+
+private:
+    struct maps;
+    std::unique_ptr<maps> maps_;
+};
+
+extern runtimeshopmanager globalruntimeshopmanager;
+
+baseshop& getshop(const std::string& xuid, int type);
+
+}  // namespace shopsystem

@@ -1,0 +1,75 @@
+// The filter language, and the two ways of holding a filter against a row.
+#include "plugin/shopsystem/shopfilter.h"
+
+#include <exception>
+#include <string_view>
+
+#include "plugin/shopsystem/rowkinds.h"
+
+namespace shopsystem {
+
+namespace {
+
+constexpr std::string_view separator = "{||}";
+constexpr std::int32_t notset = -1;
+
+bool contains(std::string_view source, std::string_view part) { return source.find(part) != std::string_view::npos; }
+
+bool passes(const minimum& demanded) { return demanded.first <= demanded.second; }
+
+template <class Rows>
+bool passfields(const shopfilter& filter, const typename Rows::row& row, int mode) {
+    const auto& shop = Rows::shop(row.xuid);
+    if (shop.revision != static_cast<std::uint16_t>(row.revision) || row.*Rows::left == 0) return false;
+
+    const std::pair<const std::string&, const std::string&> texts[] = {{filter.ownernamefilter, shop.ownername},
+                                                                       {filter.shopdescfilter, shop.describe},
+                                                                       {filter.itemnamefilter, row.*Rows::name},
+                                                                       {filter.itemdescfilter, row.*Rows::describe},
+                                                                       {filter.itemtagfilter, row.*Rows::tag}};
+    const bool any = mode == anyof;
+    // The first set field that says yes decides in one mode, the first that says no in the other.
+    for (const auto& [wanted, source] : texts)
+        if (!wanted.empty() && filterstring(wanted, source) == any) return any;
+    for (const minimum& demanded : Rows::minima(filter, shop))
+        if (demanded.first != notset && passes(demanded) == any) return any;
+    return !any;
+}
+
+}  // namespace
+
+bool filterstring(const std::string& mfilter, const std::string& sourcestr) {
+    std::size_t lastflag = 0;  // start of the present alternative
+    std::size_t orflag = 0;    // the separator behind it
+    try {
+        const std::string_view filter = mfilter;
+        for (orflag = filter.find(separator); orflag != std::string_view::npos;
+             orflag = filter.find(separator, lastflag)) {
+            if (orflag != 0 && filter[orflag - 1] == '$') {
+                if (filter.substr(lastflag, orflag - 1 - lastflag) == sourcestr) return true;
+            } else if (contains(sourcestr, filter.substr(lastflag, orflag - lastflag))) {
+                return true;
+            }
+            lastflag = orflag + separator.size();
+            if (lastflag >= filter.size()) return false;
+        }
+        std::string_view last = filter.substr(lastflag);
+        if (!last.ends_with('$')) return contains(sourcestr, last);
+        last.remove_suffix(1);
+        return last == sourcestr;
+    } catch (const std::exception&) {
+        ordomart::logger.error("unkownerror in filterstring,mfilter:{},sourcestr:{},orflag:{},lastflag:{}", mfilter,
+                               sourcestr, orflag, lastflag);
+        return false;
+    }
+}
+
+bool passfilter(const shopfilter& filter, const globalsellshopitem& row, int mode) {
+    return passfields<sellrows>(filter, row, mode);
+}
+
+bool passfilter(const shopfilter& filter, const globalrecycleshopitem& row, int mode) {
+    return passfields<recyclerows>(filter, row, mode);
+}
+
+}  // namespace shopsystem

@@ -1,0 +1,32 @@
+// The histories: one text file per shop and kind, and the common file of transfers and fees. Server thread, but for
+// readeventlog.
+#pragma once
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "platform/nbt/tags.h"
+#include "plugin/frame/globals.h"
+
+namespace shopsystem {
+
+// "{0} pay {1}{2} to {3},note:{4}" in the common file.
+void writepayline(const std::string& from, std::int64_t amount, const std::string& to, const std::string& note);
+// A line in the file of a shop: suffix ".log" or ".relog".
+void writeshopline(const std::string& xuid, const char* suffix, const std::string& message);
+// The last 5000 bytes from a line's end on, or "failed to open". Any thread.
+[[nodiscard]] std::string readeventlog(const std::string& xuid, const char* suffix);
+
+// The two sentences that tell of a trade, in the log and to the player: the keys of a purchase and of a recycling.
+inline constexpr const char* purchasesentence = "Player {0} paid {1} for {2} from {3}";
+inline constexpr const char* recyclesentence = "Player {0} gain {1} for {2} from {3}";
+// One of them in a language. A text that cannot be filled is logged, and the key takes its place.
+[[nodiscard]] std::string tradesentence(const std::string& locale, const char* key, const std::string& player,
+                                        std::int64_t money, const std::string& item, const std::string& shopname);
+// What both kinds of trade record hold, read off the item: the name, both damages, the enchanted flag, the text; pieces
+// and money. The names of player and goods are the caller's to add.
+[[nodiscard]] nlohmann::json traderecord(const CompoundTag& itemtag, const std::string& itemnbt, std::int64_t pieces,
+                                         std::int64_t money);
+
+}  // namespace shopsystem
