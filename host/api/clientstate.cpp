@@ -1,0 +1,100 @@
+#include "host/api/clientstate.h"
+
+#include <fmt/format.h>
+
+#include <map>
+#include <stdexcept>
+
+namespace host {
+
+using nlohmann::json;
+using platform::NetworkItem;
+
+namespace {
+
+struct Area {
+    const char* name;
+    std::uint32_t container;
+    int count;
+};
+
+constexpr Area areas[] = {{"inventory", client::inventoryid, 36},
+                          {"armor", client::armorid, 4},
+                          {"offhand", client::offhandid, 1},
+                          {"cursor", client::uiid, 1}};
+
+int actiontype(const json& type) {
+    static const std::map<std::string, int> names{{"take", 0},          {"place", 1},       {"swap", 2},
+                                                  {"drop", 3},          {"destroy", 4},     {"consume", 5},
+                                                  {"creativepick", 14}, {"craftresult", 19}};
+    if (type.is_number_integer()) return type.get<int>();
+    const auto found = names.find(type.get<std::string>());
+    if (found == names.end()) throw std::runtime_error(fmt::format("unknown action type {}", type.dump()));
+    return found->second;
+}
+
+platform::ItemStackRequestSlotInfo slotof(const json& slot) {
+    return {static_cast<std::uint8_t>(containerof(slot.at("container"))), slot.at("slot").get<std::uint8_t>(),
+            slot.value("stackid", 0)};
+}
+
+}  // namespace
+
+json itemstate(const client::ModelClient& c, const NetworkItem& item) {
+    if (item.networkid == 0) return nullptr;
+    return {{"item", c.itemname(item)},
+            {"count", item.count},
+            {"aux", item.aux},
+            {"name", c.displayname(item)},
+            {"lore", client::ModelClient::lore(item)},
+            {"shines", client::ModelClient::shines(item)},
+            {"locked", client::ModelClient::locked(item)},
+            {"damage", item.userdata ? item.userdata->getInt("Damage") : 0},
+            {"stackid", item.stackid.value_or(0)}};
+}
+
+json clientstate(const client::ModelClient& c) {
+    json state{{"open", nullptr}, {"gametype", c.gametype()}, {"form", nullptr}, {"slots", json::object()}};
+    if (const auto& open = c.container())
+        state["open"] = {{"id", open->id}, {"type", open->type}, {"x", open->x}, {"y", open->y}, {"z", open->z}};
+    if (!c.forms().empty())
+        state["form"] = {{"id", c.forms().front().id}, {"json", json::parse(c.forms().front().json, nullptr, false)}};
+    for (const Area& area : areas) {
+        json& slots = state["slots"][area.name] = json::array();
+        for (int i = 0; i < area.count; ++i) slots.push_back(itemstate(c, c.slot(area.container, i)));
+    }
+    return state;
+}
+
+platform::ContainerName containerof(const json& name) {
+    using enum platform::ContainerName;
+    static const std::map<std::string, platform::ContainerName> names{
+        {"armor", armor},     {"armour", armor},  {"hotbar", hotbar},     {"inventory", inventory},
+        {"offhand", offhand}, {"cursor", cursor}, {"combined", combined}, {"createdoutput", createdoutput}};
+    if (name.is_number_unsigned() && name.get<unsigned>() < 256)
+        return static_cast<platform::ContainerName>(name.get<std::uint8_t>());
+    if (name.is_string())
+        if (const auto found = names.find(name.get<std::string>()); found != names.end()) return found->second;
+    throw std::runtime_error(fmt::format("unknown container {}", name.dump()));
+}
+
+std::vector<platform::ItemStackRequest> requestsof(const json& requests) {
+    std::vector<platform::ItemStackRequest> all;
+    for (const json& given : requests) {
+        platform::ItemStackRequest request;
+        request.id = given.value("id", 0);
+        for (const json& step : given.at("actions")) {
+            platform::ItemStackRequestAction action;
+            action.type = static_cast<std::uint8_t>(actiontype(step.at("type")));
+            action.amount = step.value("count", std::int8_t{0});
+            action.number = step.value("entry", 0U);
+            if (step.contains("source")) action.source = slotof(step["source"]);
+            if (step.contains("destination")) action.destination = slotof(step["destination"]);
+            request.actions.push_back(std::move(action));
+        }
+        all.push_back(std::move(request));
+    }
+    return all;
+}
+
+}  // namespace host

@@ -1,0 +1,20 @@
+// What a model client shows, as JSON; and back, what a caller asks it to do.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "client/modelclient.h"
+
+namespace host {
+
+// {"open": null or {id, type, x, y, z}, "gametype", "form": null or {id, json},
+//  "slots": {"inventory": [36], "armor": [4], "offhand": [1], "cursor": [1]}}; an empty slot is null.
+[[nodiscard]] nlohmann::json clientstate(const client::ModelClient& client);
+[[nodiscard]] nlohmann::json itemstate(const client::ModelClient& client, const platform::NetworkItem& item);
+
+// "inventory", "hotbar", "armor", "offhand", "cursor", "createdoutput", or a number. Throws std::runtime_error.
+[[nodiscard]] platform::ContainerName containerof(const nlohmann::json& name);
+// [{"actions": [{"type": "take" or a number, "count", "source": {"container", "slot", "stackid"}, "destination"}]}]
+[[nodiscard]] std::vector<platform::ItemStackRequest> requestsof(const nlohmann::json& requests);
+
+}  // namespace host

@@ -1,0 +1,350 @@
+#include "host/api/handlers.h"
+
+#include <fmt/format.h>
+
+#include <charconv>
+
+#include "host/api/clientstate.h"
+#include "host/api/eventstream.h"
+#include "host/core/commands.h"
+#include "host/core/log.h"
+#include "host/money.h"
+#include "host/server.h"
+#include "host/world/items.h"
+#include "host/world/world.h"
+#include "platform/level.h"
+
+namespace host {
+
+using nlohmann::json;
+
+namespace {
+
+const json done = {{"ok", true}};
+
+void settle(ApiCall& call) {
+    if (call.server.options().manual)
+        call.server.settle();
+    else
+        call.server.run([] {});
+}
+
+json act(ApiCall& call, const std::function<void(client::ModelClient&)>& step) {
+    if (!call.clients.has(call.player))
+        throw ApiError(404, fmt::format("no player \"{}\" is joined here", call.player));
+    call.clients.with(call.player, step);
+    settle(call);
+    return done;
+}
+
+std::string xuidof(ApiCall& call) {
+    std::string xuid = call.server.services().knownplayers->getXuid(call.player);
+    if (xuid.empty()) throw ApiError(404, fmt::format("nobody here knows a player \"{}\"", call.player));
+    return xuid;
+}
+
+json stackstate(const platform::ItemStack& stack) {
+    if (stack.isNull()) return nullptr;
+    return {{"item", stack.getTypeName()}, {"count", stack.getCount()}, {"snbt", stack.save().toSNBT()}};
+}
+
+platform::ItemStack stackof(const json& body) {
+    platform::ItemStack stack;
+    if (body.contains("snbt")) {
+        const auto tag = platform::CompoundTag::fromSNBT(body["snbt"].get<std::string>());
+        if (!tag) throw ApiError(400, "\"snbt\" is no SNBT of an item");
+        stack = platform::ItemStack::fromTag(*tag);
+        if (stack.isNull()) throw ApiError(400, fmt::format("there is no item \"{}\"", tag->getString("Name")));
+    } else if (body.contains("item") && !body["item"].is_null()) {
+        stack = platform::ItemStack::create(body["item"].get<std::string>(), body.value("count", 1),
+                                            body.value("aux", std::int16_t{0}));
+        if (stack.isNull()) throw ApiError(400, fmt::format("there is no item {}", body["item"].dump()));
+    }
+    return stack;
+}
+
+json getserver(ApiCall& call) {
+    return {{"manual", call.server.options().manual},
+            {"tick", call.server.tickcount()},
+            {"speed", call.server.speed()},
+            {"paused", call.server.paused()}};
+}
+
+json getplayers(ApiCall& call) {
+    json all = json::array();
+    call.server.run([&] {
+        Money money(*call.server.services().libraries);
+        for (const PlayerSummary& player : call.server.world().players())
+            all.push_back({{"name", player.name},
+                           {"xuid", player.xuid},
+                           {"language", player.language},
+                           {"touch", player.devicetype != 7},
+                           {"permission", player.permission},
+                           {"online", player.online},
+                           {"alive", player.alive},
+                           {"money", money.there() ? json(money.get(player.xuid)) : json(nullptr)}});
+    });
+    for (json& player : all) player["joined"] = call.clients.has(player["name"]);
+    return {{"players", all}};
+}
+
+json join(ApiCall& call) {
+    JoinRequest who;
+    who.name = call.body.at("name");
+    who.xuid = call.body.contains("xuid") ? call.body["xuid"].get<std::string>() : defaultxuid(call.server, who.name);
+    who.language = call.body.value("language", who.language);
+    who.permission = call.body.value("permission", 0);
+    const std::string device = call.body.value("device", "desktop");
+    if (device != "desktop" && device != "touch") throw ApiError(400, "\"device\" is desktop or touch");
+    who.devicetype = device == "touch" ? 2 : 7;
+    call.clients.join(who);
+    settle(call);
+    call.streams.changed(who.name);
+    return {{"name", who.name}, {"xuid", who.xuid}};
+}
+
+json leave(ApiCall& call) {
+    if (!call.clients.has(call.player))
+        throw ApiError(404, fmt::format("no player \"{}\" is joined here", call.player));
+    call.clients.leave(call.player);
+    settle(call);
+    call.streams.changed(call.player);
+    return done;
+}
+
+json look(ApiCall& call) {
+    if (!call.clients.has(call.player))
+        throw ApiError(404, fmt::format("no player \"{}\" is joined here", call.player));
+    json state;
+    call.clients.with(call.player, [&](client::ModelClient& c) { state = clientstate(c); });
+    json heard = json::array();
+    for (const Heard& one : call.streams.heardafter(0))
+        if (one.player == call.player) {
+            heard.push_back(one.what);
+            heard.back()["number"] = one.number;
+        }
+    state["heard"] = std::move(heard);
+    return state;
+}
+
+json command(ApiCall& call) {
+    const std::string line = call.body.at("line");
+    return act(call, [&](client::ModelClient& c) { c.command(line); });
+}
+
+json click(ApiCall& call) {
+    const platform::ContainerName container = containerof(call.body.at("container"));
+    const int slot = call.body.at("slot");
+    const std::string how = call.body.value("how", "click");
+    using Step = void (client::ModelClient::*)(platform::ContainerName, int);
+    static const std::map<std::string, Step> steps{{"click", &client::ModelClient::click},
+                                                   {"rightclick", &client::ModelClient::rightclick},
+                                                   {"drop", &client::ModelClient::drop},
+                                                   {"swap", &client::ModelClient::swapwithcursor}};
+    const auto step = steps.find(how);
+    if (step == steps.end()) throw ApiError(400, "\"how\" is click, rightclick, drop or swap");
+    return act(call, [&](client::ModelClient& c) { (c.*step->second)(container, slot); });
+}
+
+json request(ApiCall& call) {
+    const auto requests = requestsof(call.body.at("requests"));
+    json ids;
+    act(call, [&](client::ModelClient& c) { ids = c.request(requests); });
+    return {{"ids", ids}};
+}
+
+json close(ApiCall& call) {
+    return act(call, [](client::ModelClient& c) { c.close(); });
+}
+
+json answer(ApiCall& call) {
+    const std::string text = call.body.at("answer").dump();
+    return act(call, [&](client::ModelClient& c) {
+        if (c.forms().empty()) throw ApiError(409, fmt::format("{} has no form to answer", call.player));
+        c.answer(call.body.value("form", c.forms().front().id), text);
+    });
+}
+
+json getinventory(ApiCall& call) {
+    json slots = json::array();
+    call.server.run([&] {
+        for (int i = 0; i <= 40; ++i) slots.push_back(stackstate(call.server.world().item(call.player, i)));
+    });
+    return {{"slots", slots}};
+}
+
+json putinventory(ApiCall& call) {
+    const platform::ItemStack stack = stackof(call.body);
+    const int slot = call.body.at("slot");
+    if (slot < 0 || slot > 40) throw ApiError(400, "\"slot\" is 0 to 40: inventory 0-35, armour 36-39, offhand 40");
+    call.server.run([&] { call.server.world().setitem(call.player, slot, stack); });
+    settle(call);
+    return done;
+}
+
+json getmoney(ApiCall& call) {
+    json result;
+    call.server.run([&] {
+        Money money(*call.server.services().libraries);
+        result = {{"llmoney", money.there()}, {"amount", money.get(xuidof(call))}};
+    });
+    return result;
+}
+
+json putmoney(ApiCall& call) {
+    const std::int64_t amount = call.body.at("amount");
+    call.server.run([&] { Money(*call.server.services().libraries).set(xuidof(call), amount); });
+    return done;
+}
+
+json getscore(ApiCall& call) {
+    json result;
+    call.server.run([&] { result = {{"value", call.server.world().score(call.player, call.query("objective"))}}; });
+    return result;
+}
+
+json putscore(ApiCall& call) {
+    call.server.run(
+        [&] { call.server.world().setscore(call.player, call.body.at("objective"), call.body.at("value")); });
+    return done;
+}
+
+template <bool Alive>
+json setalive(ApiCall& call) {
+    call.server.run([&] { call.server.world().setalive(call.player, Alive); });
+    return done;
+}
+
+json putpermission(ApiCall& call) {
+    call.server.run([&] { call.server.world().setpermission(call.player, call.body.at("level")); });
+    return done;
+}
+
+json dropped(ApiCall& call) {
+    json all = json::array();
+    call.server.run([&] {
+        for (const DroppedItem& item : call.server.world().droppeditems()) {
+            json told = stackstate(item.stack);
+            told["position"] = {item.position.x, item.position.y, item.position.z};
+            all.push_back(std::move(told));
+        }
+    });
+    return {{"items", all}};
+}
+
+void manualonly(ApiCall& call) {
+    if (!call.server.options().manual) throw ApiError(409, "the server ticks by itself; start it with --manual");
+}
+
+json ticks(ApiCall& call) {
+    manualonly(call);
+    const int count = call.body.value("count", 1);
+    if (count < 1 || count > 100000) throw ApiError(400, "\"count\" is 1 to 100000");
+    call.server.ticks(count);
+    return {{"tick", call.server.tickcount()}};
+}
+
+json clock(ApiCall& call) {
+    manualonly(call);
+    call.server.advanceclock(call.body.at("milliseconds"));
+    settle(call);
+    return done;
+}
+
+json speed(ApiCall& call) {
+    if (call.body.contains("ticks")) {
+        const double asked = call.body["ticks"];
+        if (!(asked >= 0.1 && asked <= 1000)) throw ApiError(400, "\"ticks\" is 0.1 to 1000 a second");
+        call.server.setspeed(asked);
+    }
+    if (call.body.contains("paused")) call.server.setpaused(call.body["paused"]);
+    call.streams.changed();
+    return getserver(call);
+}
+
+json readlog(ApiCall& call) {
+    json lines = json::array();
+    for (const LogLine& line : call.server.log().lines(numberof(call.query("after"))))
+        lines.push_back({{"number", line.number},
+                         {"time", line.time},
+                         {"title", line.title},
+                         {"level", static_cast<int>(line.level)},
+                         {"message", line.message}});
+    return {{"lines", lines}};
+}
+
+json items(ApiCall&) {
+    json all = json::array();
+    for (const ItemRow& row : itemtable().rows()) {
+        json variants = json::array();
+        for (const ItemVariant& one : row.variants)
+            variants.push_back({{"aux", one.aux}, {"en", one.english}, {"zh", one.chinese}, {"color", one.color}});
+        all.push_back({{"item", row.info.name},
+                       {"en", row.english},
+                       {"zh", row.chinese},
+                       {"kind", row.kind},
+                       {"color", row.color},
+                       {"stack", row.info.maxstack},
+                       {"durability", row.info.maxdamage},
+                       {"variants", std::move(variants)}});
+    }
+    return {{"items", all}};
+}
+
+json complete(ApiCall& call) {
+    const std::string line = call.query("line"), name = call.query("player");
+    int level = 0;
+    for (const JoinRequest& who : call.clients.joined())
+        if (who.name == name) level = who.permission;
+    json words = json::array(), usage;
+    call.server.run([&] {
+        for (const Completion& word :
+             call.server.commands().complete(line, static_cast<platform::CommandPermissionLevel>(level)))
+            words.push_back({{"text", word.text}, {"hint", word.hint}});
+        usage = call.server.commands().usage();
+    });
+    return {{"completions", words}, {"usage", usage}};
+}
+
+constexpr ApiRoute routes[] = {
+    {"GET", "/api/server", getserver},
+    {"GET", "/api/players", getplayers},
+    {"POST", "/api/players", join},
+    {"DELETE", "/api/players/{}", leave},
+    {"GET", "/api/players/{}", look},
+    {"POST", "/api/players/{}/command", command},
+    {"POST", "/api/players/{}/click", click},
+    {"POST", "/api/players/{}/request", request},
+    {"POST", "/api/players/{}/close", close},
+    {"POST", "/api/players/{}/answer", answer},
+    {"GET", "/api/players/{}/inventory", getinventory},
+    {"PUT", "/api/players/{}/inventory", putinventory},
+    {"GET", "/api/players/{}/money", getmoney},
+    {"PUT", "/api/players/{}/money", putmoney},
+    {"GET", "/api/players/{}/score", getscore},
+    {"PUT", "/api/players/{}/score", putscore},
+    {"POST", "/api/players/{}/kill", setalive<false>},
+    {"POST", "/api/players/{}/revive", setalive<true>},
+    {"PUT", "/api/players/{}/permission", putpermission},
+    {"GET", "/api/dropped", dropped},
+    {"POST", "/api/ticks", ticks},
+    {"POST", "/api/clock", clock},
+    {"POST", "/api/speed", speed},
+    {"GET", "/api/log", readlog},
+    {"GET", "/api/items", items},
+    {"GET", "/api/complete", complete},
+};
+
+}  // namespace
+
+std::uint64_t numberof(const std::string& text) {
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (!text.empty() && (error != std::errc{} || end != text.data() + text.size()))
+        throw ApiError(400, fmt::format("\"{}\" is no number", text));
+    return number;
+}
+
+std::span<const ApiRoute> apiroutes() { return routes; }
+
+}  // namespace host

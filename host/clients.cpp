@@ -1,0 +1,116 @@
+#include "host/clients.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <atomic>
+
+#include "host/server.h"
+#include "host/world/items.h"
+#include "platform/level.h"
+#include "platform/logger.h"
+
+namespace host {
+
+namespace {
+
+// The item table as the server announces it to a client that starts the game.
+client::ItemNames announceditems(const std::string& language) {
+    client::ItemNames names;
+    for (const ItemRow& row : itemtable().rows())
+        names[row.info.networkid] = {row.info.name, row.info.maxstack, row.info.maxdamage,
+                                     itemtable().gametext(row.info.descriptionid, language)};
+    return names;
+}
+
+}  // namespace
+
+std::string defaultxuid(Server& server, const std::string& name) {
+    if (std::string known = server.services().knownplayers->getXuid(name); !known.empty()) return known;
+    std::uint64_t hash = 14695981039346656037ULL;
+    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+    return std::to_string(2535400000000000ULL + hash % 100000000000ULL);
+}
+
+Clients::Clients(Server& server) : server_(server) {}
+
+Clients::~Clients() { leaveall(); }
+
+void Clients::join(const JoinRequest& request) {
+    auto seat = std::make_shared<Seat>();
+    seat->who = request;
+    // What the client says before the server has named the connection waits for it.
+    auto connection = std::make_shared<std::atomic<ConnectionId>>(0);
+    seat->client = std::make_unique<client::ModelClient>(announceditems(request.language), request.devicetype != 7,
+                                                         [this, connection](std::string packet) {
+                                                             if (const ConnectionId id = *connection; id != 0)
+                                                                 server_.network().receive(id, std::move(packet));
+                                                         });
+    server_.run([&] {
+        const std::weak_ptr<Seat> weak = seat;
+        seat->connection = server_.network().join(request, [this, weak](std::string packet) {
+            if (const auto held = weak.lock()) deliver(*held, packet);
+        });
+        *connection = seat->connection;
+    });
+    std::lock_guard guard(lock_);
+    seats_.push_back(seat);
+}
+
+void Clients::deliver(Seat& seat, const std::string& packet) {
+    try {
+        std::lock_guard guard(seat.lock);
+        seat.client->receive(packet);
+    } catch (const std::exception& e) {
+        platform::Logger("Client").error("{} could not read a packet of the server: {}", seat.who.name, e.what());
+    }
+    std::vector<std::function<void(const std::string&)>> watchers;
+    {
+        std::lock_guard guard(lock_);
+        watchers = watchers_;
+    }
+    for (const auto& watcher : watchers) watcher(seat.who.name);
+}
+
+void Clients::leave(const std::string& name) {
+    const auto going = seat(name);
+    server_.run([&] { server_.network().leave(going->connection); });
+    std::lock_guard guard(lock_);
+    std::erase(seats_, going);
+}
+
+void Clients::leaveall() {
+    for (const JoinRequest& who : joined()) leave(who.name);
+}
+
+std::vector<JoinRequest> Clients::joined() const {
+    std::lock_guard guard(lock_);
+    std::vector<JoinRequest> all;
+    for (const auto& seat : seats_) all.push_back(seat->who);
+    return all;
+}
+
+bool Clients::has(const std::string& name) const {
+    std::lock_guard guard(lock_);
+    return std::ranges::any_of(seats_, [&](const auto& seat) { return seat->who.name == name; });
+}
+
+std::shared_ptr<Clients::Seat> Clients::seat(const std::string& name) const {
+    std::lock_guard guard(lock_);
+    const auto found = std::ranges::find_if(seats_, [&](const auto& seat) { return seat->who.name == name; });
+    if (found == seats_.end()) throw std::runtime_error(fmt::format("no player \"{}\" is joined here", name));
+    return *found;
+}
+
+void Clients::with(const std::string& name, const std::function<void(client::ModelClient&)>& work) {
+    const auto held = seat(name);
+    std::lock_guard guard(held->lock);
+    work(*held->client);
+}
+
+void Clients::watch(std::function<void(const std::string&)> watcher) {
+    std::lock_guard guard(lock_);
+    watchers_.push_back(std::move(watcher));
+}
+
+}  // namespace host

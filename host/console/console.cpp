@@ -1,0 +1,338 @@
+#include "host/console/console.h"
+
+#include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "host/console/colours.h"
+#include "host/console/drawing.h"
+#include "host/core/commands.h"
+#include "host/core/log.h"
+#include "host/money.h"
+#include "host/server.h"
+#include "host/world/world.h"
+
+namespace host {
+
+namespace {
+
+std::vector<std::string> split(const std::string& text) {
+    std::istringstream in(text);
+    std::vector<std::string> words;
+    for (std::string word; in >> word;) words.push_back(word);
+    return words;
+}
+
+// The text behind the first n words.
+std::string behind(const std::string& text, std::size_t n) {
+    std::size_t at = 0;
+    for (; n > 0 && at != std::string::npos; --n) {
+        at = text.find_first_not_of(' ', at);
+        if (at != std::string::npos) at = text.find(' ', at);
+    }
+    at = at == std::string::npos ? at : text.find_first_not_of(' ', at);
+    return at == std::string::npos ? "" : text.substr(at);
+}
+
+int number(const std::string& word) {
+    std::size_t used = 0;
+    int value = 0;
+    try {
+        value = std::stoi(word, &used);
+    } catch (const std::exception&) {
+        used = 0;
+    }
+    if (used != word.size() || word.empty()) throw std::runtime_error(fmt::format("\"{}\" is no number", word));
+    return value;
+}
+
+platform::ContainerName containername(const std::string& word) {
+    using enum platform::ContainerName;
+    static const std::map<std::string, platform::ContainerName> names{{"armor", armor},     {"armour", armor},
+                                                                      {"hotbar", hotbar},   {"inventory", inventory},
+                                                                      {"offhand", offhand}, {"cursor", cursor}};
+    const auto found = names.find(word);
+    if (found == names.end())
+        throw std::runtime_error(fmt::format("\"{}\" is none of armour, hotbar, inventory, offhand, cursor", word));
+    return found->second;
+}
+
+}  // namespace
+
+Console::Console(Server& server, Clients& clients, std::ostream& out, bool colour)
+    : server_(server), clients_(clients), out_(out), colour_(colour) {
+    server_.log().setconsole([this](const std::string& line) { print(line); });
+    clients_.watch([this](const std::string& name) { tell(name); });
+}
+
+Console::~Console() { server_.log().setconsole({}); }
+
+void Console::print(const std::string& text) {
+    std::lock_guard guard(lock_);
+    out_ << terminaltext(text, colour_) << (text.ends_with('\n') ? "" : "\n") << std::flush;
+}
+
+const std::vector<Console::Line>& Console::serverlines() {
+    static const std::vector<Line> lines{
+        {"help", "help", "this list", &Console::help},
+        {"join", "join NAME [--xuid X] [--lang zh_CN] [--touch] [--op LEVEL]", "a player joins", &Console::join},
+        {"leave", "leave NAME", "he leaves", &Console::leave},
+        {"players", "players", "everybody known here", &Console::players},
+        {"give", "give NAME ITEM [COUNT] [SLOT]", "a stack, into a slot or the first free one", &Console::give},
+        {"money", "money NAME [AMOUNT]", "his LLMoney account, shown or set", &Console::money},
+        {"score", "score NAME OBJECTIVE [VALUE]", "a score, shown or set", &Console::score},
+        {"kill", "kill NAME", "he dies", &Console::kill},
+        {"revive", "revive NAME", "and lives again", &Console::revive},
+        {"tick", "tick [N]", "N game ticks, with --manual", &Console::tick},
+        {"commands", "commands", "the server commands a player can type", &Console::commands},
+    };
+    return lines;
+}
+
+const std::vector<Console::Line>& Console::playerlines() {
+    static const std::vector<Line> lines{
+        {"screen", "NAME screen", "his inventory screen", &Console::screen},
+        {"form", "NAME form", "the form in front of him, again", &Console::form},
+        {"answer", "NAME answer VALUE...", "answers it: a button's number or text, values in order, close",
+         &Console::answer},
+        {"click", "NAME click CONTAINER SLOT", "clicks; also rightclick, drop, swap (with the cursor)",
+         &Console::click},
+        {"rightclick", "NAME rightclick CONTAINER SLOT", nullptr, &Console::click},
+        {"drop", "NAME drop CONTAINER SLOT", nullptr, &Console::click},
+        {"swap", "NAME swap CONTAINER SLOT", nullptr, &Console::click},
+        {"close", "NAME close", "closes the open menu", &Console::close},
+    };
+    return lines;
+}
+
+void Console::check(const Line& line, const std::vector<std::string>& words, std::size_t least) {
+    if (words.size() < least) throw std::runtime_error(fmt::format("usage: {}", line.usage));
+}
+
+bool Console::line(const std::string& text) {
+    const std::vector<std::string> words = split(text);
+    if (words.empty() || words[0].starts_with('#')) return true;
+    if (words[0] == "stop") return false;
+    try {
+        for (const Line& known : serverlines())
+            if (words[0] == known.word) {
+                const auto names = std::ranges::count_if(split(known.usage), [](const std::string& w) {
+                    return w.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
+                });
+                check(known, words, 1 + static_cast<std::size_t>(names));
+                (this->*known.run)(words, behind(text, 1));
+                return true;
+            }
+        // Names may hold blanks: the longest joined name that the line begins with is meant.
+        std::string name;
+        for (const JoinRequest& who : clients_.joined())
+            if (text.starts_with(who.name) && who.name.size() > name.size() && text.size() > who.name.size() &&
+                (text[who.name.size()] == ':' || text[who.name.size()] == ' '))
+                name = who.name;
+        if (name.empty())
+            throw std::runtime_error(
+                fmt::format("\"{}\" is neither a line of the console nor a joined player; try help", words[0]));
+        if (text[name.size()] == ':') {
+            command(name, behind(text.substr(name.size() + 1), 0));
+            return true;
+        }
+        const std::string tail = behind(text.substr(name.size()), 0);
+        std::vector<std::string> his = split(tail);
+        his.insert(his.begin(), name);
+        for (const Line& known : playerlines())
+            if (his.size() > 1 && his[1] == known.word) {
+                const bool slots = known.run == &Console::click;
+                check(known, his, slots ? 4 : 2);
+                (this->*known.run)(his, behind(tail, 1));
+                return true;
+            }
+        throw std::runtime_error(
+            fmt::format("{} can screen, form, answer, click, close, or type a command: \"{}: ordomart\"", name, name));
+    } catch (const std::exception& e) {
+        print(fmt::format("\u00a7c{}", e.what()));
+    }
+    return true;
+}
+
+void Console::settle() {
+    if (server_.options().manual)
+        server_.settle();
+    else
+        server_.run([] {});
+}
+
+void Console::help(const std::vector<std::string>&, const std::string&) {
+    std::string text;
+    for (const Line& line : serverlines()) text += fmt::format("{:<62} {}\n", line.usage, line.help);
+    text += fmt::format("{:<62} {}\n", "NAME: COMMAND", "he types a command: Alice: ordomart formmenu");
+    for (const Line& line : playerlines())
+        if (line.help != nullptr) text += fmt::format("{:<62} {}\n", line.usage, line.help);
+    print(text + fmt::format("{:<62} {}", "stop", "stops the server"));
+}
+
+void Console::join(const std::vector<std::string>& words, const std::string&) {
+    JoinRequest who;
+    who.name = words.at(1);
+    for (std::size_t i = 2; i < words.size(); ++i) {
+        const std::string& word = words[i];
+        const auto value = [&]() -> const std::string& {
+            if (i + 1 >= words.size()) throw std::runtime_error(fmt::format("{} needs a value", word));
+            return words[++i];
+        };
+        if (word == "--xuid")
+            who.xuid = value();
+        else if (word == "--lang")
+            who.language = value();
+        else if (word == "--touch")
+            who.devicetype = 2;
+        else if (word == "--op")
+            who.permission = number(value());
+        else
+            throw std::runtime_error(fmt::format("join does not know \"{}\"", word));
+    }
+    if (who.xuid.empty()) who.xuid = defaultxuid(server_, who.name);
+    clients_.join(who);
+    settle();
+    print(fmt::format("{} joined (xuid {}, {}, {})", who.name, who.xuid, who.language,
+                      who.devicetype == 7 ? "desktop" : "touch"));
+}
+
+void Console::leave(const std::vector<std::string>& words, const std::string& rest) {
+    clients_.leave(rest.empty() ? words.at(1) : rest);
+    settle();
+}
+
+void Console::players(const std::vector<std::string>&, const std::string&) {
+    std::vector<PlayerSummary> all;
+    server_.run([&] { all = server_.world().players(); });
+    for (const PlayerSummary& player : all)
+        print(fmt::format("{} (xuid {}, {}, level {}){}{}", player.name, player.xuid, player.language,
+                          player.permission, player.online ? " online" : "", player.alive ? "" : " dead"));
+    if (all.empty()) print("nobody yet: join Alice");
+}
+
+void Console::give(const std::vector<std::string>& words, const std::string&) {
+    const platform::ItemStack stack = platform::ItemStack::create(words.at(2), words.size() > 3 ? number(words[3]) : 1);
+    if (stack.isNull()) throw std::runtime_error(fmt::format("there is no item \"{}\"", words[2]));
+    server_.run([&] {
+        int slot = words.size() > 4 ? number(words[4]) : -1;
+        for (int i = 0; slot < 0 && i < 36; ++i)
+            if (server_.world().item(words[1], i).isNull()) slot = i;
+        if (slot < 0) throw std::runtime_error(fmt::format("{} has no free slot", words[1]));
+        server_.world().setitem(words[1], slot, stack);
+    });
+    settle();
+}
+
+void Console::money(const std::vector<std::string>& words, const std::string&) {
+    Money money(*server_.services().libraries);
+    server_.run([&] {
+        const std::string xuid = server_.services().knownplayers->getXuid(words.at(1));
+        if (xuid.empty()) throw std::runtime_error(fmt::format("nobody here knows a player \"{}\"", words[1]));
+        if (words.size() > 2) money.set(xuid, number(words[2]));
+        print(fmt::format("{} has {}", words[1], money.get(xuid)));
+    });
+}
+
+void Console::score(const std::vector<std::string>& words, const std::string&) {
+    server_.run([&] {
+        World& world = server_.world();
+        if (words.size() > 3) world.setscore(words[1], words[2], number(words[3]));
+        print(fmt::format("{} has {} in {}", words.at(1), world.score(words[1], words.at(2)), words[2]));
+    });
+}
+
+void Console::kill(const std::vector<std::string>& words, const std::string&) {
+    server_.run([&] { server_.world().setalive(words.at(1), false); });
+}
+
+void Console::revive(const std::vector<std::string>& words, const std::string&) {
+    server_.run([&] { server_.world().setalive(words.at(1), true); });
+}
+
+void Console::tick(const std::vector<std::string>& words, const std::string&) {
+    if (!server_.options().manual) throw std::runtime_error("the server ticks by itself; start it with --manual");
+    server_.ticks(words.size() > 1 ? number(words[1]) : 1);
+}
+
+void Console::commands(const std::vector<std::string>&, const std::string&) {
+    std::vector<std::string> usage;
+    server_.run([&] { usage = server_.commands().usage(); });
+    for (const std::string& line : usage) print(line);
+}
+
+void Console::screen(const std::vector<std::string>& words, const std::string&) {
+    std::string text;
+    clients_.with(words.at(0), [&](client::ModelClient& c) { text = drawscreen(c); });
+    print(text);
+}
+
+void Console::form(const std::vector<std::string>& words, const std::string&) {
+    std::string text = "no form is open";
+    clients_.with(words.at(0), [&](client::ModelClient& c) {
+        if (!c.forms().empty()) text = drawform(nlohmann::json::parse(c.forms().front().json));
+    });
+    print(text);
+}
+
+void Console::answer(const std::vector<std::string>& words, const std::string& rest) {
+    clients_.with(words.at(0), [&](client::ModelClient& c) {
+        if (c.forms().empty()) throw std::runtime_error(fmt::format("{} has no form to answer", words[0]));
+        c.answer(typedanswer(nlohmann::json::parse(c.forms().front().json), rest).dump());
+    });
+    settle();
+}
+
+void Console::click(const std::vector<std::string>& words, const std::string&) {
+    const platform::ContainerName container = containername(words.at(2));
+    const int slot = number(words.at(3));
+    clients_.with(words[0], [&](client::ModelClient& c) {
+        if (words[1] == "click") c.click(container, slot);
+        if (words[1] == "rightclick") c.rightclick(container, slot);
+        if (words[1] == "drop") c.drop(container, slot);
+        if (words[1] == "swap") c.swapwithcursor(container, slot);
+    });
+    settle();
+}
+
+void Console::close(const std::vector<std::string>& words, const std::string&) {
+    clients_.with(words.at(0), [](client::ModelClient& c) { c.close(); });
+    settle();
+}
+
+void Console::command(const std::string& name, const std::string& text) {
+    clients_.with(name, [&](client::ModelClient& c) { c.command(text); });
+    settle();
+}
+
+void Console::tell(const std::string& name) {
+    std::string text;
+    clients_.with(name, [&](client::ModelClient& c) {
+        Told& told = told_[name];
+        // Somebody else may have cleared a list since.
+        const auto fresh = [](std::size_t& seen, const auto& list) {
+            const std::size_t from = seen <= list.size() ? seen : 0;
+            seen = list.size();
+            return from;
+        };
+        for (std::size_t i = fresh(told.replies, c.replies); i < c.replies.size(); ++i)
+            text += fmt::format("\u00a77{} >\u00a7r {}{}\u00a7r\n", name, c.replies[i].success ? "" : "\u00a7c",
+                                c.replies[i].text);
+        for (std::size_t i = fresh(told.chat, c.chat); i < c.chat.size(); ++i)
+            text += fmt::format("\u00a77{} |\u00a7r {}\u00a7r\n", name, c.chat[i]);
+        for (std::size_t i = fresh(told.toasts, c.toasts); i < c.toasts.size(); ++i)
+            text += fmt::format("\u00a77{} \u2691\u00a7r \u00a7l{}\u00a7r {}\u00a7r\n", name, c.toasts[i].title,
+                                c.toasts[i].content);
+        for (std::size_t i = fresh(told.sounds, c.sounds); i < c.sounds.size(); ++i)
+            text += fmt::format("\u00a78{} \u266a {}\u00a7r\n", name, c.sounds[i].name);
+        if (!c.forms().empty() && c.forms().front().id != told.form) {
+            told.form = c.forms().front().id;
+            text += fmt::format("\u00a77{} is asked:\u00a7r\n{}\n", name,
+                                drawform(nlohmann::json::parse(c.forms().front().json)));
+        }
+    });
+    if (!text.empty()) print(text);
+}
+
+}  // namespace host

@@ -1,0 +1,74 @@
+// The terminal: lines typed by a person, and what the joined clients see, drawn as it comes. "help" lists the lines.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <mutex>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "host/clients.h"
+
+namespace host {
+
+class Server;
+
+class Console {
+public:
+    // `colour`: § codes become terminal colours, otherwise they are taken out.
+    Console(Server& server, Clients& clients, std::ostream& out, bool colour);
+    ~Console();
+
+    // One line. False for "stop". What is wrong with it is printed.
+    bool line(const std::string& text);
+    void print(const std::string& text);
+
+private:
+    struct Line {
+        const char* word;
+        const char* usage;
+        const char* help;
+        void (Console::*run)(const std::vector<std::string>& words, const std::string& rest);
+    };
+    static const std::vector<Line>& serverlines();
+    static const std::vector<Line>& playerlines();
+    static void check(const Line& line, const std::vector<std::string>& words, std::size_t least);
+
+    // of the server
+    void help(const std::vector<std::string>& words, const std::string& rest);
+    void join(const std::vector<std::string>& words, const std::string& rest);
+    void leave(const std::vector<std::string>& words, const std::string& rest);
+    void players(const std::vector<std::string>& words, const std::string& rest);
+    void give(const std::vector<std::string>& words, const std::string& rest);
+    void money(const std::vector<std::string>& words, const std::string& rest);
+    void score(const std::vector<std::string>& words, const std::string& rest);
+    void kill(const std::vector<std::string>& words, const std::string& rest);
+    void revive(const std::vector<std::string>& words, const std::string& rest);
+    void tick(const std::vector<std::string>& words, const std::string& rest);
+    void commands(const std::vector<std::string>& words, const std::string& rest);
+    // of one player; words[0] is his name
+    void screen(const std::vector<std::string>& words, const std::string& rest);
+    void form(const std::vector<std::string>& words, const std::string& rest);
+    void answer(const std::vector<std::string>& words, const std::string& rest);
+    void click(const std::vector<std::string>& words, const std::string& rest);
+    void close(const std::vector<std::string>& words, const std::string& rest);
+
+    void command(const std::string& name, const std::string& text);
+    void settle();
+    // Prints what a client has heard and been shown since the last time.
+    void tell(const std::string& name);
+
+    Server& server_;
+    Clients& clients_;
+    std::ostream& out_;
+    bool colour_;
+    std::mutex lock_;
+    struct Told {
+        std::size_t chat = 0, toasts = 0, replies = 0, sounds = 0;
+        std::uint32_t form = 0;
+    };
+    std::map<std::string, Told> told_;
+};
+
+}  // namespace host

@@ -1,0 +1,42 @@
+// An open file that closes itself, and writing to it until everything is written.
+#pragma once
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+#include <utility>
+
+namespace host {
+
+class Descriptor {
+public:
+    Descriptor() = default;
+    Descriptor(const char* path, int flags, mode_t mode = 0666) : number_(::open(path, flags | O_CLOEXEC, mode)) {}
+    ~Descriptor() { close(); }
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(number_, other.number_);
+        return *this;
+    }
+
+    [[nodiscard]] bool isopen() const { return number_ >= 0; }
+    [[nodiscard]] int number() const { return number_; }
+    bool write(std::string_view bytes) const {
+        while (!bytes.empty()) {
+            const auto n = ::write(number_, bytes.data(), bytes.size());
+            if (n < 0 && errno == EINTR) continue;
+            if (n <= 0) return false;
+            bytes.remove_prefix(static_cast<std::size_t>(n));
+        }
+        return true;
+    }
+    // False when the system reports a failure that it had kept back.
+    bool close() { return number_ < 0 || ::close(std::exchange(number_, -1)) == 0; }
+
+private:
+    int number_ = -1;
+};
+
+}  // namespace host

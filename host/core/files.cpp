@@ -1,0 +1,106 @@
+// Reading and replacing of files with the system's own calls; the standard streams cannot flush to the disk.
+#include "host/core/files.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <functional>
+
+#include "host/core/descriptor.h"
+#include "host/core/paths.h"
+
+namespace fs = std::filesystem;
+
+namespace host {
+
+namespace {
+
+// Only plain files are read: a pipe put there would hold the server up.
+std::optional<std::string> readfrom(const std::optional<fs::path>& path, std::size_t most) {
+    if (!path) return std::nullopt;
+    const Descriptor file(path->c_str(), O_RDONLY | O_NONBLOCK);
+    struct stat status {};
+    if (!file.isopen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    const auto size = static_cast<std::size_t>(status.st_size);
+    auto at = static_cast<off_t>(size > most ? size - most : 0);
+    std::string content(size - static_cast<std::size_t>(at), '\0');
+    std::size_t have = 0;
+    while (have < content.size()) {
+        const auto n = ::pread(file.number(), content.data() + have, content.size() - have, at);
+        if (n < 0 && errno == EINTR) continue;
+        if (n < 0) return std::nullopt;
+        if (n == 0) break;  // it has become shorter meanwhile
+        have += static_cast<std::size_t>(n);
+        at += n;
+    }
+    content.resize(have);
+    return content;
+}
+
+// Whoever lists a directory takes every name with ".json" in it for data, so this name must not hold it.
+fs::path namebeside(const fs::path& target) {
+    std::string name = target.filename().string();
+    for (std::size_t at; (at = name.find(".json")) != std::string::npos;) name.erase(at, 5);
+    return target.parent_path() / ("." + name + ".part");
+}
+
+bool writewhole(const fs::path& path, std::string_view content, const fs::path& modelof) {
+    Descriptor file(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
+    if (!file.isopen()) return false;
+    struct stat status {};
+    if (::stat(modelof.c_str(), &status) == 0) ::fchmod(file.number(), status.st_mode & 07777);
+    return file.write(content) && ::fsync(file.number()) == 0 && file.close();
+}
+
+}  // namespace
+
+bool DiskFiles::exists(const std::string& path) const {
+    const auto target = below(root_, path);
+    std::error_code error;
+    return target && fs::exists(*target, error);
+}
+
+bool DiskFiles::makeDirectory(const std::string& path) {
+    const auto target = below(root_, path);
+    if (!target) return false;
+    std::error_code error;
+    fs::create_directories(*target, error);
+    return fs::is_directory(*target, error);
+}
+
+std::optional<std::string> DiskFiles::read(const std::string& path) const {
+    return readfrom(below(root_, path), std::string::npos);
+}
+
+std::optional<std::string> DiskFiles::readtail(const std::string& path, std::size_t most) const {
+    return readfrom(below(root_, path), most);
+}
+
+bool DiskFiles::replace(const std::string& path, std::string_view content) {
+    const auto target = below(root_, path);
+    if (!target || !target->has_filename()) return false;
+    const auto beside = namebeside(*target);
+    const std::lock_guard lock(writing_[fs::hash_value(beside) % writing_.size()]);
+    if (!writewhole(beside, content, *target) || ::rename(beside.c_str(), target->c_str()) != 0) {
+        ::unlink(beside.c_str());
+        return false;
+    }
+    // The new name is in force; only a power failure could still bring the old one back.
+    const Descriptor directory(target->parent_path().c_str(), O_RDONLY | O_DIRECTORY);
+    if (directory.isopen()) ::fsync(directory.number());
+    return true;
+}
+
+std::vector<std::string> DiskFiles::list(const std::string& directory) const {
+    std::vector<std::string> names;
+    const auto target = below(root_, directory);
+    if (!target) return names;
+    std::error_code error;
+    for (fs::directory_iterator entry(*target, error), end; !error && entry != end; entry.increment(error)) {
+        if (std::error_code gone; entry->is_regular_file(gone)) names.push_back(entry->path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+}  // namespace host

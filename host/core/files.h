@@ -1,0 +1,30 @@
+// Files below the server directory, as platform/files.h promises them. A file is replaced by way of a file beside it
+// that is renamed, so that a reader and a crash see the old content or the new one. Paths that leave the directory are
+// refused. Any thread.
+#pragma once
+
+#include <array>
+#include <filesystem>
+#include <mutex>
+
+#include "platform/files.h"
+
+namespace host {
+
+class DiskFiles : public platform::Files {
+public:
+    explicit DiskFiles(std::filesystem::path root) : root_(std::move(root)) {}
+    [[nodiscard]] bool exists(const std::string& path) const override;
+    bool makeDirectory(const std::string& path) override;  // with the directories above it
+    [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
+    [[nodiscard]] std::optional<std::string> readtail(const std::string& path, std::size_t most) const override;
+    bool replace(const std::string& path, std::string_view content) override;
+    [[nodiscard]] std::vector<std::string> list(const std::string& directory) const override;
+
+private:
+    std::filesystem::path root_;
+    // Two writers of one file take turns, since they share the name beside it.
+    std::array<std::mutex, 16> writing_;
+};
+
+}  // namespace host

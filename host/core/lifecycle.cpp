@@ -1,0 +1,191 @@
+// From nothing to a running server and back. All of it happens on the server thread, so that the plug-in knows one
+// thread from its first line to its last. What holds code of the plug-in is emptied before the plug-in is unloaded, and
+// the services stand until its last destructor has run.
+#include <sys/file.h>
+
+#include <future>
+
+#include "host/core/parts.h"
+#include "host/core/paths.h"
+#include "host/world/items.h"
+#include "platform/turn.h"
+
+namespace fs = std::filesystem;
+
+namespace host {
+
+namespace {
+
+constexpr int mostpassesatstop = 1000;
+
+std::atomic<bool> running = false;  // a server in this process
+
+GameTexts* speaking = nullptr;  // that server's texts
+void chooselanguage(const std::string& code) { speaking->setlanguage(code); }
+
+std::string oneline(std::string text) {
+    for (char& c : text) c = c == '\n' || c == '\r' ? ' ' : c;
+    return text;
+}
+
+Descriptor takedirectory(const fs::path& directory) {
+    std::error_code error;
+    fs::create_directories(directory, error);
+    if (error) throw StartError(directory.string() + ": the directory cannot be made: " + error.message());
+    if (::access(directory.c_str(), W_OK | X_OK) != 0) {
+        throw StartError(directory.string() + ": the directory cannot be written to");
+    }
+    Descriptor opened(directory.c_str(), O_RDONLY | O_DIRECTORY);
+    if (::flock(opened.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        throw StartError(directory.string() + ": another server runs in this directory");
+    }
+    return opened;
+}
+
+}  // namespace
+
+Server::Parts::Parts(Server& face, const ServerOptions& settings)
+    : server(face),
+      options(settings),
+      directory(fs::absolute(settings.directory).lexically_normal()),
+      clock(settings.manual, settings.manualclock),
+      log(directory.string(), settings.quiet, [this] { return clock.unixmilliseconds(); }),
+      background([this] { mailbox.wake(); }, complain),
+      scheduler([this] { mailbox.wake(); }, complain),
+      files(directory),
+      libraries(complain),
+      events(complain),
+      texts([this]() -> platform::Files& { return *services.files; }, complain),
+      properties(settings.port) {
+    services = {.scheduler = &scheduler,
+                .log = &log,
+                .texts = &texts,
+                .files = &files,
+                .turn = &turn,
+                .background = &background,
+                .clock = &clock,
+                .hooks = &hooks,
+                .libraries = &libraries,
+                .events = &events,
+                .items = &itemtable(),
+                .properties = &properties,
+                .plugins = &plugins};
+}
+
+void Server::Parts::say(platform::LogLevel level, const std::string& text) {
+    services.log->write("Server", level, text, 5, {});
+}
+
+void Server::Parts::launch() {
+    if (running.exchange(true)) throw StartError("another server runs in this process");
+    std::promise<void> started;
+    auto up = started.get_future();
+    try {
+        thread = std::thread([this, &started] { live(std::move(started)); });
+        up.get();
+    } catch (...) {
+        land();
+        throw;
+    }
+}
+
+void Server::Parts::land() {
+    if (thread.joinable()) thread.join();
+    teardown();
+    running = false;
+}
+
+void Server::Parts::live(std::promise<void> started) {
+    serverthread = std::this_thread::get_id();
+    turn.bindserver();
+    const auto failure = failureof([&] { startup(); });
+    if (failure) {
+        started.set_exception(std::make_exception_ptr(StartError(oneline(*failure))));
+    } else {
+        started.set_value();
+        options.manual ? runmanually() : runfree();
+    }
+    if (network) farewell();
+    turn.unbindserver();
+}
+
+void Server::Parts::startup() {
+    const fs::path file = options.module.empty() ? besideprogram("ordomart.so") : fs::path(options.module);
+    if (!fs::is_regular_file(file)) throw StartError(file.string() + ": the plug-in's module is missing");
+    directorylock = takedirectory(directory);
+
+    speaking = &texts;
+    hooks.registerfunction<&chooselanguage>(platform::symbols::chooseLanguage);
+    if (options.moneylibrary != "none") {
+        const auto money = options.moneylibrary.empty() ? besideprogram("LLmoney.so") : fs::path(options.moneylibrary);
+        offermoney(libraries, fs::absolute(money).string(), (directory / "money.sqlite").string());
+    }
+    platform::installhost(&services);
+    openworld();
+    if (options.adjust) options.adjust(services);
+    loadplugin(file);
+    for (const auto& plugin : plugins.records()) {
+        say(platform::LogLevel::info, "Plug-in " + plugin.name + " " + plugin.version.toString(true));
+    }
+    say(platform::LogLevel::info, "The server runs in " + directory.string());
+}
+
+void Server::Parts::openworld() {
+    world = std::make_unique<World>((directory / "server.sqlite").string());
+    services.level = &world->level();
+    services.scoreboard = &world->scoreboard();
+    services.knownplayers = &world->knownplayers();
+    network = std::make_unique<Network>(server);
+}
+
+void Server::Parts::loadplugin(const fs::path& file) {
+    const platform::Turn held;
+    module = std::make_unique<PluginModule>(file, options.manual ? directory : fs::path());
+    module->enter();
+    events.fire(platform::Event::RegCmdEvent{&commands});
+    platform::I18n::chooseLanguage(options.language);
+}
+
+void Server::Parts::farewell() {
+    turn.openuntil(TurnKeeper::Time::max());
+    {
+        const platform::Turn held;
+        guarded(complain, "Players could not leave", [&] { network->leaveall(); });
+        events.fire(platform::Event::ServerStoppingEvent{});
+    }
+    if (!rest(mostpassesatstop)) complain("Tasks that make tasks without an end were dropped");
+    mailbox.close();
+    {
+        const platform::Turn held;
+        dowork();
+    }
+    doorders();
+}
+
+// The plug-in is unloaded by a thread that has never run its code: one that has may hold objects of its own that keep
+// the module in memory until the thread ends.
+void Server::Parts::teardown() {
+    mailbox.close();
+    background.waitidle();
+    scheduler.close();
+    events.clear();
+    commands.clear();
+    hooks.restore();
+    module.reset();
+    libraries.close();
+
+    const bool wasopen = world != nullptr;
+    if (wasopen) guarded(complain, "The world could not be saved", [&] { world->flush(); });
+    network.reset();
+    world.reset();
+    services.level = nullptr;
+    services.scoreboard = nullptr;
+    services.knownplayers = nullptr;
+    if (wasopen) say(platform::LogLevel::info, "The server has stopped");
+    platform::installhost(nullptr);
+    speaking = nullptr;
+    log.close();
+    directorylock.close();
+}
+
+}  // namespace host

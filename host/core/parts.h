@@ -1,0 +1,96 @@
+// The inside of a server: every service that stands behind platform/host.h, and the server thread that drives them.
+// server.h is the face; lifecycle.cpp starts and stops, passes.cpp keeps it going.
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <future>
+#include <memory>
+#include <thread>
+
+#include "host/core/background.h"
+#include "host/core/clock.h"
+#include "host/core/commands.h"
+#include "host/core/descriptor.h"
+#include "host/core/events.h"
+#include "host/core/files.h"
+#include "host/core/hooks.h"
+#include "host/core/libraries.h"
+#include "host/core/log.h"
+#include "host/core/mailbox.h"
+#include "host/core/module.h"
+#include "host/core/pacer.h"
+#include "host/core/plugins.h"
+#include "host/core/scheduler.h"
+#include "host/core/texts.h"
+#include "host/core/turnkeeper.h"
+#include "host/network/network.h"
+#include "host/server.h"
+#include "host/world/world.h"
+
+namespace host {
+
+struct Server::Parts {
+    Parts(Server& face, const ServerOptions& settings);
+
+    // lifecycle.cpp. launch() returns when the server is up, or throws StartError when it is down again; land() waits
+    // until it is down. The steps between are the server thread's, but for teardown(), which comes when that has ended.
+    void launch();
+    void land();
+    void live(std::promise<void> started);
+    void startup();
+    void openworld();
+    void loadplugin(const std::filesystem::path& file);
+    void farewell();
+    void teardown();
+    // One line of the server's own.
+    void say(platform::LogLevel level, const std::string& text);
+
+    // passes.cpp; the server thread.
+    void runfree();
+    void runmanually();
+    bool pass(bool tick);  // true when there was something to do
+    bool dowork();
+    void doorders();
+    // Passes until nothing is under way any more; false when there is no end to it.
+    bool rest(int mostpasses);
+    // The same without a limit that would ever be met by honest work; throws std::runtime_error.
+    void settle();
+    void tick();  // one of 50 ms of the manual clock, and what follows from it
+
+    [[nodiscard]] bool onserverthread() const { return std::this_thread::get_id() == serverthread.load(); }
+
+    Server& server;
+    const ServerOptions& options;
+    const std::filesystem::path directory;
+    Descriptor directorylock;
+    Complain complain = [this](const std::string& text) { say(platform::LogLevel::error, text); };
+
+    Mailbox mailbox;
+    Pacer pacer;
+    ServerClock clock;
+    Log log;
+    TurnKeeper turn;
+    BackgroundBodies background;
+    TickScheduler scheduler;
+    DiskFiles files;
+    Hooks hooks;
+    BoundLibraries libraries;
+    Events events;
+    GameTexts texts;
+    FixedProperties properties;
+    Plugins plugins;
+    Commands commands;
+    platform::Host services;
+
+    std::unique_ptr<World> world;
+    std::unique_ptr<Network> network;
+    std::unique_ptr<PluginModule> module;
+
+    std::thread thread;
+    std::atomic<std::thread::id> serverthread;
+    std::atomic<std::uint64_t> tickcount = 0;
+    bool stopping = false;  // the server thread's
+};
+
+}  // namespace host

@@ -1,0 +1,53 @@
+// The turn: who may touch the plug-in's model. The server thread goes first. Background threads get their turns while
+// the server does not want it and its next tick is not near, in the order in which they asked, except that one that is
+// running may go on for a few turns before it queues: a switch of threads costs more than most turns.
+//
+// A server that is never idle would starve them; after some passes it lets one of them through all the same.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+#include "platform/turn.h"
+
+namespace host {
+
+class TurnKeeper : public platform::TurnKeeper {
+public:
+    using Time = std::chrono::steady_clock::time_point;
+
+    void take() override;
+    void give() override;
+
+    // From now on the calling thread is the server thread; until then all threads are equal.
+    void bindserver();
+    void unbindserver();
+    // Background turns may start until then. At first there is no limit.
+    void openuntil(Time time);
+
+private:
+    void takeasserver(std::unique_lock<std::mutex>& lock);
+    void takeasguest(std::unique_lock<std::mutex>& lock);
+    [[nodiscard]] bool isfree() const { return holder_.load(std::memory_order_relaxed) == std::thread::id(); }
+    [[nodiscard]] bool isopen() const;
+
+    static constexpr int mostturnsinarow = 8;
+    static constexpr int mostpasseswithoutguest = 20;
+
+    std::mutex mutex_;
+    std::condition_variable serverturn_, guestturn_;
+    std::atomic<std::thread::id> holder_;  // read without the lock only to ask "is it me"
+    int depth_ = 0;                        // belongs to the holder
+    std::thread::id server_;
+    bool serverwants_ = false;
+    Time openuntil_ = Time::max();
+    std::uint64_t nextticket_ = 0, serving_ = 0;  // the queue of background threads
+    int turnsinarow_ = 0;                         // taken past the queue
+    int passeswithoutguest_ = 0;
+    bool letoneguestin_ = false;
+};
+
+}  // namespace host

@@ -1,0 +1,90 @@
+#include "host/demo/demo.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "host/demo/goods.h"
+#include "host/money.h"
+#include "host/server.h"
+#include "host/world/worldparts.h"
+#include "platform/event.h"
+#include "platform/files.h"
+#include "platform/item.h"
+#include "platform/level.h"
+#include "platform/logger.h"
+#include "platform/player.h"
+#include "platform/scoreboard.h"
+
+namespace host {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+
+namespace {
+
+const std::string markpath = "demo.json";
+constexpr int purse = 5000;
+
+struct Gift {
+    const char* item;
+    int count;
+};
+
+constexpr Gift gifts[] = {{"iron_ingot", 32}, {"cobblestone", 64}, {"wheat", 40}, {"bread", 5}, {"leather", 12}};
+
+void write(const fs::path& path, const json& content) {
+    std::ofstream out(path, std::ios::binary);
+    out << content.dump(4);
+    if (!out) throw StartError(fmt::format("cannot write {}", path.string()));
+}
+
+void welcome(platform::ServerPlayer& player, Money& money) {
+    for (const Gift& gift : gifts) player.getSupplies().add(platform::ItemStack::create(gift.item, gift.count));
+    player.refreshInventory();
+    if (money.there()) money.set(player.getXuid(), purse);
+    player.sendText(
+        fmt::format("\u00a7eThis is a demo market: {} coins are yours. Type \u00a7f/ordomart\u00a7e.", purse));
+}
+
+}  // namespace
+
+bool makedemo(const std::string& directory) {
+    const fs::path data = fs::path(directory) / "plugins/Ordomart/data";
+    if (fs::exists(data)) return false;
+    for (const char* folder : {"plugins/Ordomart/data", "plugins/Ordomart/log"})
+        fs::create_directories(fs::path(directory) / folder);
+    for (const DemoOwner& owner : demoowners()) write(data / (std::string(owner.xuid) + ".json"), demoshop(owner));
+    write(fs::path(directory) / markpath, {{"welcomed", json::array()}});
+    return true;
+}
+
+void playdemo(Server& server) {
+    platform::Host& services = server.services();
+    const auto text = services.files->read(markpath);
+    if (!text) return;
+    const auto mark = std::make_shared<json>(json::parse(*text, nullptr, false));
+    if (!mark->is_object() || !mark->contains("welcomed") || !(*mark)["welcomed"].is_array()) {
+        platform::Logger("Server").error("{} is no mark of a demo; nobody is welcomed", markpath);
+        return;
+    }
+    server.run([&] {
+        for (const DemoOwner& owner : demoowners()) server.world().parts().names.learn(owner.xuid, owner.name);
+    });
+    services.events->listen([&server, mark](const platform::Event::PlayerJoinEvent& event) {
+        const std::string& xuid = event.player->getXuid();
+        json& welcomed = (*mark)["welcomed"];
+        if (xuid.empty() || std::ranges::find(welcomed, json(xuid)) != welcomed.end()) return true;
+        welcomed.push_back(xuid);
+        server.services().files->replace(markpath, mark->dump(4));
+        Money money(*server.services().libraries);
+        welcome(*event.player, money);
+        // Without LLMoney the money is a score, in the objective that the market made.
+        if (!money.there()) server.services().scoreboard->addScore(*event.player, "money", purse);
+        return true;
+    });
+}
+
+}  // namespace host

@@ -1,0 +1,97 @@
+// The program: reads its arguments, starts a server and keeps it until it is told to end. SIGINT and SIGTERM end it in
+// good order; a second one ends it at once. Whatever else wants it to end sends the process a SIGTERM.
+#include <signal.h>
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <iostream>
+
+#include "host/api/api.h"
+#include "host/clients.h"
+#include "host/console/console.h"
+#include "host/console/terminal.h"
+#include "host/demo/demo.h"
+#include "host/server.h"
+
+namespace {
+
+struct Arguments {
+    host::ServerOptions server;
+    bool empty = false;  // no demo market in a new directory
+    host::ApiOptions api;
+};
+
+void describe(CLI::App& app, Arguments& arguments) {
+    auto& server = arguments.server;
+    server.directory = "server";
+    app.add_option("DIRECTORY", server.directory, "The server directory; made when it is missing")
+        ->capture_default_str();
+    app.add_flag("--manual", server.manual, "Ticks and clock move only by the control API");
+    app.add_flag("--empty", arguments.empty, "No demo market in a new directory");
+    app.add_option("--language", server.language, "The language that the server chooses first")->capture_default_str();
+    app.add_option("--port", server.port, "The game port that the server says it has; nothing listens on it")
+        ->check(CLI::Range(1, 65535))
+        ->capture_default_str();
+    app.add_option("--api-port", arguments.api.port, "Port of the web page and the control API; 0 takes any")
+        ->check(CLI::Range(0, 65535))
+        ->capture_default_str();
+    app.add_option("--host", arguments.api.host, "Address of the web page and the control API")->capture_default_str();
+    app.add_option("--token", arguments.api.token, "The token of the control API; a new random one if left out");
+    app.add_flag_callback(
+        "--no-llmoney", [&server] { server.moneylibrary = "none"; },
+        "Do not offer LLMoney; money is then kept on the scoreboard");
+    app.add_flag("--quiet", server.quiet, "No log lines on the console");
+}
+
+// All threads inherit the mask, so that only the main thread is ever told of the signals.
+sigset_t blocksignals() {
+    sigset_t ending;
+    sigemptyset(&ending);
+    sigaddset(&ending, SIGINT);
+    sigaddset(&ending, SIGTERM);
+    pthread_sigmask(SIG_BLOCK, &ending, nullptr);
+    signal(SIGPIPE, SIG_IGN);
+    return ending;
+}
+
+void serve(const Arguments& arguments) {
+    const auto ending = blocksignals();
+    const bool demo = !arguments.empty && host::makedemo(arguments.server.directory);
+    host::Server server(arguments.server);
+    server.start();
+    host::Clients clients(server);
+    host::playdemo(server);
+    host::Console console(server, clients, std::cout, isatty(STDOUT_FILENO) != 0);
+    host::ControlApi api(server, clients, arguments.api);
+    api.start();
+    if (demo) console.print("A small demo market was made; --empty leaves it out.");
+    console.print("The page is at " + api.address());
+    console.print(
+        "Or play here: \"join Alice\", then \"Alice: ordomart formmenu\"; \"help\" lists all, \"stop\" ends.");
+    host::Terminal terminal(console, STDIN_FILENO, [] { kill(getpid(), SIGTERM); });
+    int signal = 0;
+    sigwait(&ending, &signal);
+    pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
+    terminal.stop();
+    api.stop();
+    clients.leaveall();
+    server.stop();
+}
+
+}  // namespace
+
+int main(int count, char** values) {
+    CLI::App app("A small server with the Ordomart market in it", "ordomart-server");
+    Arguments arguments;
+    describe(app, arguments);
+    CLI11_PARSE(app, count, values);
+    try {
+        serve(arguments);
+    } catch (const std::exception& e) {
+        std::cerr << "ordomart-server: " << e.what() << std::endl;
+        return 1;
+    }
+    return 0;
+}

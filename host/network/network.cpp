@@ -1,0 +1,121 @@
+#include "host/network/network.h"
+
+#include <fmt/format.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <vector>
+
+#include "host/core/events.h"
+#include "host/network/inbox.h"
+#include "host/network/joinrules.h"
+#include "host/network/packetroutes.h"
+#include "host/server.h"
+#include "host/world/worldparts.h"
+#include "platform/logger.h"
+#include "platform/turn.h"
+
+namespace host {
+
+struct Network::Parts {
+    explicit Parts(Server& owner) : server(owner) {}
+
+    Server& server;
+    Inbox inbox;
+    Connections connections;
+    NetworkHandlerImpl handlers{connections};
+    ConnectionId last = 0;
+    bool handling = false;              // a packet's handler is running: its player must stay until it is done
+    std::vector<ConnectionId> leaving;  // asked for meanwhile
+
+    void handle(const Inbox::Arrival& arrival);
+};
+
+Network::Network(Server& server) : parts_(std::make_unique<Parts>(server)) { registerhandlers(server.hooks()); }
+
+Network::~Network() { leaveall(); }
+
+ConnectionId Network::join(const JoinRequest& request, Sink sink) {
+    checkjoin(request);
+    World::Parts& world = parts_->server.world().parts();
+    if (world.level.online() >= mostplayers)
+        throw std::runtime_error(fmt::format("the server is full: {} players", mostplayers));
+    auto connection = std::make_unique<Connection>(parts_->last + 1, request.name, std::move(sink));
+    connection->player = &world.enter(request, *connection);
+    Connection& joined = *connection;
+    parts_->connections.emplace(++parts_->last, std::move(connection));
+    parts_->inbox.open(joined.id);
+
+    platform::Turn turn;
+    joined.player->sendgametype();
+    joined.player->refreshInventory();
+    platform::Logger("Server").info("{} joined", request.name);
+    parts_->server.events().fire(platform::Event::PlayerJoinEvent{joined.player});
+    return joined.id;
+}
+
+void Network::leave(ConnectionId id) {
+    const auto found = parts_->connections.find(id);
+    if (found == parts_->connections.end()) return;
+    if (parts_->handling) {
+        parts_->leaving.push_back(id);
+        return;
+    }
+    Connection& connection = *found->second;
+    parts_->inbox.close(id);
+    connection.close();
+    const std::string name = connection.player->getRealName();
+    World& world = parts_->server.world();
+    {
+        platform::Turn turn;
+        parts_->server.events().fire(platform::Event::PlayerLeftEvent{connection.player});
+        world.parts().leave(*connection.player);
+    }
+    connection.complaints.end();
+    parts_->connections.erase(found);
+    world.flush();
+    platform::Logger("Server").info("{} left", name);
+}
+
+void Network::leaveall() {
+    while (!parts_->connections.empty()) leave(parts_->connections.begin()->first);
+}
+
+void Network::receive(ConnectionId connection, std::string packet) {
+    if (parts_->inbox.put(connection, std::move(packet))) parts_->server.wake();
+}
+
+void Network::Parts::handle(const Inbox::Arrival& arrival) {
+    const auto found = connections.find(arrival.connection);
+    if (found == connections.end()) return;
+    platform::Turn turn;
+    handling = true;
+    routepacket({server, handlers, *found->second}, arrival.packet);
+    handling = false;
+}
+
+bool Network::process() {
+    const auto arrived = parts_->inbox.take();
+    for (const Inbox::Arrival& arrival : arrived) {
+        parts_->handle(arrival);
+        for (const ConnectionId id : std::exchange(parts_->leaving, {})) leave(id);
+    }
+    for (const auto& [id, count] : parts_->inbox.takedropped())
+        if (const auto found = parts_->connections.find(id); found != parts_->connections.end())
+            found->second->complaints.add("packet", fmt::format("{} dropped: too long or too many", count));
+    parts_->server.world().flush();
+    return !arrived.empty();
+}
+
+platform::ServerPlayer* Network::player(ConnectionId connection) {
+    return parts_->handlers._getServerPlayer({connection}, 0);
+}
+
+ConnectionId Network::connection(std::string_view playername) const {
+    const std::string folded = foldedname(playername);
+    for (const auto& [id, connection] : parts_->connections)
+        if (foldedname(connection->player->getRealName()) == folded) return id;
+    return 0;
+}
+
+}  // namespace host

@@ -1,0 +1,110 @@
+// The face of the server towards other threads: what they want is put in the server thread's mailbox, and those that
+// wait are given the result.
+#include "host/server.h"
+
+#include <future>
+
+#include "host/core/parts.h"
+
+namespace host {
+
+namespace {
+
+template <class T>
+T& open(const std::unique_ptr<T>& part) {
+    if (!part) throw std::logic_error("the server does not run");
+    return *part;
+}
+
+// Puts a body in the mailbox and waits for its end.
+template <class Put>
+void await(const std::function<void()>& body, Put&& put) {
+    // Shared, since the waiting thread may be gone before set_value() has returned.
+    const auto done = std::make_shared<std::promise<void>>();
+    auto result = done->get_future();
+    put([done, &body] {
+        try {
+            body();
+            done->set_value();
+        } catch (...) {
+            done->set_exception(std::current_exception());
+        }
+    });
+    result.get();
+}
+
+}  // namespace
+
+Server::Server(ServerOptions options) : options_(std::move(options)) {}
+
+Server::~Server() { stop(); }
+
+void Server::start() {
+    if (parts_ && parts_->thread.joinable()) throw std::logic_error("the server runs already");
+    parts_ = std::make_unique<Parts>(*this, options_);
+    parts_->launch();
+}
+
+void Server::stop() {
+    if (!parts_ || !parts_->thread.joinable()) return;
+    parts_->mailbox.order([this] { parts_->stopping = true; });
+    parts_->land();
+}
+
+void Server::post(std::function<void()> work) { open(parts_).mailbox.post(std::move(work)); }
+
+void Server::run(const std::function<void()>& work) {
+    auto& parts = open(parts_);
+    if (parts.onserverthread()) return work();
+    await(work, [&](auto item) { parts.mailbox.post(std::move(item)); });
+}
+
+void Server::wake() { open(parts_).mailbox.wake(); }
+
+void Server::manually(const std::function<void(Parts&)>& steps) {
+    auto& parts = open(parts_);
+    if (!options_.manual) throw std::logic_error("only a server in manual mode can be driven by hand");
+    if (parts.onserverthread()) throw std::logic_error("the server thread cannot wait for itself");
+    await([&] { steps(parts); }, [&](auto item) { parts.mailbox.order(std::move(item)); });
+}
+
+void Server::settle() {
+    manually([](Parts& parts) { parts.settle(); });
+}
+
+void Server::ticks(int n) {
+    manually([n](Parts& parts) {
+        parts.settle();
+        for (int i = 0; i < n; ++i) parts.tick();
+    });
+}
+
+void Server::advanceclock(std::int64_t milliseconds) {
+    manually([=](Parts& parts) { parts.clock.advance(milliseconds); });
+}
+
+void Server::setspeed(double tickspersecond) {
+    open(parts_).pacer.setspeed(tickspersecond);
+    wake();
+}
+
+void Server::setpaused(bool paused) {
+    open(parts_).pacer.setpaused(paused);
+    wake();
+}
+
+double Server::speed() const { return open(parts_).pacer.speed(); }
+bool Server::paused() const { return open(parts_).pacer.paused(); }
+std::uint64_t Server::tickcount() const { return open(parts_).tickcount; }
+
+const ServerOptions& Server::options() const { return options_; }
+World& Server::world() { return open(open(parts_).world); }
+Network& Server::network() { return open(open(parts_).network); }
+Commands& Server::commands() { return open(parts_).commands; }
+Log& Server::log() { return open(parts_).log; }
+Events& Server::events() { return open(parts_).events; }
+Hooks& Server::hooks() { return open(parts_).hooks; }
+platform::Host& Server::services() { return open(parts_).services; }
+std::vector<platform::PluginRecord> Server::plugins() const { return open(parts_).plugins.records(); }
+
+}  // namespace host

@@ -1,0 +1,82 @@
+#include "host/world/database.h"
+
+#include <fmt/format.h>
+
+#include "host/server.h"
+
+namespace host {
+
+namespace {
+
+constexpr int fileversion = 1;
+constexpr int busymilliseconds = 2000;
+
+// Stacks are item compounds in the little-endian binary form. Slots: 0 to 35 inventory, 36 to 39 armour, 40 offhand,
+// 41 cursor. A score id belongs to a player (by key) or to a fake player (by name).
+constexpr const char* tables = R"(
+CREATE TABLE IF NOT EXISTS players(
+  key TEXT PRIMARY KEY, name TEXT NOT NULL, xuid TEXT NOT NULL, language TEXT NOT NULL, device INTEGER NOT NULL,
+  permission INTEGER NOT NULL, alive INTEGER NOT NULL, x REAL NOT NULL, y REAL NOT NULL, z REAL NOT NULL,
+  dimension INTEGER NOT NULL, gametype INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS slots(
+  player TEXT NOT NULL, slot INTEGER NOT NULL, stack BLOB NOT NULL, PRIMARY KEY(player, slot)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS droppeditems(
+  id INTEGER PRIMARY KEY, stack BLOB NOT NULL, x REAL NOT NULL, y REAL NOT NULL, z REAL NOT NULL,
+  dimension INTEGER NOT NULL);
+CREATE TABLE IF NOT EXISTS objectives(name TEXT PRIMARY KEY, displayname TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS scoreids(
+  id INTEGER PRIMARY KEY, player INTEGER NOT NULL, name TEXT NOT NULL, UNIQUE(player, name));
+CREATE TABLE IF NOT EXISTS scores(
+  objective TEXT NOT NULL, id INTEGER NOT NULL, value INTEGER NOT NULL, PRIMARY KEY(objective, id)) WITHOUT ROWID;
+CREATE TABLE IF NOT EXISTS knownnames(xuid TEXT PRIMARY KEY, name TEXT NOT NULL);
+)";
+
+// Tested before the first write, so that a file that is not ours or is damaged stays as it is.
+void prepare(SQLite::Database& file, const std::string& path) {
+    const int version = file.execAndGet("PRAGMA user_version").getInt();
+    if (version > fileversion)
+        throw StartError(
+            fmt::format("{}: made by a newer version (format {}, this one reads {})", path, version, fileversion));
+    if (version == 0 && file.execAndGet("SELECT count(*) FROM sqlite_master").getInt() != 0)
+        throw StartError(fmt::format("{}: a database of something else", path));
+    const std::string check = file.execAndGet("PRAGMA quick_check(1)").getString();
+    if (check != "ok") throw StartError(fmt::format("{}: the file is damaged: {}", path, check));
+    // NORMAL: a commit outlives a crash of the program; a loss of power may cost the last ones, but never the file.
+    file.exec("PRAGMA journal_mode = WAL");
+    file.exec("PRAGMA synchronous = NORMAL");
+    SQLite::Transaction transaction(file);
+    file.exec(tables);
+    file.exec(fmt::format("PRAGMA user_version = {}", fileversion));
+    transaction.commit();
+}
+
+SQLite::Database opened(const std::string& path) {
+    try {
+        SQLite::Database file(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busymilliseconds);
+        prepare(file, path);
+        return file;
+    } catch (const SQLite::Exception& e) {
+        throw StartError(fmt::format("{}: {}", path, e.what()));
+    }
+}
+
+}  // namespace
+
+Database::Database(const std::string& path) : path_(path), file_(opened(path)) {}
+
+SQLite::Statement& Database::cached(const std::string& sql) {
+    auto found = statements_.find(sql);
+    if (found == statements_.end()) found = statements_.emplace(sql, SQLite::Statement(file_, sql)).first;
+    // A statement whose last use threw is still in the middle of it.
+    found->second.tryReset();
+    found->second.clearBindings();
+    return found->second;
+}
+
+void Database::transaction(const std::function<void()>& work) {
+    SQLite::Transaction transaction(file_);
+    work();
+    transaction.commit();
+}
+
+}  // namespace host

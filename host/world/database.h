@@ -1,0 +1,72 @@
+// The one SQLite file of a server directory: opened, tested and given its tables here; every store reads and writes its
+// own rows through it. Nothing is written to a file that is broken or was made by a newer version.
+#pragma once
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <functional>
+#include <map>
+#include <string>
+
+namespace host {
+
+// Bytes that are no text.
+struct Blob {
+    const std::string& bytes;
+};
+
+class Database {
+public:
+    // Opens or makes the file. Throws StartError that names it.
+    explicit Database(const std::string& path);
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+    template <class... A>
+    void run(const std::string& sql, const A&... arguments) {
+        SQLite::Statement& statement = prepared(sql, arguments...);
+        statement.exec();
+        statement.reset();
+    }
+    template <class F, class... A>
+    void rows(const std::string& sql, F&& each, const A&... arguments) {
+        SQLite::Statement& statement = prepared(sql, arguments...);
+        while (statement.executeStep()) each(statement);
+        statement.reset();
+    }
+    // All of it or nothing; what the work throws goes on to the caller.
+    void transaction(const std::function<void()>& work);
+
+private:
+    template <class... A>
+    SQLite::Statement& prepared(const std::string& sql, const A&... arguments) {
+        SQLite::Statement& statement = cached(sql);
+        int place = 0;
+        (bind(statement, ++place, arguments), ...);
+        return statement;
+    }
+    SQLite::Statement& cached(const std::string& sql);
+    static void bind(SQLite::Statement& s, int place, const Blob& v) {
+        s.bind(place, v.bytes.data(), static_cast<int>(v.bytes.size()));
+    }
+    template <class T>
+    static void bind(SQLite::Statement& s, int place, const T& v) {
+        s.bind(place, v);
+    }
+
+    std::string path_;
+    SQLite::Database file_;
+    std::map<std::string, SQLite::Statement> statements_;
+};
+
+// A part of the world that has rows of its own. Changes are gathered and go to the file together, in one transaction
+// for everything that changed in a pass; they stay marked until that has worked.
+class Store {
+public:
+    virtual ~Store() = default;
+    [[nodiscard]] virtual bool changed() const = 0;
+    virtual void write(Database& file) = 0;  // inside the transaction
+    virtual void written() = 0;              // it is on the disk
+};
+
+}  // namespace host

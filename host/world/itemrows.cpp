@@ -1,0 +1,101 @@
+// Network ids and block runtime ids go by place in the table; the shield alone has a fixed one, since a reader of the
+// wire must know it.
+#include "host/world/itemrows.h"
+
+#include "platform/packets/networkitem.h"
+
+namespace host {
+
+namespace {
+
+std::string replaced(const std::string& pattern, const std::string& part) {
+    std::string made = pattern;
+    made.replace(made.find("{}"), 2, part);
+    return made;
+}
+
+void makesingleitems(RowMaker& make) {
+    // A stone's shapes are named after it, and the names of its stairs, slab and wall never differ but in that word.
+    const auto shapes = [&make](const std::string& name, const NamePair& words, std::string_view color) {
+        make.block(name + "_stairs", 64, combine({"{} Stairs", "{}楼梯"}, words), "stairs", color);
+        make.block(name + "_slab", 64, combine({"{} Slab", "{}台阶"}, words), "slab", color);
+        make.block(name + "_wall", 64, combine({"{} Wall", "{}墙"}, words), "wall", color);
+    };
+#define ITEM(name, maxstack, durability, english, chinese, kind, color) \
+    make.item(#name, maxstack, durability, {english, chinese}, kind, color);
+#define BLOCK(name, maxstack, english, chinese, kind, color) \
+    make.block(#name, maxstack, {english, chinese}, kind, color);
+#define VARIANT(aux, id, english, chinese, color) make.variant(aux, #id, {english, chinese}, color);
+#define SHAPES(name, english, chinese, color) shapes(#name, {english, chinese}, color);
+#include "host/world/itemdata.inc"
+#undef ITEM
+#undef BLOCK
+#undef VARIANT
+#undef SHAPES
+}
+
+}  // namespace
+
+NamePair combine(const NamePair& pattern, const NamePair& part) {
+    return {replaced(pattern.english, part.english), replaced(pattern.chinese, part.chinese)};
+}
+
+void RowMaker::add(std::string_view name, std::string_view group, int maxstack, const NamePair& words,
+                   std::string_view kind, std::string_view color) {
+    ItemRow& row = rows_.emplace_back();
+    row.info.name = "minecraft:" + std::string(name);
+    row.info.descriptionid = std::string(group) + "." + std::string(name) + ".name";
+    row.info.maxstack = maxstack;
+    if (name == "shield") {
+        row.info.networkid = platform::shieldnetworkid;
+    } else {
+        if (nextid_ == platform::shieldnetworkid) ++nextid_;
+        row.info.networkid = nextid_++;
+    }
+    row.english = words.english;
+    row.chinese = words.chinese;
+    row.kind = kind;
+    row.color = color;
+}
+
+void RowMaker::item(std::string_view name, int maxstack, int durability, const NamePair& words, std::string_view kind,
+                    std::string_view color) {
+    add(name, "item", maxstack, words, kind, color);
+    rows_.back().info.maxdamage = durability;
+}
+
+void RowMaker::block(std::string_view name, int maxstack, const NamePair& words, std::string_view kind,
+                     std::string_view color) {
+    add(name, "tile", maxstack, words, kind, color);
+    rows_.back().info.blockruntimeid = nextblock_++;
+}
+
+void RowMaker::variant(int aux, std::string_view id, const NamePair& words, std::string_view color) {
+    ItemRow& row = rows_.back();
+    constexpr std::string_view tail = ".name";
+    std::string descriptionid = row.info.descriptionid;
+    descriptionid.insert(descriptionid.size() - tail.size(), "." + std::string(id));
+    auto& byaux = row.info.auxdescriptionids;
+    if (byaux.size() <= static_cast<std::size_t>(aux)) byaux.resize(static_cast<std::size_t>(aux) + 1);
+    byaux[static_cast<std::size_t>(aux)] = descriptionid;
+    row.variants.push_back({aux, std::move(descriptionid), words.english, words.chinese, std::string(color)});
+}
+
+void RowMaker::variants(std::span<const FamilyPart> parts, const NamePair& pattern, int firstaux) {
+    for (const auto& part : parts) variant(firstaux++, part.id, combine(pattern, part.words), part.color);
+}
+
+std::vector<ItemRow> makeitemrows() {
+    RowMaker make;
+    makesingleitems(make);
+    makegear(make);
+    makewoods(make);
+    makecolors(make);
+    makecopper(make);
+    makepotions(make);
+    makespawneggs(make);
+    makediscs(make);
+    return make.take();
+}
+
+}  // namespace host

@@ -1,0 +1,70 @@
+// Everything that outlives a restart: players with their inventories, scoreboard, known names; kept in one SQLite file
+// (WAL) under the server directory and written as it changes. Server thread, but for what says otherwise.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/item.h"
+#include "platform/level.h"
+#include "platform/scoreboard.h"
+
+namespace host {
+
+struct JoinRequest;
+class ServerPlayerImpl;
+
+struct DroppedItem {
+    platform::ItemStack stack;
+    platform::Vec3 position;
+    int dimension = 0;
+};
+
+// What is known of a player, online or not.
+struct PlayerSummary {
+    std::string name, xuid, language;
+    int devicetype = 7;
+    int permission = 0;
+    bool online = false;
+    bool alive = true;
+};
+
+class World {
+public:
+    // Opens or makes the file. Throws StartError that names it.
+    explicit World(const std::string& databasepath);
+    ~World();
+
+    [[nodiscard]] platform::Level& level();
+    [[nodiscard]] platform::Scoreboard& scoreboard();
+    [[nodiscard]] platform::KnownPlayers& knownplayers();  // any thread
+
+    [[nodiscard]] std::vector<PlayerSummary> players() const;
+    [[nodiscard]] std::vector<DroppedItem> droppeditems() const;  // in the order they fell
+    // What an operator sets from outside the game; each works for players who are away too (names as known).
+    // They throw std::runtime_error with a clear text.
+    void setalive(const std::string& playername, bool alive);
+    void setpermission(const std::string& playername, int level);
+    void setgametype(const std::string& playername, int gametype);  // 0 survival, 1 creative
+    void setposition(const std::string& playername, platform::Vec3 position, int dimension = 0);
+    [[nodiscard]] int score(const std::string& playername, const std::string& objective) const;
+    void setscore(const std::string& playername, const std::string& objective, int value);
+    // Real stacks: 0 to 35 inventory, 36 to 39 armour, 40 offhand. Online players only.
+    [[nodiscard]] platform::ItemStack item(const std::string& playername, int slot) const;
+    void setitem(const std::string& playername, int slot, const platform::ItemStack& stack);
+    // A block on layer 0, or an extra block on layer 1; it stands until the server stops.
+    void setblock(int dimension, platform::BlockPos pos, const std::string& name, int layer = 0);
+    // The end of a pass: shows online players what changed in their slots otherwise than by their own requests, and
+    // writes everything that is not written yet, in one transaction. What cannot be written is logged and tried again.
+    void flush();
+
+    struct Parts;
+    [[nodiscard]] Parts& parts() { return *parts_; }
+
+private:
+    std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace host

@@ -1,0 +1,108 @@
+// The three kinds of server forms as dialogues of a player's card. Every way out is an answer: a button, the values in
+// order, or null for closing.
+import { coloured, plain } from "/colours.js";
+import { h, select } from "/dom.js";
+import { texture } from "/items.js";
+
+let lastid = 0;
+const newid = () => `f${++lastid}`;
+
+// An element of a custom form: what is shown, and value() as the game would answer it.
+const elements = {
+  label: (given) => ({ shown: h("div", { class: "formlabel" }, coloured(given.text)), value: () => null }),
+  input(given) {
+    const field = h("input", { type: "text", value: given.default ?? "", placeholder: plain(given.placeholder ?? ""), autocomplete: "off" });
+    return { shown: labelled(given, field), value: () => field.value };
+  },
+  toggle(given) {
+    const field = h("input", { type: "checkbox", role: "switch", class: "switch", checked: Boolean(given.default) });
+    return { shown: h("label", { class: "formtoggle" }, field, h("span", {}, coloured(given.text))), value: () => field.checked };
+  },
+  slider(given) {
+    const field = h("input", { type: "range", min: given.min, max: given.max, step: given.step ?? 1 });
+    field.value = given.default ?? given.min;
+    const output = h("output", {}, field.value);
+    field.addEventListener("input", () => { output.textContent = field.value; });
+    return { shown: labelled(given, h("div", { class: "slider" }, field, output), field), value: () => Number(field.value) };
+  },
+  dropdown: (given) => choice(given, given.options),
+  step_slider: (given) => choice(given, given.steps),
+};
+
+function choice(given, options) {
+  const field = select((options ?? []).map((text, number) => [String(number), plain(text)]), String(given.default ?? 0));
+  return { shown: labelled(given, field), value: () => Number(field.value) };
+}
+
+function labelled(given, shown, field = shown) {
+  field.id = newid();
+  return h("div", { class: "formfield" }, h("label", { for: field.id }, coloured(given.text)), shown);
+}
+
+const kinds = {
+  form: (form, answer) => [
+    form.content ? h("div", { class: "formcontent" }, coloured(form.content)) : null,
+    h("div", { class: "formbuttons" }, ...(form.buttons ?? []).map((button, number) =>
+      h("button", { type: "button", class: "formbutton", on: { click: () => answer(number) } },
+        button.image ? h("span", { class: "tile" }, texture(button.image)) : null,
+        h("span", { class: "formbuttontext" }, coloured(button.text))))),
+  ],
+  modal: (form, answer) => [
+    h("div", { class: "formcontent" }, coloured(form.content ?? "")),
+    h("div", { class: "modalbuttons" },
+      h("button", { type: "button", class: "main", on: { click: () => answer(true) } }, coloured(form.button1)),
+      h("button", { type: "button", on: { click: () => answer(false) } }, coloured(form.button2))),
+  ],
+  custom_form(form, answer) {
+    const parts = (form.content ?? []).map((given) => elements[given.type]?.(given) ?? elements.label({ text: given.text ?? "" }));
+    const submit = (event) => {
+      event.preventDefault();
+      answer(parts.map((part) => part.value()));
+    };
+    return [h("form", { class: "customform", novalidate: true, on: { submit } }, ...parts.map((part) => part.shown),
+      h("button", { type: "submit", class: "main", t: "submit" }))];
+  },
+};
+
+// A dialogue for the form { id, json }; `send(id, answer)` returns a promise and may fail.
+export function formdialogue({ id, json }, send) {
+  const title = newid();
+  const dialogue = h("section", { class: "form", role: "dialog", "aria-labelledby": title, "data-form": String(id) });
+  const answer = async (value) => {
+    if (dialogue.inert) return;
+    dialogue.inert = true;  // one answer; a failed one may be given again
+    try {
+      await send(id, value);
+    } catch {
+      dialogue.inert = false;
+    }
+  };
+  const good = json !== null && typeof json === "object" && json.type in kinds;
+  dialogue.append(
+    h("header", {},
+      h("h3", { id: title, tabindex: -1 }, good ? coloured(json.title ?? "") : h("span", { t: "form" })),
+      h("button", { type: "button", class: "icon", ttitle: "close", tlabel: "close", on: { click: () => answer(null) } }, "✕")),
+    h("div", { class: "formbody" }, ...(good ? kinds[json.type](json, answer) : [h("p", { t: "formbroken" })]).filter(Boolean)));
+  dialogue.addEventListener("keydown", (event) => {
+    if (event.key === "Escape") {
+      event.preventDefault();
+      event.stopPropagation();
+      answer(null);
+    }
+    if (event.key === "ArrowDown" || event.key === "ArrowUp") walkbuttons(event, dialogue);
+  });
+  return dialogue;
+}
+
+function walkbuttons(event, dialogue) {
+  const buttons = [...dialogue.querySelectorAll(".formbutton")];
+  if (buttons.length === 0) return;
+  const next = buttons.indexOf(document.activeElement) + (event.key === "ArrowDown" ? 1 : -1);
+  buttons[Math.max(0, Math.min(next, buttons.length - 1))].focus();
+  event.preventDefault();
+}
+
+// Where the keyboard should be when the form comes: its first control.
+export function focusform(dialogue) {
+  (dialogue.querySelector(".formbody :is(button, input, select)") ?? dialogue.querySelector("h3")).focus({ preventScroll: true });
+}
