@@ -1,0 +1,110 @@
+// Translation files: made, completed, never spoilt; and the fallbacks of a lookup.
+#include "host/core/texts.h"
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "host/core/files.h"
+#include "tests/host/coretools.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+constexpr const char* file = "plugins/Ordomart/langs.json";
+
+class CoreTexts : public testing::Test {
+protected:
+    platform::I18nBase* load() { return texts.loadI18n(file, "en_US", defaults); }
+
+    coretests::Directory directory;
+    coretests::Complaints complaints;
+    host::DiskFiles files{directory.path};
+    host::GameTexts texts{[this]() -> platform::Files& { return files; }, complaints.complain};
+    const platform::LangData defaults = {{"en_US", {{"sell", "sell"}, {"moneyname", "coins"}}},
+                                         {"zh_CN", {{"sell", "出售"}}}};
+};
+
+TEST_F(CoreTexts, AMissingFileIsMadeFromTheDefaults) {
+    ASSERT_NE(load(), nullptr);
+    EXPECT_EQ(nlohmann::json::parse(directory.get(file)), nlohmann::json(defaults));
+    EXPECT_THAT(directory.get(file), HasSubstr("\n    \"zh_CN\": {\n        \"sell\": \"出售\"\n"));
+}
+
+TEST_F(CoreTexts, WhatTheOperatorWroteStaysAndMissingKeysComeBack) {
+    directory.put(file, R"({"en_US": {"sell": "SELL", "own": "mine"}, "de_DE": {"sell": "verkaufen"}})");
+    const auto* table = load();
+    ASSERT_NE(table, nullptr);
+    const nlohmann::json expected = {
+        {"en_US", {{"sell", "SELL"}, {"own", "mine"}, {"moneyname", "coins"}}},
+        {"zh_CN", {{"sell", "出售"}}},
+        {"de_DE", {{"sell", "verkaufen"}}},
+    };
+    EXPECT_EQ(nlohmann::json::parse(directory.get(file)), expected);
+
+    const struct {
+        const char *key, *locale, *text;
+    } lookups[] = {
+        {"sell", "zh_CN", "出售"},
+        {"sell", "de_DE", "verkaufen"},
+        {"sell", "fr_FR", "SELL"},
+        {"sell", "", "SELL"},
+        {"moneyname", "zh_CN", "coins"},
+        {"moneyname", "", "coins"},
+        {"managemenu", "zh_CN", "managemenu"},
+    };
+    for (const auto& lookup : lookups) EXPECT_EQ(table->get(lookup.key, lookup.locale), lookup.text) << lookup.locale;
+}
+
+TEST_F(CoreTexts, ACompleteFileIsNotWrittenAgain) {
+    const std::string content = R"({"zh_CN":{"sell":"a"},"en_US":{"sell":"b","moneyname":"c"}})";
+    directory.put(file, content);
+    ASSERT_NE(load(), nullptr);
+    EXPECT_EQ(directory.get(file), content);
+}
+
+TEST_F(CoreTexts, ABrokenFileIsLeftAsItIsAndTold) {
+    const struct {
+        const char *content, *told;
+    } cases[] = {
+        {"{\n  \"en_US\": {\n    \"sell\": \"a\",\n  }\n}", "line 4, column 3"},
+        {"", "line 1, column 1"},
+        {"{\"en_US\": {\"sell\": \"\xff\"}}", "invalid string"},
+        {"[]", "an object of languages was expected"},
+        {"{\"en_US\": 3}", "\"en_US\" must be an object of texts"},
+        {"{\"en_US\": {\"sell\": 3}}", "\"en_US\", \"sell\" must be a text"},
+    };
+    for (const auto& c : cases) {
+        directory.put(file, c.content);
+        complaints.lines.clear();
+        EXPECT_EQ(load(), nullptr) << c.content;
+        EXPECT_EQ(directory.get(file), c.content);
+        EXPECT_THAT(complaints.lines, ElementsAre(testing::AllOf(testing::StartsWith(file), HasSubstr(c.told))));
+    }
+    std::filesystem::remove(directory.path / file);
+    std::filesystem::create_directory(directory.path / file);
+    EXPECT_EQ(load(), nullptr) << "something is there that cannot be read";
+}
+
+TEST_F(CoreTexts, AFileThatCannotBeWrittenStillGivesTexts) {
+    directory.put("plugins", "a file where the directory should be");
+    const auto* table = load();
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table->get("sell", "zh_CN"), "出售");
+    EXPECT_THAT(complaints.lines, ElementsAre(testing::StartsWith(file)));
+}
+
+TEST_F(CoreTexts, GameTextsFallBackByFamily) {
+    const auto english = texts.gametext("item.apple.name", "en_US");
+    const auto chinese = texts.gametext("item.apple.name", "zh_CN");
+    EXPECT_EQ(english, "Apple");
+    EXPECT_NE(chinese, english);
+    EXPECT_EQ(texts.gametext("item.apple.name", "zh_TW"), chinese);
+    EXPECT_EQ(texts.gametext("item.apple.name", "fr_FR"), english);
+    EXPECT_EQ(texts.gametext("item.apple.name", ""), english);
+    EXPECT_EQ(texts.gametext("item.nothing.name", "zh_CN"), "item.nothing.name");
+}
+
+}  // namespace

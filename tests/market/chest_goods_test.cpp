@@ -1,0 +1,252 @@
+// The two global views: what they show, what a click does, and the way to a trade and back.
+#include "tests/market/chest_stage.h"
+
+using namespace chest;
+
+namespace {
+
+struct Scene {
+    Stage stage;
+    Actor& alice;
+    Scene(const json& items, const json& commissions, int device = desktop, const json& sellextra = json::object())
+        : stage(),
+          alice((stage.writeshop(bob, items, commissions, sellextra), stage.join("Alice", ada, "en_US", device))) {}
+    void opens(const std::string& command) { chest::opens(stage, alice, command); }
+};
+
+}  // namespace
+
+TEST(GlobalGoods, RowsButtonsAndSignOfTheSellView) {
+    json item = good("diamond_sword", 30, 4, "Sharp one");
+    item["itemnbt"] =
+        R"({Count:5b,Damage:0s,Name:"minecraft:diamond_sword",WasPickedUp:0b,tag:{Damage:7,display:{Lore:["old"]}}})";
+    item["shopitemdescribe"] = "cuts";
+    item["shopitemtag"] = "swords";
+    Scene s(
+        json::array({item}), nullptr, desktop,
+        {{"shopname", "Bob's"},
+         {"isopshop", true},
+         {"shopdiscount", json::array({{{"shopitemtag", "swords"}, {"discount", "-5"}, {"timeend", 4000000000}}})}});
+    s.opens("ordomart buy");
+    EXPECT_EQ(s.alice.shown(inventoryid, 9), "minecraft:diamond_sword*1");
+    EXPECT_EQ(
+        lore(s.alice, inventoryid, 9),
+        "old\n§f§r§l§f=====================\n§f§rItem name:§bSharp one\n§ocuts\n§f§r§b【§2swords§b】\n"
+        "§f§rDamage:§47§f/§21561\n§f§rIn stock:§64\n§f§r§730§l-> §r§g25 LLmoney/one\n§oFrom:Bob's\n§f§r§o§6【OPSHOP】\n"
+        "§r§b【§aSales§b】");
+    const struct {
+        std::uint32_t container;
+        int slot;
+        const char* looks;
+        const char* name;
+    } places[] = {{inventoryid, 0, "", ""},
+                  {inventoryid, 2, "minecraft:skull:3 shining", "View selling shops by owner"},
+                  {inventoryid, 3, "minecraft:name_tag:1 shining", "Sort by item name"},
+                  {inventoryid, 4, "", ""},
+                  {inventoryid, 5, "minecraft:spyglass:1 shining", "double-click mode"},
+                  {inventoryid, 6, "minecraft:recovery_compass:1 shining", "Search"},
+                  {inventoryid, 8, "", ""},
+                  {inventoryid, 10, "", ""},
+                  {inventoryid, 35, "", ""},
+                  {armorid, 0, "", ""},
+                  {offhandid, 0, "minecraft:oak_sign:3 shining", "Choose an item to buy it"},
+                  {uiid, 0, "", ""}};
+    for (const auto& place : places) {
+        EXPECT_EQ(looks(s.alice, place.container, place.slot), place.looks) << place.container << "/" << place.slot;
+        EXPECT_EQ(named(s.alice, place.container, place.slot), place.name) << place.container << "/" << place.slot;
+    }
+    EXPECT_NE(s.stage.log().find("total query and sort time:"), std::string::npos);
+}
+
+TEST(GlobalGoods, ATouchClientReadsShortLines) {
+    Scene s(json::array({good("apple", 100, 4, "Cheap")}), nullptr, touch);
+    s.opens("ordomart buy");
+    EXPECT_EQ(lore(s.alice, inventoryid, 9), "§f§rIn stock:§64\n§f§r§g100 LLmoney/one\n§oFrom:" + bob + "'s shop");
+}
+
+TEST(GlobalGoods, CommissionsShowTheirFlags) {
+    json wanted = commission("apple", 3, 20, "Apples");
+    wanted["filterench"] = true;
+    wanted["nowhasrecyclenum"] = 2;
+    const std::string tail = "\n§oFrom:" + bob + "'s recycleshop";
+    {
+        Scene s(nullptr, json::array({wanted}));
+        s.opens("ordomart recycle");
+        const auto lines = lore(s.alice, inventoryid, 9);
+        EXPECT_NE(lines.find("\n§f§rItem name:§bApples\n§o\n§f§r§b【§2apple§b】\n"), std::string::npos) << lines;
+        EXPECT_NE(lines.find(": \uE0A1\n"), std::string::npos) << lines;
+        EXPECT_NE(lines.find(": \uE0A0\n"), std::string::npos) << lines;
+        EXPECT_TRUE(lines.ends_with(tail)) << lines;
+    }
+    Scene s(nullptr, json::array({wanted}), touch);
+    s.opens("ordomart recycle");
+    const auto lines = lore(s.alice, inventoryid, 9);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), '\n'), 4) << lines;  // of the flags only the one that is set
+    EXPECT_EQ(lines.find("\uE0A0"), std::string::npos) << lines;
+    EXPECT_NE(lines.find("§f§r§g3 LLmoney/one"), std::string::npos) << lines;
+}
+
+TEST(GlobalGoods, PagesOfTwentySix) {
+    const struct { int rows, pageswithrows, lastpage; } cases[] = {{0, 0, 0}, {26, 1, 1}, {27, 2, 1}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.rows);
+        Scene s(goods(each.rows), nullptr);
+        s.opens("ordomart buy");
+        EXPECT_EQ(s.alice.shown(inventoryid, 34) != "", each.rows >= 26);
+        EXPECT_EQ(looks(s.alice, inventoryid, 8), each.lastpage > 0 ? "minecraft:book:3 shining" : "");
+        if (each.lastpage == 0) continue;
+        EXPECT_EQ(named(s.alice, inventoryid, 8), "Next page\uE04F");
+        EXPECT_EQ(lore(s.alice, inventoryid, 8), "下一页   1/2      ");
+
+        s.alice.clicks(ContainerName::hotbar, 8);
+        EXPECT_EQ(s.alice.shown(inventoryid, 9) != "", each.pageswithrows == 2);
+        EXPECT_EQ(s.alice.shown(inventoryid, 10), "");
+        EXPECT_EQ(named(s.alice, inventoryid, 0), "\uE04DLast page");
+        EXPECT_EQ(lore(s.alice, inventoryid, 0), "      上一页      2/2");
+        EXPECT_EQ(s.alice.shown(inventoryid, 8), "");
+        EXPECT_EQ(looks(s.alice, offhandid, 0), "minecraft:oak_sign:3 shining") << "a page turn leaves it alone";
+
+        s.alice.clicks(ContainerName::hotbar, 0);
+        EXPECT_NE(s.alice.shown(inventoryid, 34), "");
+        sends(s.stage, s.alice, {{action(ActionType::take, ContainerName::hotbar, 0)}});  // no button there
+        EXPECT_NE(s.alice.shown(inventoryid, 34), "") << "page 0 stays page 0";
+        EXPECT_EQ(s.alice.sounds(), std::vector<std::string>(3, "item.book.page_turn"));
+    }
+}
+
+TEST(GlobalGoods, SortTurnsRoundInFivePressesWithABareKey) {
+    const json items = {good("stone", 5, 1, "b"), good("dirt", 3, 9, "a"), good("apple", 9, 5, "c")};
+    const json wanted = {commission("stone", 5, 1, "b"), commission("dirt", 3, 9, "a"), commission("apple", 9, 5, "c")};
+    Scene s(items, wanted);
+    for (const char* command : {"ordomart buy", "ordomart recycle"}) {
+        SCOPED_TRACE(command);
+        s.alice.forgets();
+        s.opens(command);
+        for (const char* first : {"dirt", "apple", "stone", "dirt", "stone"}) {  // name, tag, stock, price, file order
+            s.alice.clicks(ContainerName::hotbar, 3);
+            EXPECT_EQ(s.alice.shown(inventoryid, 9), std::string("minecraft:") + first + "*1");
+        }
+        EXPECT_EQ(s.alice.toasts(), "Alice: sellshop.zerostate");
+        EXPECT_EQ(named(s.alice, inventoryid, 3), "Sort by item name");
+        s.alice.closes();
+        rests(s.stage);
+    }
+}
+
+TEST(GlobalGoods, AChoiceLeadsToTheFormAndThePurchaseBackToTheView) {
+    Scene s(json::array({good("apple", 7, 10, "My apple")}), nullptr, desktop, {{"shopname", "Bob's"}});
+    s.alice.setmoney(100).gives(9, "stone", 3);
+    s.opens("ordomart buy");
+    s.alice.clicks(ContainerName::inventory, 9);
+    EXPECT_FALSE(s.alice.menuopen());
+    EXPECT_EQ(s.alice.shown(inventoryid, 9), "minecraft:stone*3") << "the real stacks are back";
+    EXPECT_EQ(s.alice.sounds(), std::vector<std::string>{"mob.villager.haggle"});
+    rests(s.stage);
+    s.alice.fills({{"quantity", "2"}});
+    s.stage.ticks(6);
+    EXPECT_EQ(s.alice.money(), 86);
+    EXPECT_EQ(s.alice.counts("minecraft:apple"), 2);
+    EXPECT_TRUE(s.alice.menuopen());
+    EXPECT_NE(lore(s.alice, inventoryid, 9).find(":§68"), std::string::npos) << lore(s.alice, inventoryid, 9);
+}
+
+TEST(GlobalGoods, ACommissionIsServedFromTheInventory) {
+    Scene s(nullptr, json::array({commission("apple", 3, 20)}));
+    s.alice.gives(4, "apple", 5);
+    s.opens("ordomart recycle");
+    s.alice.clicks(ContainerName::inventory, 9);
+    ASSERT_FALSE(s.alice.form().is_null());
+    rests(s.stage);
+    s.alice.fills({});  // the sliders stand at all there is
+    s.stage.ticks(6);
+    EXPECT_EQ(s.alice.counts("minecraft:apple"), 0);
+    EXPECT_EQ(s.alice.money(), 15);
+    EXPECT_TRUE(s.alice.menuopen());
+}
+
+TEST(GlobalGoods, AClickThatNoRowStandsBehind) {
+    Scene s(json::array({good("apple", 7, 10)}), json::array({commission("apple", 3, 20)}));
+    for (const auto& [command, retry] : {std::pair{"ordomart buy", true}, std::pair{"ordomart recycle", false}})
+        for (const int slot : {10, 35}) {
+            SCOPED_TRACE(command);
+            s.alice.forgets();
+            s.opens(command);
+            sends(s.stage, s.alice, {{action(ActionType::take, ContainerName::inventory, slot)}});
+            EXPECT_FALSE(s.alice.menuopen());
+            EXPECT_EQ(s.alice.chat(),
+                      std::string("Operation failed, item has been changed") + (retry ? "\nwrong data ,Retry" : ""));
+            EXPECT_EQ(s.alice.sounds(), std::vector<std::string>{"mob.villager.haggle"});
+            rests(s.stage);
+        }
+    const auto log = s.stage.log();
+    EXPECT_NE(log.find("[Ordomart][error] error at globalsellshop ,low readlist size"), std::string::npos);
+    EXPECT_EQ(log.find("globalrecycleshop ,low"), std::string::npos);
+}
+
+TEST(GlobalGoods, AShopThatHasChangedMakesANewListAndNoForm) {
+    Scene s(json::array({good("apple", 7, 10)}), nullptr);
+    Actor& carl = s.stage.join("Carl", "2535400000000003").setmoney(100);
+    s.opens("ordomart buy");
+    chest::opens(s.stage, carl, "ordomart buy");
+    carl.clicks(ContainerName::inventory, 9).fills({{"quantity", "1"}});
+    rests(s.stage);
+    s.alice.clicks(ContainerName::inventory, 9);
+    s.stage.ticks(6);
+    EXPECT_EQ(s.alice.toasts(), "SYSTEM: Operation failed, shopinfo has been changed");
+    EXPECT_TRUE(s.alice.form().is_null());
+    EXPECT_TRUE(s.alice.menuopen());
+    EXPECT_NE(lore(s.alice, inventoryid, 9).find(":§69"), std::string::npos);
+}
+
+TEST(GlobalGoods, TheCompassOpensTheSearchAndClosingByHandSelectsNothing) {
+    Scene s(json::array({good("apple", 7, 10)}), nullptr);
+    s.opens("ordomart recycle");
+    s.alice.clicks(ContainerName::hotbar, 6);
+    EXPECT_FALSE(s.alice.form().is_null());
+    EXPECT_EQ(s.alice.sounds(), std::vector<std::string>{"random.click"});
+    rests(s.stage);
+    s.alice.answers(nullptr).forgets();
+    s.opens("ordomart buy");
+    s.alice.clicks(ContainerName::hotbar, 6);
+    EXPECT_EQ(s.alice.sounds(), (std::vector<std::string>{"random.click", "mob.villager.haggle"}));
+    rests(s.stage);
+    s.alice.answers(nullptr).forgets();
+    s.opens("ordomart buy");
+    s.alice.closes();
+    EXPECT_EQ(s.alice.chat(), "NULL selected ");
+}
+
+TEST(GlobalGoods, ATouchClientHoldsTheSignAndActsByTwoRequests) {
+    Scene s(json::array({good("apple", 7, 10)}), nullptr, touch);
+    s.opens("ordomart buy");
+    EXPECT_EQ(looks(s.alice, uiid, 0), "minecraft:oak_sign:3 shining");
+    s.alice.forgets();
+    sends(s.stage, s.alice,
+          {{action(ActionType::swap, ContainerName::cursor, 0, ContainerName::hotbar,
+                   5)}});  // the spyglass does not answer to a swap
+    EXPECT_TRUE(s.alice.sounds().empty());
+    sends(s.stage, s.alice, {{action(ActionType::swap, ContainerName::cursor, 0, ContainerName::hotbar, 3)}});
+    EXPECT_EQ(named(s.alice, inventoryid, 3), "Sort by item tag");
+    s.alice.drops(ContainerName::cursor, 0);
+    EXPECT_EQ(looks(s.alice, uiid, 0), "");
+    s.alice.clicks(ContainerName::hotbar, 5);
+    EXPECT_EQ(looks(s.alice, uiid, 0), "minecraft:oak_sign:3 shining");
+    EXPECT_EQ(s.alice.sounds(), (std::vector<std::string>{"random.click", "random.click", "random.levelup"}));
+    s.alice.clicks(ContainerName::inventory, 9);  // with the sign in hand, a pair headed by a swap
+    EXPECT_FALSE(s.alice.menuopen());
+    EXPECT_FALSE(s.alice.form().is_null());
+}
+
+TEST(GlobalGoods, OneGoodThatCannotBeShownLeavesTheOthers) {
+    json broken = good("apple", 1, 1), huge = good("apple", 2, 1);
+    broken["itemnbt"] = "no item";
+    huge["shopitemdescribe"] = std::string(70000, 'x');  // longer than the wire has room for
+    Scene s(json::array({broken, huge, good("stone", 3, 1)}), nullptr);
+    s.opens("ordomart buy");
+    EXPECT_EQ(s.alice.shown(inventoryid, 9), "");
+    EXPECT_EQ(s.alice.shown(inventoryid, 10), "");
+    EXPECT_EQ(s.alice.shown(inventoryid, 11), "minecraft:stone*1");
+    EXPECT_EQ(looks(s.alice, inventoryid, 2), "minecraft:skull:3 shining");
+    s.alice.clicks(ContainerName::inventory, 11);
+    EXPECT_FALSE(s.alice.form().is_null());
+}

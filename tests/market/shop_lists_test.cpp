@@ -1,0 +1,167 @@
+// The lists of rows: which shops and rows each builder takes, and the orders.
+#include <gtest/gtest.h>
+
+#include "plugin/shopsystem/lists.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
+#include "tests/market/shophost.h"
+
+using namespace shopsystem;
+using market_tests::json;
+using market_tests::ShopHost;
+
+namespace {
+
+json good(const std::string& name, int left = 1, bool searchable = true, int price = 1) {
+    return {{"shopitemname", name}, {"shopitemleftnum", left}, {"allowbesearched", searchable}, {"price", price}};
+}
+json wish(const std::string& name, bool searchable = true) {
+    return {{"recycleitemname", name}, {"recycleitemleftwanna", 1}, {"allowbesearched", searchable}};
+}
+
+std::string names(playershopstate& state) {
+    std::string all;
+    for (std::size_t i = 0; i < state.sellreadlist.size(); ++i) all += state.sellreadlist.row(i).shopitemname + " ";
+    all += "| ";
+    for (std::size_t i = 0; i < state.recyclereadlist.size(); ++i)
+        all += state.recyclereadlist.row(i).recycleitemname + " ";
+    return all;
+}
+
+// Every test reads shops of its own, since the cache outlives it.
+struct Market : ShopHost {
+    playershopstate& state;
+
+    explicit Market(const std::string& viewer) : state(getplayershopstate(viewer)) {
+        disk.contents.emplace(ordomart::paths::data + "readme.txt", "no shop");
+        disk.contents.emplace(ordomart::paths::data + ".json", "no shop either");
+    }
+};
+
+TEST(Lists, EachBuilderTakesItsShopsAndRows) {
+    Market market("viewer");
+    const json banned = {{"isbaned", true}, {"bantimeend", -1}};
+    const auto put = [&](const std::string& xuid, const json& state, bool isop = false) {
+        market.put(xuid,
+                   {{"items", {good(xuid), good(xuid + "-none", 0), good(xuid + "-own", 1, false)}},
+                    {"isopshop", isop},
+                    {"shopstate", state}},
+                   {{"recycleitems", {wish(xuid), wish(xuid + "-own", false)}}, {"shopstate", state}});
+    };
+    put("b-banned", banned);
+    put("c-shop", 0, true);
+    put("viewer", 0);
+    put("systemshop", 0);
+    market.put("a-empty", {{"items", nullptr}}, {{"recycleitems", 5}});
+
+    struct {
+        const char* name;
+        std::function<void()> run;
+        const char* rows;
+        const char* searched;  // while a search for "sys" is set
+        bool searchends;
+    } const cases[] = {
+        {"global sell", [] { sellshop::prepareglobalsellshopfilterforplayer("viewer"); }, "c-shop | ", "| ", true},
+        {"global recycle", [] { recycleshop::prepareglobalrecycleshopfilterforplayer("viewer"); }, "| c-shop ", "| ",
+         true},
+        {"system sell", [] { preparesystemsell("viewer"); }, "systemshop | ", "systemshop | ", false},
+        {"system recycle", [] { preparesystemrecycle("viewer"); }, "| systemshop ", "| systemshop ", false},
+        {"banned sell", [] { preparesinglesell("viewer", "b-banned"); }, "b-banned b-banned-own | ",
+         "b-banned b-banned-own | ", false},
+        {"single recycle", [] { preparesinglerecycle("viewer", "c-shop"); }, "| c-shop c-shop-own ",
+         "| c-shop c-shop-own ", false},
+    };
+    for (const auto& c : cases) {
+        for (const bool searching : {false, true}) {
+            market.state.sellreadlist.clear();
+            market.state.recyclereadlist.clear();
+            market.state.searchfilter.itemnamefilter = "sys";
+            market.state.searchmode = searching;
+            c.run();
+            EXPECT_EQ(names(market.state), searching ? c.searched : c.rows) << c.name;
+            EXPECT_EQ(market.state.searchmode, searching && !c.searchends) << c.name;
+        }
+    }
+    preparesystemrecycle("viewer");
+    preparesystemrecycle("viewer");
+    EXPECT_EQ(market.state.recyclereadlist.size(), 4U) << "this one leaves the emptying to its caller";
+
+    market.state.searchmode = false;
+    ordomart::enablesystemshopinglobalshop = true;
+    market.state.filter.itemnamefilter = "shop";
+    sellshop::prepareglobalsellshopfilterforplayer("viewer");
+    ordomart::enablesystemshopinglobalshop = false;
+    EXPECT_EQ(market.state.sellreadlist.size(), 2U);
+    const auto row = market.state.sellreadlist.row(0);
+    EXPECT_EQ(row.xuid + std::to_string(row.index) + std::to_string(row.isopshop), "c-shop01");
+    market.state.filter = {};
+}
+
+TEST(Lists, PagesAreClampedAndLongShopsComeWhole) {
+    Market market("pager");
+    struct {
+        int rows, page, clamped;
+    } const cases[] = {{0, 3, 0}, {25, 1, 0}, {51, 2, 1}, {52, 2, 2}, {200, 5, 5}};
+    for (const auto& c : cases) {
+        const auto xuid = "rows" + std::to_string(c.rows);
+        json items = json::array();
+        for (int i = 0; i < c.rows; ++i) items.push_back(good(std::to_string(i)));
+        market.put(xuid, {{"items", items}});
+        market.state.sellpage = c.page;
+        preparesinglesell("pager", xuid);
+        EXPECT_EQ(market.state.sellreadlist.size(), static_cast<std::size_t>(c.rows));
+        EXPECT_EQ(market.state.sellpage, c.clamped) << c.rows;
+    }
+    EXPECT_EQ(market.state.sellreadlist.row(199).index, 199);
+}
+
+TEST(Lists, ABrokenShopEndsTheWalkWithTheRowsSoFar) {
+    Market market("reader");
+    market.put("first", {{"items", {good("x")}}});
+    market.disk.contents[ShopHost::path("second")] = "{";
+    market.put("third", {{"items", {good("y")}}});
+    market.state.searchmode = true;
+    market.state.searchfilter.itemnamefilter = "x";
+    EXPECT_THROW(sellshop::prepareglobalsellshopfilterforplayer("reader"), nlohmann::detail::exception);
+    EXPECT_EQ(names(market.state), "x | ");
+    EXPECT_TRUE(market.state.searchmode);
+}
+
+TEST(Lists, SortByTheFilterStep) {
+    Market market("sorter");
+    json items = {good("pear", 5, true, 30), good("Apple", 9, true, 10), good("fig", 7, true, 20)};
+    const char* tags[] = {"b", "\xC3\xA9", "a"};
+    for (std::size_t i = 0; i < items.size(); ++i) items[i]["shopitemtag"] = tags[i];
+    market.put("sorted", {{"items", items}});
+    const char* orders[] = {"pear Apple fig | ", "Apple fig pear | ", "fig pear Apple | ", "pear fig Apple | ",
+                            "Apple fig pear | "};
+    for (std::uint8_t step = 0; step < 5; ++step) {
+        preparesinglesell("sorter", "sorted");
+        market.state.filterstep = step;
+        sortsellreadlist(market.state);
+        EXPECT_EQ(names(market.state), orders[step]) << int{step};
+    }
+}
+
+TEST(PlayerState, LeavingResetsWhatIsOfOneVisit) {
+    auto& state = getplayershopstate("visitor");
+    EXPECT_EQ(state.managedid, "114514");
+    EXPECT_TRUE(state.showhelper);
+    state.setatjoin(1);
+    EXPECT_TRUE(!state.detailmode && state.doubleclickmode);
+    state.setatjoin(7);
+    EXPECT_TRUE(state.detailmode && state.doubleclickmode) << "kept by a desktop client";
+    state.manage("systemshop");
+    state.menumode = 3;
+    state.filter.minsellcount = 5;
+    state.searchfilter.minsellcount = 5;
+    state.sellreadlist.add({});
+    state.resetatleave();
+    EXPECT_EQ(state.managedid, "114514");
+    EXPECT_EQ(state.searchfilter.minsellcount, -1);
+    EXPECT_EQ(state.sellreadlist.size(), 0U);
+    EXPECT_TRUE(state.detailmode && !state.doubleclickmode);
+    EXPECT_EQ(state.menumode, 3);
+    EXPECT_EQ(state.filter.minsellcount, 5);
+}
+
+}  // namespace

@@ -1,0 +1,121 @@
+// What the shop model needs of a host: files in memory that are listed, a clock that stands until it is moved, a turn,
+// a count of work under way, and a few items.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "platform/background.h"
+#include "platform/clock.h"
+#include "platform/item.h"
+#include "platform/turn.h"
+#include "plugin/shopsystem/baseshop.h"
+#include "tests/market/quiethost.h"
+
+namespace market_tests {
+
+using nlohmann::json;
+
+class ListedFiles : public MemoryFiles {
+public:
+    std::vector<std::string> list(const std::string& directory) const override {
+        std::vector<std::string> names;
+        for (const auto& [path, content] : contents)
+            if (path.starts_with(directory)) names.push_back(path.substr(directory.size()));
+        return names;
+    }
+};
+
+class StandingClock : public platform::Clock {
+public:
+    std::int64_t seconds = 1'000'000;
+    std::int64_t unixmilliseconds() const override { return seconds * 1000; }
+};
+
+class OneTurn : public platform::TurnKeeper {
+public:
+    void take() override { mutex_.lock(); }
+    void give() override { mutex_.unlock(); }
+
+private:
+    std::recursive_mutex mutex_;
+};
+
+// The count outlives its host, since the worker drops a token only behind the end of the task.
+class Counted : public platform::BackgroundThreads {
+public:
+    void start(std::function<void()> body) override { body(); }
+    std::shared_ptr<void> busy() override {
+        ++*count_;
+        return {count_.get(), [count = count_](void*) {
+                    --*count;
+                    count->notify_all();
+                }};
+    }
+    [[nodiscard]] int underway() const { return *count_; }
+    void wait() const {
+        for (int now = *count_; now != 0; now = *count_) count_->wait(now);
+    }
+
+private:
+    std::shared_ptr<std::atomic<int>> count_ = std::make_shared<std::atomic<int>>(0);
+};
+
+class FewItems : public platform::ItemRegistry {
+public:
+    const platform::ItemInfo* find(std::string_view name) const override {
+        for (const auto& item : items_)
+            if (item.name == name || item.name == "minecraft:" + std::string(name)) return &item;
+        return nullptr;
+    }
+    const platform::ItemInfo* byid(std::int32_t) const override { return nullptr; }
+    std::string hovertext(const platform::ItemStack&) const override { return {}; }
+    const std::vector<platform::ItemStack>& creativelist() const override { return none_; }
+
+private:
+    std::vector<platform::ItemInfo> items_ = {{"minecraft:apple", "item.apple.name", 1},
+                                              {"minecraft:dirt", "tile.dirt.name", 2},
+                                              {"minecraft:diamond_sword", "item.diamond_sword.name", 3, 1, 1561}};
+    std::vector<platform::ItemStack> none_;
+};
+
+struct ShopHost : QuietHost {
+    ListedFiles disk;
+    StandingClock clock;
+    OneTurn turn;
+    Counted background;
+    FewItems items;
+
+    ShopHost() {
+        services.files = &disk;
+        services.clock = &clock;
+        services.turn = &turn;
+        services.background = &background;
+        services.items = &items;
+        disk.directories.insert(ordomart::paths::data);
+    }
+    ~ShopHost() { settle(); }
+
+    static std::string path(const std::string& xuid) { return ordomart::paths::data + xuid + ".json"; }
+    void put(const std::string& xuid, const json& sell, const json& recycles = nullptr) {
+        disk.contents[path(xuid)] = json({{"sell", sell}, {"recycles", recycles}}).dump();
+    }
+    json document(const std::string& xuid) { return json::parse(disk.contents.at(path(xuid))); }
+    // The worker has nothing left to do.
+    void settle() const { background.wait(); }
+    // How many lines hold the text.
+    int told(const std::string& text) const {
+        int lines = 0;
+        for (const auto& line : log.lines) lines += line.find(text) != std::string::npos ? 1 : 0;
+        return lines;
+    }
+};
+
+}  // namespace market_tests
