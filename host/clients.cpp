@@ -46,15 +46,26 @@ void Clients::join(const JoinRequest& request) {
                                                              if (const ConnectionId id = *connection; id != 0)
                                                                  server_.network().receive(id, std::move(packet));
                                                          });
-    server_.run([&] {
-        const std::weak_ptr<Seat> weak = seat;
-        seat->connection = server_.network().join(request, [this, weak](std::string packet) {
-            if (const auto held = weak.lock()) deliver(*held, packet);
+    // Seated before the first packet comes, so that a watcher finds the client whose picture it is told about.
+    {
+        std::lock_guard guard(lock_);
+        if (std::ranges::any_of(seats_, [&](const auto& other) { return other->who.name == request.name; }))
+            throw std::runtime_error(fmt::format("{} is joined here already", request.name));
+        seats_.push_back(seat);
+    }
+    try {
+        server_.run([&] {
+            const std::weak_ptr<Seat> weak = seat;
+            seat->connection = server_.network().join(request, [this, weak](std::string packet) {
+                if (const auto held = weak.lock()) deliver(*held, packet);
+            });
+            *connection = seat->connection;
         });
-        *connection = seat->connection;
-    });
-    std::lock_guard guard(lock_);
-    seats_.push_back(seat);
+    } catch (...) {
+        std::lock_guard guard(lock_);
+        std::erase(seats_, seat);
+        throw;
+    }
 }
 
 void Clients::deliver(Seat& seat, const std::string& packet) {

@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <chrono>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <thread>
 
 #include "host/console/colours.h"
 #include "host/console/drawing.h"
@@ -277,6 +279,13 @@ void Console::form(const std::vector<std::string>& words, const std::string&) {
 }
 
 void Console::answer(const std::vector<std::string>& words, const std::string& rest) {
+    // Pasted lines are faster than the list that the form in question shows.
+    for (int wait = 0; wait < 40 && !server_.options().manual; ++wait) {
+        bool waiting = false;
+        clients_.with(words.at(0), [&](client::ModelClient& c) { waiting = c.forms().empty(); });
+        if (!waiting) break;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
     clients_.with(words.at(0), [&](client::ModelClient& c) {
         if (c.forms().empty()) throw std::runtime_error(fmt::format("{} has no form to answer", words[0]));
         c.answer(typedanswer(nlohmann::json::parse(c.forms().front().json), rest).dump());

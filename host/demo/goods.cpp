@@ -32,7 +32,7 @@ constexpr Good goods[] = {
     {"Rosa", "honey_bottle", "Honey", "from the hill hives", "food", 30, 24, "", true},
     {"Rosa", "cookie", "Cookies by the piece", "", "food", 2, 500, "", true},
     {"Rosa", "golden_apple", "Golden apple", "do not eat all at once", "rare food", 380, 6, "", true},
-    {"Rosa", "oak_sapling", "Oak sapling", "plant more trees", "garden", 6, 40, "", true},
+    {"Rosa", "sapling", "Oak sapling", "plant more trees", "garden", 6, 40, "", true},
     {"Rosa", "bone_meal", "Bone meal", "", "garden", 3, 256, "", true},
     {"Rosa", "wheat_seeds", "Seeds", "kept back for the village", "garden", 1, 200, "", false},
     {"Bram", "iron_ingot", "Iron", "clean bars", "_ingot", 25, 640, "", true},

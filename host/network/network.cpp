@@ -103,7 +103,6 @@ bool Network::process() {
     for (const auto& [id, count] : parts_->inbox.takedropped())
         if (const auto found = parts_->connections.find(id); found != parts_->connections.end())
             found->second->complaints.add("packet", fmt::format("{} dropped: too long or too many", count));
-    parts_->server.world().flush();
     return !arrived.empty();
 }
 
