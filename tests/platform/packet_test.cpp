@@ -249,7 +249,8 @@ TEST(Packets, HostileValuesAreRefused) {
 
 TEST(Packets, TheHeaderHoldsNumberAndSubclients) {
     EXPECT_EQ(sealpacket(Packet(PacketId::ToastRequest, "x"), 2, 1), bytes("ba 31 'x'"));
-    const auto opened = openpacket(bytes("ba 31 'x'"));
+    const auto sealed = bytes("ba 31 'x'");
+    const auto opened = openpacket(sealed);
     EXPECT_EQ(opened.number, 186);
     EXPECT_EQ(opened.sender, 2);
     EXPECT_EQ(opened.target, 1);
