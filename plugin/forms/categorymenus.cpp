@@ -1,6 +1,6 @@
 // The two category menus: one button for each entry of a file that the operator edits, read anew at each opening. A
-// missing file is written once, with the default entries. A broken file gives a log line and no menu, and is never
-// overwritten.
+// missing file is written once, with the default entries. A broken file, or one that cannot be opened, gives a log line
+// and no menu, and is never overwritten.
 #include <exception>
 #include <nlohmann/json.hpp>
 
@@ -51,7 +51,7 @@ struct category {
     int level;
 };
 
-// False when the file is missing and cannot be made; the player has been told.
+// False when the file can neither be opened nor made; the player has been told.
 bool readcategories(ServerPlayer* player, const categorymenu& menu) {
     const auto path = paths::base + menu.file;
     if (const auto content = host().files->read(path)) {
@@ -61,11 +61,13 @@ bool readcategories(ServerPlayer* player, const categorymenu& menu) {
     }
     logger.warn("Can't open file{},try load default setting...", path);
     const json standard = menu.defaults();
-    if (!host().files->replace(path, menu.data(&standard).dump(4))) {
+    // A file that is there, but cannot be opened just now, must not be taken for a missing one and replaced.
+    if (host().files->exists(path) || !host().files->replace(path, standard.dump(4))) {
         logger.error("Can't open file {}", path);
         player->sendText("failed to open" + path);
         return false;
     }
+    menu.data(&standard);
     return true;
 }
 

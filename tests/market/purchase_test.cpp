@@ -137,6 +137,73 @@ TEST(Purchase, ASecondBuyerWithAnOldFormIsTurnedAway) {
     EXPECT_EQ(carl.has(0), "minecraft:apple*2");
 }
 
+TEST(Purchase, AnOldListOffersNothingOfAShopThatHasChanged) {
+    Stage stage;
+    stage.writeshop(bob, {good("apple", 7, 10)});
+    Actor& alice = stage.join("Alice", ada).setmoney(100);
+    Actor& carl = stage.join("Carl", cid).setmoney(100);
+    alice.types("ordomart formmenu").presses("Selling shops (form)");
+    buys(carl, "apple", "1");
+    alice.presses("apple");
+    EXPECT_EQ(alice.chat(), "Operation failed, shopinfo has been changed");
+    EXPECT_TRUE(alice.form().is_null());
+
+    // A search that finds nothing has emptied the list behind the form.
+    alice.types("ordomart formmenu").presses("Selling shops (form)").forgets().types("ordomart search sell nothing");
+    stage.ticks(6);
+    alice.presses("apple");
+    EXPECT_EQ(alice.chat(), "");
+    EXPECT_TRUE(alice.form().is_null());
+    EXPECT_NE(stage.log().find("[Ordomart][error] wrong castindex"), std::string::npos);
+}
+
+// A shop that nobody asks for is forgotten and read again when it is, and counts its changes from 0 again, so that a
+// form from before fits whatever the file holds by then.
+TEST(Purchase, WhatWasTakenFromTheFileWhileAFormWasOpen) {
+    Stage stage;
+    const json broken = good("{Count:1b,Damage:0s,Name:\"addon:gem\",WasPickedUp:0b}", 7, 10, "apple");
+    const struct {
+        std::string owner;
+        json items, left;
+        const char* told;
+    } cases[] = {
+        {bob, nullptr, nullptr, "catch checkexist error:Operation failed, item has been changed"},
+        {"fair", json::array(), json::array(), "catch checkexist error:Operation failed, item has been changed"},
+        {"gems", json::array({broken, good("bread", 1, 1)}), json::array({good("bread", 1, 1)}),
+         "catch checkrawitemvalid error:Operation failed, item has been changed"}};
+    std::vector<Actor*> buyers;
+    for (const auto& each : cases) {
+        stage.writeshop(each.owner, {good("apple", 7, 10, "apple of " + each.owner)});
+        buyers.push_back(
+            &stage.join(fmt::format("Buyer {}", buyers.size()), fmt::format("{}", 100 + buyers.size())).setmoney(100));
+        picks(*buyers.back(), "apple of " + each.owner);
+    }
+    stage.seconds(3010);
+    for (std::size_t i = 0; i < buyers.size(); ++i) {
+        SCOPED_TRACE(cases[i].owner);
+        stage.writeshop(cases[i].owner, cases[i].items);
+        buyers[i]->fills({{"quantity", "2"}});
+        EXPECT_EQ(buyers[i]->chat(), cases[i].told);
+        EXPECT_EQ(buyers[i]->money(), 100);
+        EXPECT_EQ(buyers[i]->counts("minecraft:apple"), 0);
+        EXPECT_EQ(sold(stage, cases[i].owner)["items"], cases[i].left);
+        EXPECT_TRUE(buyers[i]->form().is_null());
+    }
+}
+
+TEST(Purchase, GoodsForNothingAndTheWayOutOfTheResult) {
+    Stage stage;
+    stage.writeshop(bob, {good("apple", 0, 10)});
+    Actor& alice = stage.join("Alice", ada).setmoney(0);
+    for (const json& out : {json(false), json(nullptr)}) {  // "Exit", and closed
+        buys(alice, "apple", "2");
+        EXPECT_EQ(alice.form()["title"], "purchase successfully!");
+        alice.answers(out);
+        EXPECT_EQ(alice.form()["buttons"].size(), 15U) << "the large menu, also for who came from the small one";
+    }
+    EXPECT_EQ(alice.has(0), "minecraft:apple*4");
+}
+
 TEST(Purchase, ComesInStacksOfTheItemsSizeAndFallsWhereThereIsNoRoom) {
     Stage stage;
     stage.writeshop(bob, {good("ender_pearl", 1, 50)});
