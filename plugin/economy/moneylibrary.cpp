@@ -1,6 +1,8 @@
 // The binding asks for each entry point by name and does not test it; only a call finds out that one is missing.
 #include "plugin/economy/moneylibrary.h"
 
+#include <tuple>
+
 #include "platform/host.h"
 #include "platform/library.h"
 #include "platform/llmoney.h"
@@ -37,10 +39,15 @@ entrypoint<platform::llmoney::Add> llmoneyadd{"LLMoneyAdd"};
 bool bind() {
     void* const library = host().libraries->load(libraryname);
     if (library == nullptr) return false;
+    // The whole of what the library offers is asked for; the market has no use for what is dropped.
+    const auto drop = [library](const char* name) { std::ignore = host().libraries->symbol(library, name); };
     llmoneyget.bind(library);
+    drop("LLMoneySet");
     llmoneytrans.bind(library);
     llmoneyreduce.bind(library);
     llmoneyadd.bind(library);
+    drop("LLMoneyGetHist");
+    drop("LLMoneyClearHist");
     return true;
 }
 
