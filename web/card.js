@@ -23,7 +23,7 @@ export class Card {
     this.player = player;
     this.heard = 0;  // the number of the last thing written to the log
     this.state = null;
-    this.form = null;
+    this.formtext = "null";  // the form in front, as JSON
     const report = (error) => notice(error);
     this.report = report;
     this.screen = new Screen(player, { report, escape: () => this.escape() });
@@ -82,24 +82,40 @@ export class Card {
     this.drawform(state.form);
   }
 
+  // A form may come under the number of the one before, and a patch changes it in place: its text tells them apart.
   drawform(form) {
-    if ((form?.id ?? null) === (this.form?.id ?? null)) return;
+    const text = JSON.stringify(form);
+    if (text === this.formtext) return;
+    this.formtext = text;
+    this.showform(form);
+  }
+
+  showform(form) {
     const washere = this.element.contains(document.activeElement) || document.activeElement === document.body;
-    this.form = form;
     this.element.classList.toggle("hasform", form !== null);
     if (form === null) {
       this.formplace.replaceChildren();
       if (washere) this.screen.focuscell.element.focus({ preventScroll: true });
       return;
     }
-    const dialogue = formdialogue(form, (id, answer) =>
-      api.answer(this.player.name, id, answer).catch((error) => {
-        this.report(error);
-        throw error;
-      }));
+    const dialogue = formdialogue(form, (answer) => this.answer(form.id, answer));
     this.formplace.replaceChildren(dialogue);
     if (washere) focusform(dialogue);
-    dialogue.scrollIntoView?.({ block: "nearest" });
+    dialogue.scrollIntoView({ block: "nearest" });
+  }
+
+  async answer(id, given) {
+    const answered = this.formtext;
+    try {
+      await api.answer(this.player.name, id, given);
+      if (this.formtext !== answered) return;
+      // Either the news is still on its way, or the market asks the very same again, which is no news to the stream.
+      const { form } = await api.look(this.player.name);
+      if (this.formtext === answered && JSON.stringify(form) === answered) this.showform(form);
+    } catch (error) {
+      this.report(error);
+      throw error;
+    }
   }
 
   // What the operator's table knows of him.
@@ -121,7 +137,7 @@ export class Card {
   }
 
   escape() {
-    if (this.form) api.answer(this.player.name, this.form.id, null).catch(this.report);
+    if (this.state?.form) this.answer(this.state.form.id, null).catch(() => {});
     else if (this.state?.open) this.closemenu();
   }
 

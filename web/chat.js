@@ -14,9 +14,9 @@ const lines = {
 
 export class Chat {
   constructor() {
-    this.log = h("div", { class: "lines", role: "log", tabindex: 0, tlabel: "chat" });
+    this.log = h("div", { role: "log", tlabel: "chat" });
     this.empty = h("p", { class: "hint", t: "chatempty" });
-    this.element = h("div", { class: "chat" }, this.empty, this.log);
+    this.element = h("div", { class: "chat" }, this.empty, h("div", { class: "lines", tabindex: 0, tlabel: "chat" }, this.log));
     this.toasts = h("div", { class: "toasts", role: "status" });
   }
 
@@ -24,11 +24,9 @@ export class Chat {
   hear(what, fresh) {
     if (!(what.kind in lines)) return;
     const refused = what.kind === "reply" && !what.success ? " refused" : "";
-    const below = this.log.scrollHeight - this.log.scrollTop - this.log.clientHeight < 24;
     this.log.append(h("div", { class: `line line-${what.kind}${refused}` }, ...lines[what.kind](what)));
     while (this.log.childElementCount > mostlines) this.log.firstChild.remove();
     this.empty.hidden = true;
-    if (below || !fresh) this.log.scrollTop = this.log.scrollHeight;
     if (!fresh) return;
     if (what.kind === "toast") this.toast(what);
     if (what.kind === "sound") play(what.name, what.volume, what.pitch);

@@ -28,21 +28,22 @@ function appendtext(parent, text) {
 // A fragment with the text as the game shows it.
 export function coloured(text) {
   const out = document.createDocumentFragment();
-  const now = { colour: "", styles: new Set() };
+  const now = { reset: [], colour: [], styles: new Set() };  // lists of class names
   for (const [number, piece] of String(text).split("\u00A7").entries()) {
     let rest = piece;
     if (number > 0) {
       const code = piece.slice(0, 1).toLowerCase();
       rest = piece.slice(1);
-      if (colour.test(code)) now.colour = code;
-      else if (style.test(code)) now.styles.add(code);
+      if (colour.test(code)) now.colour = [`c-${code}`];
+      else if (style.test(code)) now.styles.add(`f-${code}`);
       else if (code === "r") {
-        now.colour = "r";
+        now.reset = ["f-r"];
+        now.colour = [];
         now.styles.clear();
       }
     }
     if (rest === "") continue;
-    const classes = [...(now.colour ? [`c-${now.colour}`] : []), ...[...now.styles].map((s) => `f-${s}`)].join(" ");
+    const classes = [...now.reset, ...now.colour, ...now.styles].join(" ");
     if (classes || signpattern.test(rest)) {
       const span = h("span", { class: classes || null });
       appendtext(span, rest);

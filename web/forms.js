@@ -64,7 +64,7 @@ const kinds = {
   },
 };
 
-// A dialogue for the form { id, json }; `send(id, answer)` returns a promise and may fail.
+// A dialogue for the form { id, json }; `send(answer)` returns a promise, which may fail.
 export function formdialogue({ id, json }, send) {
   const title = newid();
   const dialogue = h("section", { class: "form", role: "dialog", "aria-labelledby": title, "data-form": String(id) });
@@ -72,7 +72,7 @@ export function formdialogue({ id, json }, send) {
     if (dialogue.inert) return;
     dialogue.inert = true;  // one answer; a failed one may be given again
     try {
-      await send(id, value);
+      await send(value);
     } catch {
       dialogue.inert = false;
     }

@@ -39,6 +39,13 @@ export function nameof(name, aux = 0) {
   return (variant ?? found)[language()] || found.en;
 }
 
+// The name that a stack shows. A client that knows one name for all colours of wool is told the colour here.
+export function shownname({ item, aux, name }) {
+  const found = table.get(item), variant = found?.variants?.find((one) => one.aux === aux);
+  for (const each of variant ? ["en", "zh"] : []) if (name === found[each]) return variant[each];
+  return name || item;
+}
+
 function mixed(color, other, share) {
   const parts = [1, 3, 5].map((at) => {
     const own = parseInt(color.slice(at, at + 2), 16), added = parseInt(other.slice(at, at + 2), 16);
@@ -72,7 +79,7 @@ function tile(name, color) {
 
 function drawing(name, kind, color) {
   const picture = svg("svg", { viewBox: "0 0 16 16", "aria-hidden": "true", class: "picture" });
-  const parts = shapes[kind];
+  const parts = shapes[name.replace(/^minecraft:/, "")] ?? shapes[kind];
   if (!parts) {
     picture.append(...tile(name, color));
     return picture;

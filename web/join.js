@@ -67,7 +67,9 @@ export async function joindialogue(joined) {
 // The one click of a newcomer.
 export async function joinfirst(name, joined) {
   try {
-    joined((await api.join({ name, language: playerlanguage() })).name);
+    const known = (await api.players()).find((player) => player.name === name);
+    if (!known?.joined) await api.join({ name, language: playerlanguage() });
+    joined(name);
   } catch (error) {
     notice(error);
   }

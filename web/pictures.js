@@ -1,4 +1,4 @@
-// What each kind of item looks like, as shapes on a grid of 16 by 16: a letter for the fill and the outline of the
+// What an item looks like, by its name or its kind, as shapes on a grid of 16 by 16: a letter for the fill and the outline of the
 // shape. m is the item's own colour, l and d lighter and darker ones of it; the others are fixed (see items.js).
 const handle = "wM10.3 4.5l1.2 1.2-8.6 8.8-1.4-1.4z";
 const cube = ["lM8 1.2l6.3 3.2L8 7.6 1.7 4.4z", "mM1.7 4.4L8 7.6V15l-6.3-3.3z", "dM14.3 4.4L8 7.6V15l6.3-3.3z"];
@@ -8,6 +8,15 @@ const sheet = ["xM4 1.5h7l2.5 2.5v10.5H4z", "mM5.5 5h6v1h-6zM5.5 7.5h6v1h-6zM5.5
 const stem = "gM7.4 8h1.2v7H7.4zM8 12.5c-2 0-3-1-3.2-2.3 2 0 3.2.8 3.2 2.3zM8 11.5c1.8 0 2.8-1 3-2.2-1.9 0-3 .8-3 2.2z";
 
 export const shapes = {
+  // by name, where the kind says too little
+  wheat: ["mM7.5 15L5 4l.8-2 .9 2L8.3 15zM7.6 15l.2-12 .8-2 .8 2-.8 12zM8.5 15L11 4.5l1-1.7.5 2L9.5 15z", "lM5 4l.8-2 .6 3-.9.8zM8 3l.6-2 .6 3-.7 1zM11 4.5l1-1.7.2 3-.8.6z", "wM6 11h5v1.2H6z"],
+  leather: ["mM2.5 3l3 1L8 2.5 10.5 4l3-1-.5 4 1 5-3 .5-1 1.5-2-1-2 1-1-1.5-3-.5 1-5z", "lM4 5l2 .5L8 4.5l2 1-2 1-2-.3z", "dM3 11.5l2-.5 1.5 1L8 11l1.5 1 1.5-1 2.5.5-.5.5-2.5.5-1 1.5-2-1-2 1-1-1.5-2.5-.5z"],
+  rabbit_hide: ["mM4 4l2 1 2-1 2 1 2-1v3l1 4-3 1-2 1.5L6 12l-3-1 1-4z", "lM5.5 6l2 .6 1-.6 1 .6-1.5 1.4z"],
+  feather: ["mM14 1.5C9 2 5 6 4 11.5l1.5.5C11 11 14 7 14 1.5z", "dM12 4L2 14.5l.8.5L8 9.5z", "lM13 2.5C9 3.5 6.5 6 5.5 9L9 6z"],
+  honeycomb: ["mM8 1.5l5.5 3.2v6.5L8 14.5l-5.5-3.3V4.7z", "dM8 4.5l3 1.7v3.5L8 11.5 5 9.7V6.2z", "lM8 1.5l5.5 3.2-.8.5L8 2.5 3.3 5.2l-.8-.5z"],
+  shears: ["mM12.5 2l1.5 1.5L8.5 9 7 7.5zM3.5 2L2 3.5 7.5 9 9 7.5z", "rM5 9.5a2.5 2.5 0 110 5 2.5 2.5 0 010-5zM11 9.5a2.5 2.5 0 110 5 2.5 2.5 0 010-5z", "xM5 11a1 1 0 110 2 1 1 0 010-2zM11 11a1 1 0 110 2 1 1 0 010-2z"],
+  flint_and_steel: ["sM3 3h6v2H5v4h4v2H3z", "kM9 7l4-1 1.5 3-2 4-4-1z"],
+  // by kind
   block: cube,
   planks: [...cube, "vM1.7 6.6L8 9.9v.7L1.7 7.3zM1.7 9L8 12.3v.7L1.7 9.7zM14.3 6.6L8 9.9v.7l6.3-3.3zM14.3 9L8 12.3v.7l6.3-3.3z"],
   log: ["mM3 3.5h10v10c0 1-2.2 1.8-5 1.8s-5-.8-5-1.8z", "dM5 6h1v8H5zM9 7h1v7.6H9zM11.5 6h.8v8h-.8z",
@@ -86,7 +95,6 @@ export const shapes = {
   crossbow: ["wM11.5 3l1.5 1.5-9.5 10L2 13z", "mM4.5 2C9 1.5 14 6.5 13.5 11.5l-1.7-.2C12 7.5 8.5 4 4.5 3.8z", "xM4.5 3l7.8 8.5-.6.5L4 3.5z"],
   arrow: [handle, "mM10.5 1.5h4v4l-1.5 0L12 5l-1-1-.5-1z", "xM1.5 11l3 .5.5 3-1.5.5-2.5-2.5z"],
   trident: ["mM4 12.5l7.5-7.5L13 6.5 5.5 14z", "lM9 2l1.5 0V5h1L13 2h1.5v1.5L11.5 6l.5 1h2.5V8.5L11 9 7.5 5.5z"],
-  tool: ["mM12.5 2l1.5 1.5L8.5 9 7 7.5zM3.5 2L2 3.5 7.5 9 9 7.5z", "eM5 9.5a2.5 2.5 0 110 5 2.5 2.5 0 010-5zM11 9.5a2.5 2.5 0 110 5 2.5 2.5 0 010-5z", "xM5 11a1 1 0 110 2 1 1 0 010-2zM11 11a1 1 0 110 2 1 1 0 010-2z"],
   helmet: ["mM2 10C2 5 4.5 2 8 2s6 3 6 8v3h-3.5V8.5h-5V13H2z", "lM4 8c.3-2.5 1.6-4.3 3.5-4.5v1.3C6.3 5 5.5 6.3 5.3 8z", "dM2 12h3.5v1H2zM10.5 12H14v1h-3.5z"],
   chestplate: ["mM1.5 3L5.5 1.5C6 3.3 10 3.3 10.5 1.5l4 1.5.5 4.5h-3V14.5H4V7.5H1z", "lM5.5 4.5h2v5h-2z", "dM4 12.5h8v2H4zM1 6.3h3v1.2H1zM12 6.3h3v1.2h-3z"],
   leggings: ["mM3.5 1.5h9L14 15h-4L8 7l-2 8H2z", "dM3.5 1.5h9l.2 1.8H3.3z", "lM4.5 5h1.3L5 12H4z"],

@@ -3,7 +3,7 @@
 import * as api from "/api.js";
 import { plain } from "/colours.js";
 import { h, svg } from "/dom.js";
-import { picture, row } from "/items.js";
+import { picture, row, shownname } from "/items.js";
 import { t } from "/strings.js";
 import * as tooltip from "/tooltip.js";
 
@@ -79,7 +79,7 @@ export class Screen {
     }
     const held = slots.cursor[0];
     this.element.classList.toggle("holding", held !== null);
-    this.cursorname.replaceChildren(h("small", { t: "cursor" }), h("span", {}, held ? plain(held.name) : "–"));
+    this.cursorname.replaceChildren(h("small", { t: "cursor" }), h("span", {}, held ? plain(shownname(held)) : "–"));
   }
 
   drawcell({ element, item, ghost, area, slot }) {
@@ -98,7 +98,7 @@ export class Screen {
     element.replaceChildren(...parts);
     element.classList.toggle("full", Boolean(item));
     element.setAttribute("aria-label", item
-      ? `${t(area)} ${slot}: ${plain(item.name)}, ${item.count}${item.locked ? `, ${t("locked")}` : ""}`
+      ? `${t(area)} ${slot}: ${plain(shownname(item))}, ${item.count}${item.locked ? `, ${t("locked")}` : ""}`
       : `${t(area)} ${slot}: ${t("emptyslot")}`);
   }
 

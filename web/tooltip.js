@@ -2,7 +2,7 @@
 // focused one, and a long press on a touch screen.
 import { coloured } from "/colours.js";
 import { h } from "/dom.js";
-import { row } from "/items.js";
+import { row, shownname } from "/items.js";
 import { t } from "/strings.js";
 
 const box = h("div", { class: "tooltip", id: "tooltip", role: "tooltip", hidden: true });
@@ -14,7 +14,7 @@ function fill(item) {
   if (durability > 0) notes.push(t("wear", { left: durability - item.damage, all: durability }));
   if (item.locked) notes.push(t("locked"));
   box.replaceChildren(
-    h("div", { class: item.shines ? "itemname shines" : "itemname" }, coloured(item.name || item.item)),
+    h("div", { class: item.shines ? "itemname shines" : "itemname" }, coloured(shownname(item))),
     ...item.lore.map((line) => h("div", { class: "lore" }, coloured(line))),
     h("div", { class: "notes" }, notes.join("  ·  ")));
 }
@@ -49,4 +49,4 @@ export function hide() {
 }
 
 export const shownfor = () => owner;
-addEventListener("scroll", hide, { passive: true, capture: true });
+addEventListener("scroll", (event) => event.target.contains(owner) && hide(), { passive: true, capture: true });

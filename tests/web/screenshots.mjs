@@ -1,0 +1,129 @@
+// Takes the pictures of docs/screenshots: the page in its main states, played by hand like the tests do.
+import { mkdir } from "node:fs/promises";
+import path from "node:path";
+import { fileURLToPath } from "node:url";
+
+import { joins, Player, startbrowser, startserver } from "./stage.mjs";
+
+const folder = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../../docs/screenshots");
+await mkdir(folder, { recursive: true });
+
+// The market refuses who comes back too fast, and a picture of a sale should not show that.
+const personspace = 3000;
+const wide = { width: 1360, height: 860 }, phone = { width: 390, height: 844 };
+async function opensgoods(player) {
+  await player.types("ordomart buy");
+  await player.card.locator('.slot-inventory.full [class~="shine"]').first().waitFor();
+}
+
+// One page in one look; `play(page, shot)` plays it and takes the pictures.
+async function scene(browser, server, { viewport = wide, colorScheme = "light", locale = "en-GB", hasTouch = false }, play) {
+  const context = await browser.newContext({ viewport, colorScheme, locale, hasTouch, reducedMotion: "reduce", deviceScaleFactor: viewport === phone ? 2 : 1 });
+  const page = await context.newPage();
+  await page.goto(server.address);
+  await play(page, async (name) => {
+    await page.evaluate(() => document.fonts.ready);
+    await page.screenshot({ path: path.join(folder, `${name}.png`) });
+  });
+  await context.close();
+  for (const { name, joined } of (await server.call("GET", "/api/players")).players)
+    if (joined) await server.call("DELETE", `/api/players/${encodeURIComponent(name)}`);
+}
+
+const looksatgoods = (name) => async (page, shot) => {
+  await page.locator("[data-action=first]").click();
+  const alice = new Player(page, "Alice");
+  await alice.card.waitFor();
+  await opensgoods(alice);
+  await alice.slot("inventory", 24).hover();
+  await page.locator(".tooltip").waitFor();
+  await shot(name);
+};
+
+const scenes = [
+  [{}, async (page, shot) => {
+    await page.locator(".empty").waitFor();
+    await shot("start");
+    await page.locator("[data-t=joinother]").click();
+    await page.locator("dialog.join").waitFor();
+    await shot("join");
+  }],
+  [{}, looksatgoods("goods-light")],
+  [{ colorScheme: "dark" }, looksatgoods("goods-dark")],
+  [{}, async (page, shot) => {
+    const alice = await joins(page, { name: "Alice" });
+    await alice.types("ordomart formmenu");
+    await alice.asked("Main menu");
+    await shot("form-menu");
+    await alice.chooses(/Selling/);
+    await alice.asked("Orchard apples");
+    await shot("form-goods");
+    await alice.form.getByRole("button", { name: "Close" }).click();
+    await alice.asked("Main menu");
+    await alice.form.getByRole("button", { name: "Close" }).click();
+    await alice.form.waitFor({ state: "detached" });
+    await alice.types("ordomart filter");
+    await alice.form.locator("form").waitFor();
+    await shot("form-filter");
+  }],
+  [{ viewport: { width: 1360, height: 1060 } }, async (page, shot) => {
+    const alice = await joins(page, { name: "Alice" }), rosa = await joins(page, { name: "Rosa" });
+    await rosa.money.waitFor();
+    const before = await rosa.money.getAttribute("data-amount");
+    await opensgoods(alice);
+    await alice.slot("inventory", 9).click();
+    await alice.asked("Purchase goods");
+    await alice.form.locator("input").fill("12");
+    await shot("sale-asked");
+    await page.waitForTimeout(personspace);
+    await alice.form.locator("button.main").click();
+    await page.locator(`[data-player=Rosa] .money:not([data-amount="${before}"])`).waitFor();
+    await alice.card.locator(".slot-inventory.full").first().waitFor();
+    await shot("sale-done");
+  }],
+  [{ colorScheme: "dark", viewport: { width: 1500, height: 900 } }, async (page, shot) => {
+    await page.locator("[data-t=operator]").first().click();
+    const greta = await joins(page, { name: "Greta", permission: "2" });
+    await opensgoods(greta);
+    await page.getByRole("tab", { name: "Give" }).click();
+    await page.getByRole("searchbox").fill("wo");
+    await page.locator('[data-item="minecraft:wool"]').click();
+    await shot("operator-give");
+    await page.getByRole("tab", { name: "Log" }).click();
+    await page.getByRole("button", { name: "Clear" }).click();  // the start names the directory of the day
+    const rosa = await joins(page, { name: "Rosa" });
+    await opensgoods(rosa);
+    await page.locator(".logline", { hasText: "query" }).waitFor();
+    await shot("operator-log");
+    await page.getByRole("tab", { name: "Players" }).click();
+    await page.locator("[data-row=Rosa]").waitFor();
+    await shot("operator-players");
+  }],
+  [{ viewport: phone, hasTouch: true }, async (page, shot) => {
+    const dora = await joins(page, { name: "Dora", device: "touch" });
+    await opensgoods(dora);
+    await dora.slot("inventory", 9).tap();
+    await page.locator(".tooltip").waitFor();
+    await shot("phone-goods");
+    await dora.slot("inventory", 9).dblclick();
+    await dora.asked("Purchase goods");
+    await dora.form.scrollIntoViewIfNeeded();
+    await shot("phone-form");
+  }],
+  [{ locale: "zh-CN", colorScheme: "dark" }, async (page, shot) => {
+    const lan = await joins(page, { name: "Lan", language: "zh_CN" });
+    await opensgoods(lan);
+    await lan.slot("inventory", 9).click();
+    await lan.form.waitFor();
+    await lan.form.locator("input").fill("5");
+    await shot("chinese");
+  }],
+];
+
+const server = await startserver(), browser = await startbrowser();
+try {
+  for (const [look, play] of scenes) await scene(browser, server, look, play);
+} finally {
+  await browser.close();
+  await server.stop();
+}

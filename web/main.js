@@ -1,0 +1,232 @@
+// The page: its head, the players' cards, the operator's side, and the one stream that feeds them all.
+import * as api from "/api.js";
+import { Card } from "/card.js";
+import { calmly, h, relabel, select, setlabel } from "/dom.js";
+import * as items from "/items.js";
+import { joindialogue, joinfirst } from "/join.js";
+import { notice } from "/notices.js";
+import { Operator } from "/operator.js";
+import { remember, remembered, token } from "/settings.js";
+import { audible, setaudible } from "/sounds.js";
+import { Stream } from "/stream.js";
+import { language, setlanguage, t } from "/strings.js";
+
+const firstname = "Alice";
+const informpause = 250, informevery = 5000;
+
+const cards = new Map();
+let known = [];  // the players as last read
+let operator = null;
+const cardplace = h("div", { class: "cards" });
+const empty = emptystate();
+const status = h("span", { class: "connection", role: "status" });
+const stream = new Stream({ event: onevent, state: onstate });
+
+// ---- the cards
+
+function streamquery() {
+  const query = new URLSearchParams();
+  for (const name of cards.keys()) query.append("player", name);
+  // What every card has already is not sent again.
+  query.set("heard", String(Math.min(...[...cards.values()].map((card) => card.heard), Number.MAX_SAFE_INTEGER)));
+  query.set("log", "1");
+  query.set("after", String(operator.log.last));
+  return query;
+}
+
+const listen = calmly(30, () => stream.open(streamquery));
+
+async function opencard(name) {
+  if (cards.has(name)) return cards.get(name).element.scrollIntoView({ block: "nearest" });
+  try {
+    const [picture] = await Promise.all([api.look(name), readplayers()]);
+    addcard(name, picture);
+  } catch (error) {
+    notice(error);
+  }
+}
+
+function addcard(name, picture) {
+  const player = known.find((one) => one.name === name);
+  if (!player || cards.has(name)) return;
+  const card = new Card(player, { hide: (one) => dropcard(one.player.name), leave: leavecard });
+  cards.set(name, card);
+  card.begin(picture);
+  card.inform(player);
+  cardplace.append(card.element);
+  arrange();
+  listen();
+}
+
+function leavecard(card) {
+  api.leave(card.player.name).catch(notice);  // the stream tells when he has gone
+}
+
+function dropcard(name) {
+  cards.get(name)?.element.remove();
+  if (cards.delete(name)) listen();
+  arrange();
+}
+
+function arrange() {
+  empty.hidden = cards.size > 0;
+  cardplace.dataset.count = String(Math.min(cards.size, 3));
+  remember("open", [...cards.keys()]);
+}
+
+// ---- what the server tells
+
+const handlers = {
+  server(state) {
+    operator.time.draw(state);
+    inform();
+  },
+  client: ({ player, state }) => cards.get(player)?.draw(state),
+  patch({ player, patch }) {
+    cards.get(player)?.patch(patch);
+    inform();
+  },
+  heard({ player, number, what }) {
+    cards.get(player)?.hear(number, what, true);
+    inform();
+  },
+  gone: ({ player }) => dropcard(player),
+  log: (lines) => operator.log.add(lines),
+};
+
+function onevent(event, data) {
+  const begun = performance.now();
+  try {
+    handlers[event]?.(data);
+  } catch (error) {
+    // A picture that went astray is taken anew.
+    console.error(error);
+    listen();
+  }
+  performance.measure("update", { start: begun, detail: event });
+}
+
+function onstate(state) {
+  setlabel(status, "t", state);
+  status.dataset.state = state;
+  if (state === "refused") askfortoken();
+  if (state === "live") inform();
+}
+
+// Money and life are the operator's knowledge and come with no packet: they are read a little after something happened.
+async function readplayers() {
+  known = await api.players();
+  for (const player of known) cards.get(player.name)?.inform(player);
+  operator.inform(known);
+  return known;
+}
+const inform = eventually(informpause, () => readplayers().catch(() => {}));
+
+// At most once in a while, and always once after the last call.
+function eventually(pause, work) {
+  let waiting = false;
+  return () => {
+    if (waiting) return;
+    waiting = true;
+    setTimeout(async () => {
+      waiting = false;
+      await work();
+    }, pause);
+  };
+}
+
+// ---- the page around them
+
+const joined = (name) => opencard(name);
+
+function emptystate() {
+  return h("section", { class: "empty", hidden: true },
+    h("h1", { t: "emptytitle" }), h("p", { t: "emptytext" }),
+    h("div", { class: "emptybuttons" },
+      h("button", { type: "button", class: "main big", "data-action": "first", on: { click: () => joinfirst(firstname, joined) } }, t("joinfirst", { name: firstname })),
+      h("button", { type: "button", class: "big", t: "joinother", on: { click: () => joindialogue(joined).catch(notice) } })),
+    h("ol", { class: "steps" }, h("li", { t: "first1" }), h("li", { t: "first2" }), h("li", { t: "first3" })));
+}
+
+function settheme(theme) {
+  remember("theme", theme);
+  if (theme === "auto") delete document.documentElement.dataset.theme;
+  else document.documentElement.dataset.theme = theme;
+}
+
+function changelanguage(name) {
+  setlanguage(name);
+  document.documentElement.lang = language();
+  relabel(document);
+  empty.querySelector("[data-action=first]").textContent = t("joinfirst", { name: firstname });
+  for (const option of themes.options) option.textContent = t(`theme${option.value}`);
+  for (const card of cards.values()) card.relabel();
+  operator.relabel();
+}
+
+const themes = select(["auto", "light", "dark"].map((name) => [name, t(`theme${name}`)]), remembered("theme", "auto"),
+  { tlabel: "theme", ttitle: "theme", on: { change: () => settheme(themes.value) } });
+const languages = select([["en", "English"], ["zh", "中文"]], language(),
+  { tlabel: "language", ttitle: "language", on: { change: () => changelanguage(languages.value) } });
+const sound = h("button", { type: "button", t: audible() ? "soundon" : "soundoff", "aria-pressed": String(audible()), on: { click: () => {
+  setaudible(!audible());
+  setlabel(sound, "t", audible() ? "soundon" : "soundoff");
+  sound.setAttribute("aria-pressed", String(audible()));
+} } });
+const operatorbutton = h("button", { type: "button", t: "operator", on: { click: () => showoperator(operator.element.hidden) } });
+
+function showoperator(on) {
+  operator.element.hidden = !on;
+  operatorbutton.setAttribute("aria-pressed", String(on));
+  remember("operator", on);
+}
+
+function head() {
+  return h("header", { class: "pagehead" },
+    h("div", { class: "brand" }, h("img", { src: "/favicon.svg", alt: "", width: 28, height: 28 }), h("strong", {}, "Ordomart"), h("span", { t: "playground" }), status),
+    h("nav", {}, h("button", { type: "button", class: "main", t: "addplayer", on: { click: () => joindialogue(joined).catch(notice) } }),
+      operatorbutton, sound, languages, themes));
+}
+
+function askfortoken() {
+  if (document.querySelector(".tokenpage")) return;
+  const field = h("input", { type: "text", autocomplete: "off", spellcheck: "false", tlabel: "tokenfield", tplaceholder: "tokenfield" });
+  const submit = (event) => {
+    event.preventDefault();
+    location.hash = `token=${field.value.trim().replace(/^.*token=/, "")}`;
+  };
+  document.body.replaceChildren(h("main", { class: "tokenpage" }, h("section", { class: "empty" },
+    h("h1", { t: "tokentitle" }), h("p", { t: "tokentext" }),
+    h("form", { class: "tokenform", on: { submit } }, field, h("button", { type: "submit", class: "main", t: "tokenuse" })))));
+}
+
+// The cards of those who are still here, in their old order.
+async function showagain(names) {
+  const here = new Set((await readplayers()).filter((player) => player.joined).map((player) => player.name));
+  const shown = names.filter((name) => here.has(name));
+  const pictures = await Promise.all(shown.map((name) => api.look(name).catch(() => null)));  // gone just now
+  for (const [number, name] of shown.entries()) if (pictures[number]) addcard(name, pictures[number]);
+}
+
+async function begin() {
+  document.documentElement.lang = language();
+  settheme(remembered("theme", "auto"));
+  addEventListener("hashchange", () => location.reload());
+  if (token() === "") return askfortoken();
+  try {
+    await items.load();
+  } catch (error) {
+    if (error.status === 401 || error.status === 403) return askfortoken();
+    notice(error);
+    return void setTimeout(begin, 2000);
+  }
+  operator = new Operator({ players: () => known, reload: readplayers, opencard });
+  document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, empty, cardplace), operator.element));
+  showoperator(remembered("operator", false));
+  await showagain(remembered("open", []));
+  arrange();
+  listen();
+  setInterval(() => document.hidden || inform(), informevery);
+}
+
+begin().catch(notice);
