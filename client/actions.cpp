@@ -138,11 +138,11 @@ void ModelClient::move(ContainerName from, int fromslot, ContainerName to, int t
 }
 
 void ModelClient::pickcreative(std::uint32_t entry) {
-    const auto found = creativeplaces_.find(entry);
-    if (found == creativeplaces_.end()) {
+    const auto found = creative_.find(entry);
+    if (found == creative_.end()) {
         throw std::invalid_argument("the creative list has no entry " + std::to_string(entry));
     }
-    const auto& item = creative[found->second];
+    const auto& item = found->second;
     ItemStackRequest picked;
     picked.id = newrequestid();
     auto pick = actionof(ActionType::creativepick);

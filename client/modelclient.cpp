@@ -52,12 +52,8 @@ struct ModelClient::Incoming {
         for (const auto& response : p.responses) c.screen_.take(response);
     }
     static void creativecontent(ModelClient& c, CreativeContentPacket& p) {
-        c.creative.clear();
-        c.creativeplaces_.clear();
-        for (auto& entry : p.entries) {
-            c.creativeplaces_[entry.id] = c.creative.size();
-            c.creative.push_back(std::move(entry.item));
-        }
+        c.creative_.clear();
+        for (auto& entry : p.entries) c.creative_[entry.id] = std::move(entry.item);
     }
     // The screen shows no blocks.
     static void block(ModelClient&, UpdateBlockPacket&) {}
@@ -117,7 +113,9 @@ std::string ModelClient::displayname(const NetworkItem& item) const {
     const auto* display = item.userdata ? item.userdata->getCompound("display") : nullptr;
     if (display != nullptr && !display->getString("Name").empty()) return display->getString("Name");
     const auto found = names_.find(item.networkid);
-    return found != names_.end() ? found->second.displayname : std::string();
+    if (found == names_.end()) return {};
+    const auto byaux = found->second.byaux.find(item.aux);
+    return byaux != found->second.byaux.end() ? byaux->second : found->second.displayname;
 }
 
 std::vector<std::string> ModelClient::lore(const NetworkItem& item) {

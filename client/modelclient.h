@@ -13,6 +13,7 @@
 #include <string_view>
 #include <vector>
 
+#include "client/heard.h"
 #include "client/screen.h"
 #include "platform/packets/itemstackrequest.h"
 
@@ -40,6 +41,7 @@ struct ItemName {
     int maxstack = 64;
     int maxdamage = 0;
     std::string displayname;
+    std::map<std::uint32_t, std::string> byaux;  // where the name goes by the aux value
 };
 using ItemNames = std::map<std::int32_t, ItemName>;
 
@@ -74,11 +76,12 @@ public:
     [[nodiscard]] int gametype() const { return gametype_; }
 
     // ---- what it heard; the owner may clear them
-    std::vector<std::string> chat;
-    std::vector<Toast> toasts;
-    std::vector<Sound> sounds;
-    std::vector<CommandReply> replies;
-    std::vector<platform::NetworkItem> creative;  // the creative list, if it was sent
+    Heard<std::string> chat;
+    Heard<Toast> toasts;
+    Heard<Sound> sounds;
+    Heard<CommandReply> replies;
+    // The creative list by entry id, if it was sent.
+    [[nodiscard]] const std::map<std::uint32_t, platform::NetworkItem>& creative() const { return creative_; }
     struct Received {
         platform::PacketId id;
         std::string body;
@@ -129,8 +132,8 @@ private:
     std::deque<PendingForm> forms_;
     int gametype_ = 0;
     Screen screen_;
-    std::map<std::uint32_t, std::size_t> creativeplaces_;  // entry id -> place in `creative`
-    std::int32_t nextrequest_ = -1;                        // clients count down by 2
+    std::map<std::uint32_t, platform::NetworkItem> creative_;
+    std::int32_t nextrequest_ = -1;  // clients count down by 2
 };
 
 }  // namespace client

@@ -9,18 +9,27 @@
 #include "host/world/items.h"
 #include "platform/level.h"
 #include "platform/logger.h"
+#include "platform/text.h"
 
 namespace host {
 
 namespace {
 
 // The item table as the server announces it to a client that starts the game.
-client::ItemNames announceditems(const std::string& language) {
+client::ItemNames announceditems(const platform::Texts& texts, const std::string& language) {
     client::ItemNames names;
-    for (const ItemRow& row : itemtable().rows())
-        names[row.info.networkid] = {row.info.name, row.info.maxstack, row.info.maxdamage,
-                                     itemtable().gametext(row.info.descriptionid, language)};
+    for (const ItemRow& row : itemtable().rows()) {
+        auto& announced = names[row.info.networkid];
+        announced = {row.info.name, row.info.maxstack, row.info.maxdamage,
+                     texts.gametext(row.info.descriptionid, language)};
+        for (const ItemVariant& one : row.variants)
+            announced.byaux[static_cast<std::uint32_t>(one.aux)] = texts.gametext(one.descriptionid, language);
+    }
     return names;
+}
+
+std::runtime_error notjoined(const std::string& name) {
+    return std::runtime_error(fmt::format("no player \"{}\" is joined here", name));
 }
 
 }  // namespace
@@ -41,11 +50,12 @@ void Clients::join(const JoinRequest& request) {
     seat->who = request;
     // What the client says before the server has named the connection waits for it.
     auto connection = std::make_shared<std::atomic<ConnectionId>>(0);
-    seat->client = std::make_unique<client::ModelClient>(announceditems(request.language), request.devicetype != 7,
-                                                         [this, connection](std::string packet) {
-                                                             if (const ConnectionId id = *connection; id != 0)
-                                                                 server_.network().receive(id, std::move(packet));
-                                                         });
+    seat->client =
+        std::make_unique<client::ModelClient>(announceditems(*server_.services().texts, request.language),
+                                              request.devicetype != 7, [this, connection](std::string packet) {
+                                                  if (const ConnectionId id = *connection; id != 0)
+                                                      server_.network().receive(id, std::move(packet));
+                                              });
     // Seated before the first packet comes, so that a watcher finds the client whose picture it is told about.
     {
         std::lock_guard guard(lock_);
@@ -75,19 +85,20 @@ void Clients::deliver(Seat& seat, const std::string& packet) {
     } catch (const std::exception& e) {
         platform::Logger("Client").error("{} could not read a packet of the server: {}", seat.who.name, e.what());
     }
-    std::vector<std::function<void(const std::string&)>> watchers;
-    {
-        std::lock_guard guard(lock_);
-        watchers = watchers_;
-    }
-    for (const auto& watcher : watchers) watcher(seat.who.name);
+    watchers_.tell(seat.who.name);
 }
 
 void Clients::leave(const std::string& name) {
     const auto going = seat(name);
-    server_.run([&] { server_.network().leave(going->connection); });
-    std::lock_guard guard(lock_);
-    std::erase(seats_, going);
+    if (!going) throw notjoined(name);
+    server_.run([&] {
+        server_.network().leave(going->connection);
+        {
+            std::lock_guard guard(lock_);
+            std::erase(seats_, going);
+        }
+        watchers_.tell(name);
+    });
 }
 
 void Clients::leaveall() {
@@ -101,27 +112,28 @@ std::vector<JoinRequest> Clients::joined() const {
     return all;
 }
 
-bool Clients::has(const std::string& name) const {
-    std::lock_guard guard(lock_);
-    return std::ranges::any_of(seats_, [&](const auto& seat) { return seat->who.name == name; });
-}
+bool Clients::has(const std::string& name) const { return seat(name) != nullptr; }
 
 std::shared_ptr<Clients::Seat> Clients::seat(const std::string& name) const {
     std::lock_guard guard(lock_);
     const auto found = std::ranges::find_if(seats_, [&](const auto& seat) { return seat->who.name == name; });
-    if (found == seats_.end()) throw std::runtime_error(fmt::format("no player \"{}\" is joined here", name));
-    return *found;
+    return found == seats_.end() ? nullptr : *found;
+}
+
+bool Clients::look(const std::string& name, const std::function<void(client::ModelClient&)>& work) {
+    const auto held = seat(name);
+    if (!held) return false;
+    std::lock_guard guard(held->lock);
+    work(*held->client);
+    return true;
 }
 
 void Clients::with(const std::string& name, const std::function<void(client::ModelClient&)>& work) {
-    const auto held = seat(name);
-    std::lock_guard guard(held->lock);
-    work(*held->client);
+    if (!look(name, work)) throw notjoined(name);
 }
 
-void Clients::watch(std::function<void(const std::string&)> watcher) {
-    std::lock_guard guard(lock_);
-    watchers_.push_back(std::move(watcher));
+std::shared_ptr<void> Clients::watch(std::function<void(const std::string&)> watcher) {
+    return watchers_.add(std::move(watcher));
 }
 
 }  // namespace host

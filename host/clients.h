@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "client/modelclient.h"
+#include "host/core/watchers.h"
 #include "host/network/network.h"
 
 namespace host {
@@ -30,10 +31,13 @@ public:
     void leaveall();
     [[nodiscard]] std::vector<JoinRequest> joined() const;  // in order of joining
     [[nodiscard]] bool has(const std::string& name) const;
-    // Throws std::runtime_error when nobody of that name is joined here.
+    // False, and nothing is done, when nobody of that name is joined here.
+    bool look(const std::string& name, const std::function<void(client::ModelClient&)>& work);
+    // The same, where that is an error: throws std::runtime_error.
     void with(const std::string& name, const std::function<void(client::ModelClient&)>& work);
-    // Called, on the server thread and outside of the client's lock, when a client's picture may have changed.
-    void watch(std::function<void(const std::string& name)> watcher);
+    // Called, on the server thread and outside of the client's lock, when a client's picture may have changed, and when
+    // he has left, so that nobody of the name is joined any more; until the handle is dropped.
+    [[nodiscard]] std::shared_ptr<void> watch(std::function<void(const std::string& name)> watcher);
 
 private:
     struct Seat {
@@ -42,13 +46,13 @@ private:
         std::mutex lock;
         std::unique_ptr<client::ModelClient> client;
     };
-    [[nodiscard]] std::shared_ptr<Seat> seat(const std::string& name) const;
+    [[nodiscard]] std::shared_ptr<Seat> seat(const std::string& name) const;  // null when he is not joined
     void deliver(Seat& seat, const std::string& packet);
 
     Server& server_;
     mutable std::mutex lock_;
     std::vector<std::shared_ptr<Seat>> seats_;
-    std::vector<std::function<void(const std::string&)>> watchers_;
+    Watchers<std::string> watchers_;
 };
 
 }  // namespace host

@@ -2,7 +2,9 @@
 // wait are given the result.
 #include "host/server.h"
 
-#include <future>
+#include <exception>
+#include <semaphore>
+#include <utility>
 
 #include "host/core/parts.h"
 
@@ -19,18 +21,23 @@ T& open(const std::unique_ptr<T>& part) {
 // Puts a body in the mailbox and waits for its end.
 template <class Put>
 void await(const std::function<void()>& body, Put&& put) {
-    // Shared, since the waiting thread may be gone before set_value() has returned.
-    const auto done = std::make_shared<std::promise<void>>();
-    auto result = done->get_future();
-    put([done, &body] {
+    // Shared, since the waiting thread may be gone before release() has returned. The failure changes hands by the
+    // semaphore alone: the server thread has let go of it by then, and it dies with the caller.
+    struct Outcome {
+        std::binary_semaphore done{0};
+        std::exception_ptr failure;
+    };
+    const auto outcome = std::make_shared<Outcome>();
+    put([outcome, &body] {
         try {
             body();
-            done->set_value();
         } catch (...) {
-            done->set_exception(std::current_exception());
+            outcome->failure = std::current_exception();
         }
+        outcome->done.release();
     });
-    result.get();
+    outcome->done.acquire();
+    if (const auto failure = std::exchange(outcome->failure, nullptr)) std::rethrow_exception(failure);
 }
 
 }  // namespace

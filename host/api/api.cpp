@@ -137,6 +137,13 @@ ControlApi::ControlApi(Server& server, Clients& clients, ApiOptions options)
     parts.http.new_task_queue = [] { return new httplib::ThreadPool(48); };
     parts.http.set_payload_max_length(mostbody);
     parts.http.set_tcp_nodelay(true);
+    // A stop waits for so long for the connections that callers keep open.
+    parts.http.set_keep_alive_timeout(1);
+    // The library would share a port with another server of the same user, and each would get some of the calls.
+    parts.http.set_socket_options([](socket_t socket) {
+        const int yes = 1;
+        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
     parts.http.set_pre_routing_handler([&parts](const httplib::Request& request, httplib::Response& response) {
         return parts.admit(request, response) ? httplib::Server::HandlerResponse::Unhandled
                                               : httplib::Server::HandlerResponse::Handled;
@@ -174,12 +181,13 @@ ControlApi::~ControlApi() { stop(); }
 
 void ControlApi::start() {
     Parts& parts = *parts_;
-    const bool bound = parts.options.port == 0
-                           ? (parts.options.port = parts.http.bind_to_any_port(parts.options.host)) > 0
-                           : parts.http.bind_to_port(parts.options.host, parts.options.port);
-    if (!bound)
+    int& port = parts.options.port;
+    const int bound = port == 0 ? parts.http.bind_to_any_port(parts.options.host)
+                                : (parts.http.bind_to_port(parts.options.host, port) ? port : -1);
+    if (bound < 0)
         throw StartError(fmt::format("the control API cannot listen on {}:{}; is the port taken? (--api-port)",
-                                     parts.options.host, parts.options.port));
+                                     parts.options.host, port));
+    port = bound;
     parts.listener = std::thread([&parts] { parts.http.listen_after_bind(); });
     while (!parts.http.is_running()) std::this_thread::yield();
 }

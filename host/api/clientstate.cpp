@@ -38,6 +38,13 @@ platform::ItemStackRequestSlotInfo slotof(const json& slot) {
             slot.value("stackid", 0)};
 }
 
+NetworkItem resultof(const json& given) {
+    const auto stack = platform::ItemStack::create(given.at("item").get<std::string>(), given.value("count", 1),
+                                                   given.value("aux", std::int16_t{0}));
+    if (stack.isNull()) throw std::runtime_error(fmt::format("there is no item {}", given["item"].dump()));
+    return platform::tonetwork(stack);
+}
+
 }  // namespace
 
 json itemstate(const client::ModelClient& c, const NetworkItem& item) {
@@ -88,6 +95,8 @@ std::vector<platform::ItemStackRequest> requestsof(const json& requests) {
             action.type = static_cast<std::uint8_t>(actiontype(step.at("type")));
             action.amount = step.value("count", std::int8_t{0});
             action.number = step.value("entry", 0U);
+            action.times = step.value("times", std::uint8_t{1});
+            for (const json& result : step.value("results", json::array())) action.results.push_back(resultof(result));
             if (step.contains("source")) action.source = slotof(step["source"]);
             if (step.contains("destination")) action.destination = slotof(step["destination"]);
             request.actions.push_back(std::move(action));

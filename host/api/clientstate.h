@@ -14,7 +14,8 @@ namespace host {
 
 // "inventory", "hotbar", "armor", "offhand", "cursor", "createdoutput", or a number. Throws std::runtime_error.
 [[nodiscard]] platform::ContainerName containerof(const nlohmann::json& name);
-// [{"actions": [{"type": "take" or a number, "count", "source": {"container", "slot", "stackid"}, "destination"}]}]
+// [{"actions": [{"type": "take" or a number, "count", "source": {"container", "slot", "stackid"}, "destination",
+//  "entry", "results": [{"item", "count", "aux"}], "times"}]}]. Throws std::runtime_error.
 [[nodiscard]] std::vector<platform::ItemStackRequest> requestsof(const nlohmann::json& requests);
 
 }  // namespace host

@@ -26,8 +26,8 @@ std::string event(const char* name, const json& data) {
 }  // namespace
 
 EventStreams::EventStreams(Server& server, Clients& clients) : server_(server), clients_(clients) {
-    clients_.watch([this](const std::string& player) { changed(player); });
-    server_.log().watch([this](const LogLine&) { changed(); });
+    clientwatch_ = clients_.watch([this](const std::string& player) { changed(player); });
+    logwatch_ = server_.log().watch([this](const LogLine&) { changed(); });
 }
 
 void EventStreams::changed() {
@@ -37,30 +37,19 @@ void EventStreams::changed() {
 }
 
 void EventStreams::changed(const std::string& player) {
-    try {
-        listen(player);
-    } catch (const std::exception&) {
-        // Packets of a join come before the player has his seat, and one who has left will start anew.
-        std::lock_guard guard(lock_);
-        ears_.erase(player);
-    }
+    listen(player);
     std::lock_guard guard(lock_);
     changedat_[player] = ++changes_;
     wake_.notify_all();
 }
 
 void EventStreams::listen(const std::string& player) {
+    std::lock_guard listening(listening_);
     std::vector<json> fresh;
-    Ears ears;
-    {
-        std::lock_guard guard(lock_);
-        ears = ears_[player];
-    }
-    clients_.with(player, [&](client::ModelClient& c) {
-        const auto take = [&](std::size_t& seen, const auto& list, auto told) {
-            // Shorter than before: a tool has cleared the list, or the player has joined anew.
-            for (std::size_t i = seen <= list.size() ? seen : 0; i < list.size(); ++i) fresh.push_back(told(list[i]));
-            seen = list.size();
+    const bool joined = clients_.look(player, [&](client::ModelClient& c) {
+        Ears& ears = ears_[player];
+        const auto take = [&](std::uint64_t& seen, const auto& list, auto told) {
+            for (const auto& heard : list.from(std::exchange(seen, list.total()))) fresh.push_back(told(heard));
         };
         take(ears.replies, c.replies, [](const auto& r) {
             return json{{"kind", "reply"}, {"success", r.success}, {"text", r.text}};
@@ -73,8 +62,8 @@ void EventStreams::listen(const std::string& player) {
             return json{{"kind", "sound"}, {"name", s.name}, {"volume", s.volume}, {"pitch", s.pitch}};
         });
     });
+    if (!joined) ears_.erase(player);
     std::lock_guard guard(lock_);
-    ears_[player] = ears;
     for (json& what : fresh) heard_.push_back({++lastheard_, player, std::move(what)});
     while (heard_.size() > keepheard) heard_.pop_front();
 }
@@ -120,9 +109,7 @@ std::string EventStreams::next(Place& place, int milliseconds) {
         const bool first = !place.shown.contains(player);
         if (!first && !changedat.contains(player)) continue;
         json state;
-        try {
-            clients_.with(player, [&](client::ModelClient& c) { state = clientstate(c); });
-        } catch (const std::exception&) {
+        if (!clients_.look(player, [&](client::ModelClient& c) { state = clientstate(c); })) {
             if (place.shown.erase(player) > 0) out += event("gone", {{"player", player}});
             continue;
         }
@@ -133,7 +120,8 @@ std::string EventStreams::next(Place& place, int milliseconds) {
         place.shown[player] = std::move(state);
     }
     for (const Heard& one : heardafter(place.heard)) {
-        if (place.players.contains(one.player)) out += event("heard", {{"player", one.player}, {"number", one.number}, {"what", one.what}});
+        if (place.players.contains(one.player))
+            out += event("heard", {{"player", one.player}, {"number", one.number}, {"what", one.what}});
         place.heard = one.number;
     }
     if (place.log) {

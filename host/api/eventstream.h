@@ -33,7 +33,7 @@ public:
         std::set<std::string> players;
         bool log = false;
         std::uint64_t heard = 0, logline = 0;  // the last that it was sent, or that it says it has
-        std::uint64_t seen = 0;  // change counter of the last batch
+        std::uint64_t seen = 0;                // change counter of the last batch
         std::map<std::string, nlohmann::json> shown;
         nlohmann::json server;
     };
@@ -57,12 +57,14 @@ private:
     std::uint64_t changes_ = 0;
     std::map<std::string, std::uint64_t> changedat_;
     struct Ears {
-        std::size_t chat = 0, toasts = 0, sounds = 0, replies = 0;
+        std::uint64_t chat = 0, toasts = 0, sounds = 0, replies = 0;
     };
     std::map<std::string, Ears> ears_;
+    std::mutex listening_;  // held while a player is listened to, so that two threads do not tell the same twice
     std::deque<Heard> heard_;
     std::uint64_t lastheard_ = 0;
     bool stopped_ = false;
+    std::shared_ptr<void> clientwatch_, logwatch_;  // last, since they go first
 };
 
 }  // namespace host

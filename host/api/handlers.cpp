@@ -29,11 +29,17 @@ void settle(ApiCall& call) {
         call.server.run([] {});
 }
 
-json act(ApiCall& call, const std::function<void(client::ModelClient&)>& step) {
+void demandjoined(ApiCall& call) {
     if (!call.clients.has(call.player))
         throw ApiError(404, fmt::format("no player \"{}\" is joined here", call.player));
+}
+
+json act(ApiCall& call, const std::function<void(client::ModelClient&)>& step) {
+    demandjoined(call);
     call.clients.with(call.player, step);
     settle(call);
+    // What he does himself, closing a form for one, may bring no packet.
+    call.streams.changed(call.player);
     return done;
 }
 
@@ -104,8 +110,7 @@ json join(ApiCall& call) {
 }
 
 json leave(ApiCall& call) {
-    if (!call.clients.has(call.player))
-        throw ApiError(404, fmt::format("no player \"{}\" is joined here", call.player));
+    demandjoined(call);
     call.clients.leave(call.player);
     settle(call);
     call.streams.changed(call.player);
@@ -113,8 +118,7 @@ json leave(ApiCall& call) {
 }
 
 json look(ApiCall& call) {
-    if (!call.clients.has(call.player))
-        throw ApiError(404, fmt::format("no player \"{}\" is joined here", call.player));
+    demandjoined(call);
     json state;
     call.clients.with(call.player, [&](client::ModelClient& c) { state = clientstate(c); });
     json heard = json::array();
@@ -144,6 +148,22 @@ json click(ApiCall& call) {
     const auto step = steps.find(how);
     if (step == steps.end()) throw ApiError(400, "\"how\" is click, rightclick, drop or swap");
     return act(call, [&](client::ModelClient& c) { (c.*step->second)(container, slot); });
+}
+
+json getcreative(ApiCall& call) {
+    demandjoined(call);
+    json entries = json::array();
+    call.clients.with(call.player, [&](client::ModelClient& c) {
+        for (const auto& [entry, item] : c.creative())
+            entries.push_back(
+                {{"entry", entry}, {"item", c.itemname(item)}, {"aux", item.aux}, {"name", c.displayname(item)}});
+    });
+    return {{"entries", entries}};
+}
+
+json pick(ApiCall& call) {
+    const std::uint32_t entry = call.body.at("entry");
+    return act(call, [&](client::ModelClient& c) { c.pickcreative(entry); });
 }
 
 json request(ApiCall& call) {
@@ -217,6 +237,11 @@ json setalive(ApiCall& call) {
 
 json putpermission(ApiCall& call) {
     call.server.run([&] { call.server.world().setpermission(call.player, call.body.at("level")); });
+    return done;
+}
+
+json putgametype(ApiCall& call) {
+    call.server.run([&] { call.server.world().setgametype(call.player, call.body.at("gametype")); });
     return done;
 }
 
@@ -314,6 +339,8 @@ constexpr ApiRoute routes[] = {
     {"GET", "/api/players/{}", look},
     {"POST", "/api/players/{}/command", command},
     {"POST", "/api/players/{}/click", click},
+    {"GET", "/api/players/{}/creative", getcreative},
+    {"POST", "/api/players/{}/creative", pick},
     {"POST", "/api/players/{}/request", request},
     {"POST", "/api/players/{}/close", close},
     {"POST", "/api/players/{}/answer", answer},
@@ -326,6 +353,7 @@ constexpr ApiRoute routes[] = {
     {"POST", "/api/players/{}/kill", setalive<false>},
     {"POST", "/api/players/{}/revive", setalive<true>},
     {"PUT", "/api/players/{}/permission", putpermission},
+    {"PUT", "/api/players/{}/gametype", putgametype},
     {"GET", "/api/dropped", dropped},
     {"POST", "/api/ticks", ticks},
     {"POST", "/api/clock", clock},

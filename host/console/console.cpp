@@ -65,7 +65,7 @@ platform::ContainerName containername(const std::string& word) {
 Console::Console(Server& server, Clients& clients, std::ostream& out, bool colour)
     : server_(server), clients_(clients), out_(out), colour_(colour) {
     server_.log().setconsole([this](const std::string& line) { print(line); });
-    clients_.watch([this](const std::string& name) { tell(name); });
+    watch_ = clients_.watch([this](const std::string& name) { tell(name); });
 }
 
 Console::~Console() { server_.log().setconsole({}); }
@@ -317,30 +317,27 @@ void Console::command(const std::string& name, const std::string& text) {
 
 void Console::tell(const std::string& name) {
     std::string text;
-    clients_.with(name, [&](client::ModelClient& c) {
+    const bool joined = clients_.look(name, [&](client::ModelClient& c) {
         Told& told = told_[name];
-        // Somebody else may have cleared a list since.
-        const auto fresh = [](std::size_t& seen, const auto& list) {
-            const std::size_t from = seen <= list.size() ? seen : 0;
-            seen = list.size();
-            return from;
+        const auto fresh = [](std::uint64_t& seen, const auto& list) {
+            return list.from(std::exchange(seen, list.total()));
         };
-        for (std::size_t i = fresh(told.replies, c.replies); i < c.replies.size(); ++i)
-            text += fmt::format("\u00a77{} >\u00a7r {}{}\u00a7r\n", name, c.replies[i].success ? "" : "\u00a7c",
-                                c.replies[i].text);
-        for (std::size_t i = fresh(told.chat, c.chat); i < c.chat.size(); ++i)
-            text += fmt::format("\u00a77{} |\u00a7r {}\u00a7r\n", name, c.chat[i]);
-        for (std::size_t i = fresh(told.toasts, c.toasts); i < c.toasts.size(); ++i)
-            text += fmt::format("\u00a77{} \u2691\u00a7r \u00a7l{}\u00a7r {}\u00a7r\n", name, c.toasts[i].title,
-                                c.toasts[i].content);
-        for (std::size_t i = fresh(told.sounds, c.sounds); i < c.sounds.size(); ++i)
-            text += fmt::format("\u00a78{} \u266a {}\u00a7r\n", name, c.sounds[i].name);
+        for (const auto& reply : fresh(told.replies, c.replies))
+            text += fmt::format("\u00a77{} >\u00a7r {}{}\u00a7r\n", name, reply.success ? "" : "\u00a7c", reply.text);
+        for (const auto& line : fresh(told.chat, c.chat))
+            text += fmt::format("\u00a77{} |\u00a7r {}\u00a7r\n", name, line);
+        for (const auto& toast : fresh(told.toasts, c.toasts))
+            text +=
+                fmt::format("\u00a77{} \u2691\u00a7r \u00a7l{}\u00a7r {}\u00a7r\n", name, toast.title, toast.content);
+        for (const auto& sound : fresh(told.sounds, c.sounds))
+            text += fmt::format("\u00a78{} \u266a {}\u00a7r\n", name, sound.name);
         if (!c.forms().empty() && c.forms().front().id != told.form) {
             told.form = c.forms().front().id;
             text += fmt::format("\u00a77{} is asked:\u00a7r\n{}\n", name,
                                 drawform(nlohmann::json::parse(c.forms().front().json)));
         }
     });
+    if (!joined) told_.erase(name);
     if (!text.empty()) print(text);
 }
 

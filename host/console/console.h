@@ -65,10 +65,11 @@ private:
     bool colour_;
     std::mutex lock_;
     struct Told {
-        std::size_t chat = 0, toasts = 0, replies = 0, sounds = 0;
+        std::uint64_t chat = 0, toasts = 0, replies = 0, sounds = 0;
         std::uint32_t form = 0;
     };
-    std::map<std::string, Told> told_;
+    std::map<std::string, Told> told_;  // the server thread's
+    std::shared_ptr<void> watch_;       // last, since it goes first
 };
 
 }  // namespace host

@@ -151,7 +151,11 @@ json typedanswer(const json& form, const std::string& typed) {
     if (kind == "modal") {
         if (typed == "1" || typed == "true" || typed == "yes") return true;
         if (typed == "0" || typed == "false" || typed == "no") return false;
-        throw std::runtime_error("answer 1, 0 or close");
+        for (const bool first : {true, false})
+            if (!typed.empty() &&
+                form.at(first ? "button1" : "button2").get<std::string>().find(typed) != std::string::npos)
+                return first;
+        throw std::runtime_error(fmt::format("there is no button \"{}\"; answer 1, 0 or close", typed));
     }
     const json& buttons = form.at("buttons");
     if (!typed.empty() && typed.find_first_not_of("0123456789") == std::string::npos && typed.size() < 6) {

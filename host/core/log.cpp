@@ -10,6 +10,7 @@
 #include <mutex>
 
 #include "host/core/logfiles.h"
+#include "host/core/watchers.h"
 
 namespace host {
 
@@ -43,7 +44,7 @@ struct Log::Parts {
     std::deque<LogLine> ring;
     std::uint64_t lastnumber = 0;
     bool closed = false;
-    std::vector<std::function<void(const LogLine&)>> watchers;
+    Watchers<LogLine> watchers;
     std::function<void(const std::string&)> console = [](const std::string& line) {
         std::cout << line + "\n" << std::flush;
     };
@@ -64,7 +65,6 @@ void Log::write(std::string_view title, platform::LogLevel level, std::string_vi
     LogLine line{
         0, timestamp(p.clock()), std::string(title), std::string(message), level, passesconsole(level, consolelevel)};
     const auto text = line.text();
-    decltype(p.watchers) watchers;
     decltype(p.console) console;
     {
         const std::lock_guard lock(p.mutex);
@@ -73,11 +73,10 @@ void Log::write(std::string_view title, platform::LogLevel level, std::string_vi
         if (p.ring.size() > mostlines) p.ring.pop_front();
         const auto& target = !file.empty() ? file : title == servertitle ? p.serverfile : p.defaultfile;
         if (!target.empty() && !p.closed) p.files.write(target, text + "\r\n");
-        watchers = p.watchers;
         if (line.onconsole && !p.quiet) console = p.console;
     }
     if (console) console(text);
-    for (const auto& watcher : watchers) watcher(line);
+    p.watchers.tell(line);
 }
 
 void Log::setDefaultFile(const std::string& path, bool append) {
@@ -105,9 +104,8 @@ std::vector<LogLine> Log::lines(std::uint64_t after) const {
     return {ring.begin() + static_cast<std::ptrdiff_t>(skip), ring.end()};
 }
 
-void Log::watch(std::function<void(const LogLine&)> watcher) {
-    const std::lock_guard lock(parts_->mutex);
-    parts_->watchers.push_back(std::move(watcher));
+std::shared_ptr<void> Log::watch(std::function<void(const LogLine&)> watcher) {
+    return parts_->watchers.add(std::move(watcher));
 }
 
 void Log::setconsole(std::function<void(const std::string&)> out) {

@@ -34,8 +34,8 @@ public:
 
     // The last lines (at most 5000 are kept) with a number above `after`. Any thread.
     [[nodiscard]] std::vector<LogLine> lines(std::uint64_t after = 0) const;
-    // Called for each line, on the thread that wrote it, outside of the log's lock.
-    void watch(std::function<void(const LogLine&)> watcher);
+    // Called for each line, on the thread that wrote it, outside of the log's lock, until the handle is dropped.
+    [[nodiscard]] std::shared_ptr<void> watch(std::function<void(const LogLine&)> watcher);
     // Where console lines go; standard output unless the console takes them.
     void setconsole(std::function<void(const std::string&)> out);
 

@@ -54,8 +54,11 @@ void welcome(platform::ServerPlayer& player, Money& money) {
 bool makedemo(const std::string& directory) {
     const fs::path data = fs::path(directory) / "plugins/Ordomart/data";
     if (fs::exists(data)) return false;
-    for (const char* folder : {"plugins/Ordomart/data", "plugins/Ordomart/log"})
-        fs::create_directories(fs::path(directory) / folder);
+    for (const char* folder : {"plugins/Ordomart/data", "plugins/Ordomart/log"}) {
+        std::error_code error;
+        fs::create_directories(fs::path(directory) / folder, error);
+        if (error) throw StartError(fmt::format("{}: the directory cannot be made: {}", directory, error.message()));
+    }
     for (const DemoOwner& owner : demoowners()) write(data / (std::string(owner.xuid) + ".json"), demoshop(owner));
     write(fs::path(directory) / markpath, {{"welcomed", json::array()}});
     return true;

@@ -6,13 +6,13 @@
 #include <string>
 
 #include "host/core/commands.h"
-#include "host/network/utf8.h"
 #include "host/server.h"
 #include "host/world/playerimpl.h"
 #include "host/world/world.h"
 #include "platform/packets/codec.h"
 #include "platform/packets/forms.h"
 #include "platform/packets/messages.h"
+#include "platform/utf8.h"
 
 namespace host {
 
@@ -22,6 +22,15 @@ namespace {
 
 constexpr std::size_t mostrequests = 64, mostactions = 256;
 constexpr std::size_t longestline = 2048, longestchat = 512;
+
+bool isutf8(std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t length = platform::utf8length(text);
+        if (length == 0) return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
 
 void demandtext(const std::string& text, std::size_t longest) {
     if (text.size() > longest) throw BadPacket(fmt::format("a text of {} bytes", text.size()));

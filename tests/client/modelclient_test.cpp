@@ -55,7 +55,7 @@ protected:
 
 private:
     static client::ItemNames names() {
-        return {{apple, {"minecraft:apple", 64, 0, "Apple"}},
+        return {{apple, {"minecraft:apple", 64, 0, "Apple", {{14, "Red Apple"}}}},
                 {book, {"minecraft:book", 64, 0, "Book"}},
                 {sign, {"minecraft:oak_sign", 16, 0, "Sign"}}};
     }
@@ -247,6 +247,8 @@ TEST_F(Talk, ContentIsTakenAsItComes) {
 TEST_F(Talk, AnItemIsReadOffItsUserData) {
     auto item = stack(apple, 1);
     EXPECT_EQ(c.displayname(item), "Apple");
+    item.aux = 14;
+    EXPECT_EQ(c.displayname(item), "Red Apple");
     EXPECT_FALSE(client::ModelClient::shines(item));
     item.userdata =
         CompoundTag::fromSNBT("{display:{Name:\"§bShop\",Lore:[\"one\",\"\"]},ench:[],\"minecraft:item_lock\":1b}");
@@ -302,7 +304,8 @@ TEST_F(Talk, HearsAndTypes) {
     tell(TextPacket{TextType::raw, false, "", "plain 100%"});
     tell(TextPacket{TextType::chat, false, "Bob", "hi"});
     tell(TextPacket{TextType::translation, true, "", "%2$s of %s, %2, %9, %%, %", {"a", "b"}});
-    EXPECT_EQ(c.chat, (std::vector<std::string>{"plain 100%", "<Bob> hi", "b of a, b, %9, %, %"}));
+    EXPECT_EQ(std::vector(c.chat.begin(), c.chat.end()),
+              (std::vector<std::string>{"plain 100%", "<Bob> hi", "b of a, b, %9, %, %"}));
     tell(ToastRequestPacket{"SYSTEM", "no"});
     EXPECT_EQ(c.toasts.at(0).content, "no");
     tell(PlaySoundPacket{"random.click", {0, 64, 0}, 1, 2});
@@ -317,6 +320,38 @@ TEST_F(Talk, HearsAndTypes) {
     EXPECT_EQ(last<CommandRequestPacket>().line, "/ordomart buy");
     c.command("/list");
     EXPECT_EQ(last<CommandRequestPacket>().line, "/list");
+}
+
+TEST(HeardLines, AreToldOnceWhateverIsDropped) {
+    client::Heard<int> heard;
+    constexpr int most = client::Heard<int>::mostkept;
+    std::vector<int> told;
+    std::uint64_t seen = 0;
+    const auto tell = [&] {
+        const auto fresh = heard.from(seen);
+        told.assign(fresh.begin(), fresh.end());
+        seen = heard.total();
+        return told.empty() ? std::pair(-1, -1) : std::pair(told.front(), told.back());
+    };
+    auto hear = [&, next = 0](int n) mutable {
+        while (n-- > 0) heard.push_back(next++);
+    };
+    EXPECT_EQ(tell(), std::pair(-1, -1));
+    hear(most);
+    EXPECT_EQ(tell(), std::pair(0, most - 1));
+    hear(3);  // the first three go
+    EXPECT_EQ(heard.size(), most);
+    EXPECT_EQ(tell(), std::pair(most, most + 2));
+    EXPECT_EQ(tell(), std::pair(-1, -1));
+    hear(1);
+    heard.clear();
+    EXPECT_EQ(tell(), std::pair(-1, -1)) << "cleared before it was told";
+    hear(2);
+    EXPECT_EQ(tell(), std::pair(most + 4, most + 5));
+    hear(most + 5);
+    EXPECT_EQ(tell(), std::pair(most + 11, 2 * most + 10)) << "the oldest went untold";
+    seen = 1'000'000;  // counted of another client
+    EXPECT_EQ(tell(), std::pair(-1, -1));
 }
 
 TEST_F(Talk, WhatItCannotReadIsAFault) {

@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include "host/core/hooks.h"
 #include "host/core/log.h"
 #include "platform/host.h"
 #include "tests/host/coretools.h"
@@ -171,33 +170,6 @@ TEST_F(CoreCommands, UsageHasALineForEachOverload) {
                                               "/mart <op: find> [kind: kind] <text: string> [tag: bool] [desc: bool]",
                                               "/mart <op: bans> <kind: kind> <who: string> [why: string] [time: int]",
                                               "/mart <boom: booms>", "/mend"));
-}
-
-// The hooks stand beside the commands: the other way in which a plug-in puts itself into the server.
-int twice(int x) { return 2 * x; }
-int plusone(int x) { return twice(x) + 1; }
-int (*original)(int) = nullptr;
-int negated(int x) { return -original(x); }
-
-TEST(CoreHooks, ATrampolineGoesToTheLastReplacementAndBack) {
-    using Function = int (*)(int);
-    {
-        host::Hooks hooks;
-        EXPECT_EQ(hooks.find("twice"), nullptr);
-        hooks.registerfunction<&twice>("twice");
-        void* target = hooks.find("twice");
-        ASSERT_NE(target, nullptr);
-        const auto call = reinterpret_cast<Function>(target);
-        EXPECT_EQ(call(5), 10);
-        void* before = nullptr;
-        EXPECT_EQ(hooks.replace(target, &before, reinterpret_cast<void*>(&plusone)), 0);
-        EXPECT_EQ(before, reinterpret_cast<void*>(&twice));
-        EXPECT_EQ(hooks.replace(target, reinterpret_cast<void**>(&original), reinterpret_cast<void*>(&negated)), 0);
-        EXPECT_EQ(call(5), -11) << "the second replacement calls the first";
-        EXPECT_EQ(hooks.current<Function>("twice")(5), -11);
-        EXPECT_NE(hooks.replace(reinterpret_cast<void*>(&twice), &before, target), 0) << "not a trampoline";
-    }
-    EXPECT_EQ(host::Trampoline<&twice>::call(5), 10) << "no replacement outlives its server";
 }
 
 }  // namespace

@@ -45,24 +45,6 @@ TEST_F(CoreLog, EachLineGoesToItsFileAtOnce) {
     EXPECT_EQ(directory.get("server.log"), "2026-01-31 12:00:00 [Server][Info] the server's own\r\n");
 }
 
-TEST_F(CoreLog, OpeningAgainAppendsUnlessToldOtherwise) {
-    EXPECT_TRUE(log.openFile("own.log", true));
-    info("one", "own.log");
-    EXPECT_TRUE(log.openFile("own.log", true));
-    info("two", "own.log");
-    EXPECT_THAT(directory.get("own.log"), testing::HasSubstr("one"));
-    EXPECT_TRUE(log.openFile("own.log", false));
-    EXPECT_EQ(directory.get("own.log"), "");
-}
-
-TEST_F(CoreLog, AFileThatCannotBeOpenedLosesItsLinesOnly) {
-    EXPECT_FALSE(log.openFile("nowhere/own.log", true));
-    EXPECT_FALSE(log.openFile("../escaped.log", true));
-    info("lost", "nowhere/own.log");
-    EXPECT_FALSE(std::filesystem::exists(directory.path / "nowhere"));
-    EXPECT_THAT(console, ElementsAre("2026-01-31 12:00:00 [Ordomart][Info] lost"));
-}
-
 TEST_F(CoreLog, AFileThatWasMovedAwayIsBegunAnew) {
     info("one", "own.log");
     std::filesystem::rename(directory.path / "own.log", directory.path / "yesterday.log");
@@ -97,7 +79,7 @@ TEST_F(CoreLog, ConsoleLevelsCountDownFromEverything) {
 
 TEST_F(CoreLog, ReadersGetTheLastLinesByNumber) {
     std::vector<std::uint64_t> watched;
-    log.watch([&](const host::LogLine& line) {
+    const auto watch = log.watch([&](const host::LogLine& line) {
         if (line.message == "{braces}") info("a watcher may log");  // and must not lock itself out
         watched.push_back(line.number);
     });

@@ -1,4 +1,4 @@
-// The turn, and the threads that take it. The stress tests find their faults under a thread sanitizer.
+// The turn: whose it is, and who has to wait. The stress test finds its faults under a thread sanitizer.
 #include "host/core/turnkeeper.h"
 
 #include <gmock/gmock.h>
@@ -6,8 +6,6 @@
 #include <atomic>
 #include <future>
 
-#include "host/core/background.h"
-#include "host/core/mailbox.h"
 #include "host/core/pacer.h"
 #include "tests/host/coretools.h"
 
@@ -72,16 +70,6 @@ TEST(CoreTurn, OneHolderAtATimeWithServerPassesInBetween) {
     EXPECT_EQ(model, 6000 + passes);
 }
 
-TEST(CoreTurn, NestingCountsPerThread) {
-    TurnKeeper turn;
-    turn.take();
-    turn.take();
-    Guest guest(turn);
-    turn.give();
-    EXPECT_FALSE(guest.had()) << "the outer turn is still held";
-    turn.give();
-}
-
 TEST(CoreTurn, NoGuestWhileATickIsNearUntilTheServerSaysSo) {
     TurnKeeper turn;
     turn.bindserver();
@@ -123,50 +111,6 @@ TEST(CoreTurn, NoGuestIsPassedOverForEver) {
     { Guest guest(turn); }  // comes back only if it had its turn
     over = true;
     greedy.join();
-}
-
-TEST(CoreBackground, WaitingEndsWhenBodiesAndQueuedWorkHaveEnded) {
-    std::atomic<int> idle = 0;
-    coretests::Complaints complaints;
-    host::BackgroundBodies background([&] { ++idle; }, complaints.complain);
-    std::promise<void> go;
-    const auto gone = go.get_future().share();
-    std::atomic<int> ended = 0;
-    auto queued = background.busy();
-    for (int i = 0; i < 3; ++i) {
-        background.start([&, gone] {
-            gone.wait();
-            background.start([&ended] { ++ended; });
-            ++ended;
-        });
-    }
-    background.start([] { throw std::runtime_error("nobody caught this"); });
-    EXPECT_GE(background.count(), 4);
-    EXPECT_EQ(idle, 0);
-    go.set_value();
-    queued.reset();
-    background.waitidle();
-    EXPECT_EQ(ended, 6);
-    EXPECT_EQ(background.count(), 0);
-    EXPECT_EQ(idle, 1);
-    EXPECT_THAT(complaints.lines, testing::ElementsAre("A background thread failed: nobody caught this"));
-}
-
-TEST(CoreMailbox, WorkArrivesInOrderAndNothingComesAfterClosing) {
-    host::Mailbox mailbox;
-    std::vector<int> done;
-    std::thread poster([&] {
-        for (int i = 0; i < 1000; ++i) mailbox.post([&done, i] { done.push_back(i); });
-    });
-    while (done.size() < 1000) {
-        EXPECT_TRUE(mailbox.wait());
-        for (const auto& work : mailbox.takework()) work();
-    }
-    poster.join();
-    EXPECT_TRUE(std::is_sorted(done.begin(), done.end()));
-    mailbox.close();
-    EXPECT_THROW(mailbox.post([] {}), std::logic_error);
-    EXPECT_THROW(mailbox.order([] {}), std::logic_error);
 }
 
 TEST(CorePacer, RefusesSpeedsThatAreNone) {

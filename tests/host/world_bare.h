@@ -2,9 +2,6 @@
 // and players whose client is a list of packets.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
@@ -17,6 +14,7 @@
 #include "platform/clock.h"
 #include "platform/host.h"
 #include "platform/logger.h"
+#include "tests/host/coretools.h"
 
 namespace bare {
 
@@ -45,11 +43,6 @@ protected:
     using ItemStack = platform::ItemStack;
 
     BareWorld() {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        directory_ = std::filesystem::path(testing::TempDir()) /
-                     (std::string("ordomart_") + info->test_suite_name() + "_" + info->name());
-        std::filesystem::remove_all(directory_);
-        std::filesystem::create_directories(directory_);
         services_.items = &host::itemtable();
         services_.log = &log;
         services_.clock = &clock_;
@@ -58,10 +51,9 @@ protected:
     ~BareWorld() override {
         world.reset();
         platform::installhost(nullptr);
-        std::filesystem::remove_all(directory_);
     }
 
-    [[nodiscard]] std::string path() const { return (directory_ / "server.sqlite").string(); }
+    [[nodiscard]] std::string path() const { return (directory_.path / "server.sqlite").string(); }
     void open() { world = std::make_unique<World>(path()); }
     void reopen() {
         world.reset();
@@ -89,7 +81,7 @@ private:
     };
     StoppedClock clock_;
     platform::Host services_;
-    std::filesystem::path directory_;
+    coretests::Directory directory_;
 };
 
 }  // namespace bare

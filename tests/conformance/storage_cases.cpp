@@ -1,0 +1,95 @@
+// Files, log files and translation tables.
+#include <thread>
+
+#include "platform/files.h"
+#include "platform/library.h"
+#include "platform/logger.h"
+#include "platform/text.h"
+#include "tests/conformance/conformance.h"
+
+namespace conformance {
+
+using Names = std::vector<std::string>;
+
+TEST_P(Conformance, FilesAreReplacedWholeReadAndListed) {
+    start();
+    platform::Files& files = *server->services().files;
+    EXPECT_TRUE(files.makeDirectory("conformance/deep/"));
+    EXPECT_TRUE(files.makeDirectory("conformance/deep"));
+    EXPECT_TRUE(files.replace("conformance/b.json", "a long first content"));
+    EXPECT_TRUE(files.replace("conformance/b.json", "0123456789"));
+    EXPECT_TRUE(files.replace("conformance/a.json", ""));
+    EXPECT_EQ(files.list("conformance/"), (Names{"a.json", "b.json"})) << "no directories, nothing left beside, sorted";
+    EXPECT_TRUE(files.list("nowhere").empty());
+
+    EXPECT_EQ(files.read("conformance/b.json"), "0123456789");
+    EXPECT_EQ(files.read("conformance/a.json"), "");
+    EXPECT_EQ(files.read("conformance/c.json"), std::nullopt);
+    EXPECT_EQ(files.read("conformance/deep"), std::nullopt);
+    EXPECT_EQ(files.readtail("conformance/b.json", 4), "6789");
+    EXPECT_EQ(files.readtail("conformance/b.json", 99), "0123456789");
+    EXPECT_EQ(files.readtail("conformance/c.json", 4), std::nullopt);
+    EXPECT_TRUE(files.exists("conformance/a.json"));
+    EXPECT_FALSE(files.exists("conformance/c.json"));
+
+    EXPECT_FALSE(files.replace("nowhere/a.json", "new"));
+    EXPECT_FALSE(files.replace("conformance/deep", "new")) << "a directory has the name";
+    EXPECT_FALSE(files.makeDirectory("conformance/a.json"));
+    EXPECT_EQ(files.list("conformance"), (Names{"a.json", "b.json"})) << "a failure leaves nothing beside";
+
+    const std::string contents[] = {std::string(200'000, 'a'), std::string(100'000, 'b')};
+    std::vector<std::thread> writers;
+    for (const auto& content : contents)
+        writers.emplace_back([&] {
+            for (int i = 0; i < 10; ++i) EXPECT_TRUE(files.replace("conformance/b.json", content));
+        });
+    for (int i = 0; i < 50; ++i) {
+        const auto seen = files.read("conformance/b.json");
+        EXPECT_TRUE(seen == "0123456789" || seen == contents[0] || seen == contents[1]);
+    }
+    for (auto& writer : writers) writer.join();
+}
+
+TEST_P(Conformance, LogLinesReachTheirFile) {
+    start();
+    platform::LogSink& log = *server->services().log;
+    EXPECT_TRUE(log.openFile("conformance.log", false));
+    log.write("Suite", platform::LogLevel::warn, "{braces}", 0, "conformance.log");
+    const auto content = server->services().files->read("conformance.log").value_or("");
+    EXPECT_TRUE(content.ends_with(" [Suite][Warn] {braces}\r\n")) << content;
+    EXPECT_FALSE(log.openFile("nowhere/conformance.log", true));
+    log.write("Suite", platform::LogLevel::warn, "lost, and nothing else happens", 0, "nowhere/conformance.log");
+    EXPECT_EQ(server->services().libraries->load("no such library"), nullptr);
+}
+
+TEST_P(Conformance, TranslationsAreCompletedAndFallBack) {
+    start();
+    platform::Files& files = *server->services().files;
+    const platform::LangData defaults = {{"en_US", {{"sell", "sell"}, {"coins", "coins"}}},
+                                         {"zh_CN", {{"sell", "出售"}}}};
+    const auto load = [&](const std::string& path) {
+        platform::I18nBase* table = nullptr;
+        server->onserver([&] { table = platform::Translation::loadI18nImpl(path, "en_US", defaults); });
+        return table;
+    };
+    ASSERT_TRUE(files.replace("own.json", R"({"en_US": {"sell": "SELL"}, "de_DE": {"sell": "verkaufen"}})"));
+    const auto* table = load("own.json");
+    ASSERT_NE(table, nullptr);
+    const struct {
+        const char *key, *locale, *text;
+    } lookups[] = {{"sell", "zh_CN", "出售"}, {"sell", "de_DE", "verkaufen"}, {"sell", "fr_FR", "SELL"},
+                   {"sell", "", "SELL"},      {"coins", "zh_CN", "coins"},    {"coins", "", "coins"},
+                   {"none", "zh_CN", "none"}};
+    for (const auto& lookup : lookups) EXPECT_EQ(table->get(lookup.key, lookup.locale), lookup.text) << lookup.locale;
+    EXPECT_NE(files.read("own.json").value_or("").find("出售"), std::string::npos) << "completed on disk";
+    EXPECT_NE(load("made/new.json"), nullptr);
+    EXPECT_TRUE(files.exists("made/new.json"));
+
+    ASSERT_TRUE(files.replace("broken.json", "{\"en_US\": {"));
+    EXPECT_EQ(load("broken.json"), nullptr);
+    EXPECT_EQ(files.read("broken.json"), "{\"en_US\": {");
+    EXPECT_EQ(table->get("sell", "de_DE"), "verkaufen") << "a table lives as long as the server";
+    EXPECT_EQ(platform::I18n::get("no.such.text", "en_US"), "no.such.text");
+}
+
+}  // namespace conformance

@@ -1,0 +1,340 @@
+// The program as a process: killed in the middle of its work, told to end, and not able to start. What is on the disk
+// afterwards is whole, and nobody has gained or lost by it.
+#include <gmock/gmock.h>
+#include <netinet/in.h>
+#include <sys/file.h>
+#include <sys/inotify.h>
+#include <sys/socket.h>
+
+#include <atomic>
+#include <random>
+#include <thread>
+
+#include "host/money.h"
+#include "host/network/network.h"
+#include "host/world/world.h"
+#include "platform/scoreboard.h"
+#include "tests/host/apicaller.h"
+#include "tests/host/manualserver.h"
+#include "tests/host/serverprocess.h"
+
+namespace {
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+constexpr const char* alice = "2535400000000001";
+constexpr int purse = 1'000'000, stock = 5000;
+
+struct Shop {
+    const char *xuid, *item;
+    int price;
+};
+constexpr Shop shops[] = {{"2535400000000002", "apple", 3},
+                          {"2535400000000003", "bread", 50},
+                          {"2535400000000004", "stick", 700},
+                          {"2535400000000005", "paper", 11000}};
+constexpr std::size_t shopcount = std::size(shops);
+using Counts = std::array<int, shopcount>;
+
+// The shop's file when so many of its goods are sold. Long, so that it takes its time to be written.
+json shopfile(const Shop& shop, int sold) {
+    const json common = {{"describe", std::string(40'000, 'd')},
+                         {"isopshop", false},
+                         {"ownerlang", "en_US"},
+                         {"ownername", ""},
+                         {"shopitemicon", ""},
+                         {"shopname", "shop"},
+                         {"shopstate", nullptr}};
+    json sell = {
+        {"biditems", nullptr},
+        {"items",
+         {{{"shopitemname", shop.item},
+           {"shopitemdescribe", ""},
+           {"shopitemtag", shop.item},
+           {"price", shop.price},
+           {"shopitemleftnum", stock - sold},
+           {"itemnbt", std::string("{Count:1b,Damage:0s,Name:\"minecraft:") + shop.item + "\",WasPickedUp:0b}"},
+           {"allowbesearched", true}}}},
+        {"salesvolume", sold * shop.price},
+        {"sellcount", sold},
+        {"shopdiscount", nullptr}};
+    json recycles = {{"recycleamount", 0}, {"recyclecost", 0}, {"recycleitems", nullptr}};
+    sell.update(common);
+    recycles.update(common);
+    return {{"sell", sell}, {"recycles", recycles}};
+}
+
+// A market on the disk, the process that runs it, and a player in it who buys.
+class HardStop : public testing::Test {
+protected:
+    static std::string pathof(const Shop& shop) { return std::string("plugins/Ordomart/data/") + shop.xuid + ".json"; }
+
+    void opens(bool withllmoney) {
+        llmoney = withllmoney;
+        bought = asked = {};
+        std::filesystem::remove_all(directory.path);
+        for (const Shop& shop : shops) directory.put(pathof(shop), shopfile(shop, 0).dump(4));
+        std::vector<std::string> arguments = {
+            directory.path.string(), "--manual", "--quiet", "--empty", "--api-port", "0", "--token", "t"};
+        if (!llmoney) arguments.emplace_back("--no-llmoney");
+        process = std::make_unique<coretests::ServerProcess>(arguments);
+        const std::string said = process->readsuntil("/#token=");
+        const auto port = said.find("127.0.0.1:");
+        ASSERT_NE(port, std::string::npos) << said << process->errors();
+        api = std::make_unique<coretests::ApiCaller>(std::stoi(said.substr(port + 10)), "t");
+
+        ASSERT_EQ(api->post("/api/players", {{"name", "Alice"}, {"xuid", alice}}).status, 200);
+        if (llmoney)
+            ASSERT_EQ(api->put("/api/players/Alice/money", {{"amount", purse}}).status, 200);
+        else
+            ASSERT_EQ(api->put("/api/players/Alice/score", {{"objective", "money"}, {"value", purse}}).status, 200);
+        ASSERT_EQ(post("command", {{"line", "ordomart formmenu"}}), 200);
+        ASSERT_TRUE(presses("Selling shops (form)"));
+    }
+    int post(const std::string& call, const json& body) { return api->post("/api/players/Alice/" + call, body).status; }
+    json form() { return api->get("/api/players/Alice").body.value("/form/json"_json_pointer, json()); }
+    // False when the server is gone.
+    bool presses(const std::string& text) {
+        const json shown = form();
+        if (!shown.is_object()) return false;
+        if (shown["type"] == "modal") return post("answer", {{"answer", shown["button1"] == text}}) == 200;
+        for (std::size_t i = 0; i < shown["buttons"].size(); ++i)
+            if (shown["buttons"][i]["text"].get<std::string>().find(text) != std::string::npos)
+                return post("answer", {{"answer", i}}) == 200;
+        ADD_FAILURE() << "no " << text << " in " << shown.dump();
+        return false;
+    }
+    // One piece, with the list of goods in front of him before and after. False when the server is gone.
+    bool buys(std::size_t number) {
+        if (!presses(shops[number].item)) return false;
+        json answer = json::array();
+        const json shown = form();
+        if (!shown.is_object()) return false;
+        for (const json& element : shown["content"]) {
+            answer.push_back(element.value("default", json()));
+            if (element["text"].get<std::string>().find("quantity") != std::string::npos) answer.back() = "1";
+        }
+        ++asked[number];
+        if (post("answer", {{"answer", answer}}) != 200) return false;
+        ++bought[number];
+        return presses("Continue");
+    }
+
+    // Every shop file holds one of the states that the shop has had.
+    Counts soldonfile() {
+        Counts sold{};
+        for (std::size_t i = 0; i < shopcount; ++i) {
+            const json file = json::parse(directory.get(pathof(shops[i])), nullptr, false);
+            sold[i] = file.value("/sell/sellcount"_json_pointer, -1);
+            EXPECT_TRUE(file == shopfile(shops[i], sold[i])) << shops[i].item << " in state " << sold[i];
+        }
+        return sold;
+    }
+    // Opens the directory again, and finds that whatever was paid for is there and no more.
+    void accountsagree(const Counts& onfile) {
+        auto options = coretests::manually(directory);
+        if (!llmoney) options.moneylibrary = "none";
+        host::Server server(options);
+        server.start();
+        server.run([&] {
+            server.network().join({.name = "Alice", .xuid = alice}, [](const std::string&) {});
+            std::int64_t worth = 0, earned = 0;
+            for (std::size_t i = 0; i < shopcount; ++i) {
+                const int has = pieces(server, shops[i].item);
+                worth += std::int64_t{has} * shops[i].price;
+                EXPECT_TRUE(bought[i] <= has && has <= asked[i]) << shops[i].item << " " << has;
+                EXPECT_LE(onfile[i], has) << "the file has sold what nobody has";
+                earned += balance(server, shops[i].xuid);
+                if (!llmoney) {
+                    EXPECT_EQ(balance(server, shops[i].xuid), std::int64_t{has} * shops[i].price) << shops[i].item;
+                }
+            }
+            const std::int64_t paid = purse - balance(server, alice);
+            EXPECT_EQ(paid, earned);
+            // Scores lie in one file with the goods. The money library has a file of its own, which may be one
+            // purchase ahead: the one that was under way.
+            std::int64_t underway = 0;
+            for (std::size_t i = 0; i < shopcount; ++i) underway += (asked[i] - bought[i]) * shops[i].price;
+            EXPECT_TRUE(paid == worth || (llmoney && paid == worth + underway)) << paid << " for " << worth;
+        });
+    }
+    static int pieces(host::Server& server, const std::string& item) {
+        int sum = 0;
+        for (int slot = 0; slot < 36; ++slot) {
+            const auto stack = server.world().item("Alice", slot);
+            if (stack.getTypeName() == "minecraft:" + item) sum += stack.getCount();
+        }
+        return sum;
+    }
+    std::int64_t balance(host::Server& server, const std::string& xuid) const {
+        if (llmoney) return host::Money(*server.services().libraries).get(xuid);
+        auto& board = server.world().scoreboard();
+        if (xuid == alice) return server.world().score("Alice", "money");
+        return board.getScoreboardId("a" + xuid).isValid() ? board.getScore("helpermoney", "a" + xuid) : 0;
+    }
+
+    coretests::Directory directory;
+    bool llmoney = true;
+    Counts bought{}, asked{};
+    std::unique_ptr<coretests::ServerProcess> process;
+    std::unique_ptr<coretests::ApiCaller> api;
+};
+
+// Kills the process at the n-th thing of a kind that happens to files of a directory.
+class Killer {
+public:
+    Killer(const coretests::ServerProcess& victim, const std::filesystem::path& directory, std::uint32_t kind,
+           std::string ending, int n)
+        : notices_(::inotify_init1(IN_CLOEXEC)), watch_(::inotify_add_watch(notices_, directory.c_str(), kind)) {
+        thread_ = std::thread([this, &victim, ending = std::move(ending), n] {
+            int left = n;
+            alignas(inotify_event) char buffer[4096];
+            while (left > 0) {
+                const auto got = ::read(notices_, buffer, sizeof buffer);
+                for (ssize_t at = 0; at < got;) {
+                    const auto* event = reinterpret_cast<const inotify_event*>(buffer + at);
+                    at += static_cast<ssize_t>(sizeof *event + event->len);
+                    if ((event->mask & IN_IGNORED) != 0) return;
+                    if (std::string_view(event->name).ends_with(ending) && --left == 0) victim.kill(SIGKILL);
+                }
+            }
+        });
+    }
+    ~Killer() {
+        ::inotify_rm_watch(notices_, watch_);  // wakes the thread, if it still waits
+        thread_.join();
+        ::close(notices_);
+    }
+
+private:
+    int notices_, watch_;
+    std::thread thread_;
+};
+
+TEST_F(HardStop, AKillInTheMiddleOfASaveStormTearsNothing) {
+    const auto data = directory.path / "plugins/Ordomart/data";
+    const struct {
+        const char* moment;
+        std::filesystem::path directory;
+        std::uint32_t kind;
+        const char* ending;
+        int most;
+        bool llmoney;
+    } rounds[] = {
+        {"a shop file is begun", data, IN_CREATE, ".part", 6, true},
+        {"it is being written", data, IN_MODIFY, ".part", 6, false},
+        {"it is written and not yet in force", data, IN_CLOSE_WRITE, ".part", 6, true},
+        {"it is in force", data, IN_MOVED_TO, ".json", 6, false},
+        {"the world is written, scores and all", directory.path, IN_MODIFY, "server.sqlite-wal", 40, false},
+        {"the world is written", directory.path, IN_MODIFY, "server.sqlite-wal", 40, true},
+        {"money is moved", directory.path, IN_MODIFY, "money.sqlite-wal", 20, true},
+    };
+    std::mt19937 random(20260131);
+    for (const auto& round : rounds) {
+        SCOPED_TRACE(round.moment);
+        opens(round.llmoney);
+        if (HasFatalFailure()) return;
+        {
+            const Killer killer(*process, round.directory, round.kind, round.ending,
+                                1 + static_cast<int>(random() % static_cast<unsigned>(round.most)));
+            bool alive = true;
+            for (int i = 0; i < 200 && alive; ++i)
+                alive = buys(random() % shopcount) && api->post("/api/ticks", {{"count", 20}}).status == 200;
+            ASSERT_FALSE(alive) << "it was never killed";
+        }
+        EXPECT_EQ(process->wait(), -SIGKILL);
+        accountsagree(soldonfile());
+    }
+}
+
+TEST_F(HardStop, ATermSignalSavesEverything) {
+    for (const bool withllmoney : {true, false}) {
+        SCOPED_TRACE(withllmoney);
+        opens(withllmoney);
+        if (HasFatalFailure()) return;
+        for (const std::size_t number : {0, 1, 1, 3}) ASSERT_TRUE(buys(number));
+        EXPECT_EQ(soldonfile(), Counts{}) << "nothing was due to be saved yet";
+        api.reset();  // a connection that is kept open would hold the end up for a second
+        process->kill(SIGTERM);
+        EXPECT_EQ(process->wait(), 0);
+        EXPECT_EQ(process->errors(), "");
+        EXPECT_EQ(soldonfile(), (Counts{1, 2, 0, 1}));
+        accountsagree(bought);
+    }
+}
+
+TEST(FailingStart, SaysWhyInOneLineAndOverwritesNothing) {
+    const int port = [] {
+        static const int taken = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        const int yes = 1;
+        ::setsockopt(taken, SOL_SOCKET, SO_REUSEPORT, &yes, sizeof yes);
+        sockaddr_in address{};
+        socklen_t length = sizeof address;
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        EXPECT_EQ(::bind(taken, reinterpret_cast<sockaddr*>(&address), length), 0);
+        EXPECT_EQ(::listen(taken, 1), 0);
+        ::getsockname(taken, reinterpret_cast<sockaddr*>(&address), &length);
+        return ntohs(address.sin_port);
+    }();
+    const std::string config = "plugins/Ordomart/config.json";
+    const struct {
+        const char* what;
+        std::string file, content, arguments, told;
+    } cases[] = {
+        {"settings cut short", config, "{\"tax\": 3,\n", "0",
+         config + ": [json.exception.parse_error.101] parse error at line 2"},
+        {"empty settings", config, "", "0", config},
+        {"a key of the wrong type", config, R"({"moneymode": 1, "tax": "much"})", "0", config + ": key \"tax\""},
+        {"a list of the wrong type", config, R"({"banshopitem": "minecraft:clock"})", "0",
+         config + ": key \"banshopitem\""},
+        {"settings that are no object", config, "[]", "0", config + ": the settings must be an object"},
+        {"a world that is none", "server.sqlite", std::string(9000, 'x'), "0", "server.sqlite: "},
+        {"money that is none", "money.sqlite", std::string(9000, 'x'), "0", "money.sqlite"},
+        {"a port that is taken", "note", "", std::to_string(port), "127.0.0.1:" + std::to_string(port)},
+        {"an address that is none", "note", "", "0 --host 203.0.113.7", "203.0.113.7:0"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        coretests::Directory directory;
+        directory.put(c.file, c.content);
+        const std::string shop = std::string("plugins/Ordomart/data/") + shops[0].xuid + ".json";
+        directory.put(shop, "{ the operator is at work here");
+        std::vector<std::string> arguments = {directory.path.string(), "--quiet", "--api-port"};
+        std::istringstream words(c.arguments);
+        for (std::string word; words >> word;) arguments.push_back(word);
+        coretests::ServerProcess process(arguments);
+        EXPECT_EQ(process.wait(), 1);
+        const std::string errors = process.errors();
+        EXPECT_THAT(errors, testing::StartsWith("ordomart-server: "));
+        EXPECT_THAT(errors, HasSubstr(c.told));
+        EXPECT_EQ(std::count(errors.begin(), errors.end(), '\n'), 1) << errors;
+        EXPECT_EQ(directory.get(c.file), c.content);
+        EXPECT_EQ(directory.get(shop), "{ the operator is at work here");
+    }
+}
+
+TEST(FailingStart, ADirectoryThatCannotBeUsedIsNamed) {
+    coretests::Directory directory;
+    directory.put("file", "precious");
+    directory.put("busy/note", "");
+    const int lock = ::open((directory.path / "busy").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(::flock(lock, LOCK_EX), 0);
+    const struct {
+        std::string path, told;
+    } cases[] = {{"file", "the directory cannot be made: Not a directory"},
+                 {"file/below", "the directory cannot be made: Not a directory"},
+                 {"busy", "another server runs in this directory"}};
+    for (const auto& c : cases)
+        for (const char* market : {"--empty", "--quiet"}) {
+            const std::string path = (directory.path / c.path).string();
+            coretests::ServerProcess process({path, "--quiet", market, "--api-port", "0"});
+            EXPECT_EQ(process.wait(), 1);
+            EXPECT_EQ(process.errors(), "ordomart-server: " + path + ": " + c.told + "\n");
+        }
+    EXPECT_EQ(directory.get("file"), "precious");
+    ::close(lock);
+}
+
+}  // namespace
