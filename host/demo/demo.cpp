@@ -9,7 +9,7 @@
 #include "host/demo/goods.h"
 #include "host/money.h"
 #include "host/server.h"
-#include "host/world/worldparts.h"
+#include "host/world/world.h"
 #include "platform/event.h"
 #include "platform/files.h"
 #include "platform/item.h"
@@ -74,7 +74,7 @@ void playdemo(Server& server) {
         return;
     }
     server.run([&] {
-        for (const DemoOwner& owner : demoowners()) server.world().parts().names.learn(owner.xuid, owner.name);
+        for (const DemoOwner& owner : demoowners()) server.world().introduce(owner.name, owner.xuid, owner.language);
     });
     services.events->listen([&server, mark](const platform::Event::PlayerJoinEvent& event) {
         const std::string& xuid = event.player->getXuid();

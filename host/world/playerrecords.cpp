@@ -103,6 +103,19 @@ PlayerRecord& PlayerRecords::enter(const JoinRequest& request) {
     return record;
 }
 
+void PlayerRecords::introduce(const std::string& name, const std::string& xuid, const std::string& language) {
+    const std::string key = playerkey(xuid, name);
+    if (find(name) != nullptr || records_.contains(key)) return;
+    PlayerRecord& record = records_[key];
+    record.key = key;
+    record.name = name;
+    record.xuid = xuid;
+    record.language = language;
+    record.position = spawn;
+    keys_[foldedname(name)] = key;
+    mark(record);
+}
+
 void PlayerRecords::mark(PlayerRecord& record) {
     record.unwritten = true;
     active_.insert(&record);

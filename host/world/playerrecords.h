@@ -42,6 +42,8 @@ public:
     // when it is above 0, so that a level given by the operator outlives a plain join. Throws std::runtime_error when
     // he is online already, when the name is another player's, or when his stored stacks are damaged.
     PlayerRecord& enter(const JoinRequest& request);
+    // Somebody who is known before he first joins. Nothing when the xuid or the name is known already.
+    void introduce(const std::string& name, const std::string& xuid, const std::string& language);
     void leave(PlayerRecord& record) { record.online = false; }
     void mark(PlayerRecord& record);  // something but his inventory has changed
 

@@ -55,6 +55,11 @@ std::vector<PlayerSummary> World::players() const {
     return all;
 }
 
+void World::introduce(const std::string& name, const std::string& xuid, const std::string& language) {
+    parts_->records.introduce(name, xuid, language);
+    if (parts_->names.fromXuid(xuid).empty()) parts_->names.learn(xuid, name);
+}
+
 std::vector<DroppedItem> World::droppeditems() const { return parts_->ground.all(); }
 
 void World::setalive(const std::string& playername, bool alive) {

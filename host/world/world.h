@@ -43,6 +43,8 @@ public:
 
     [[nodiscard]] std::vector<PlayerSummary> players() const;
     [[nodiscard]] std::vector<DroppedItem> droppeditems() const;  // in the order they fell
+    // Makes somebody known who has not joined yet, so that he can be named; nothing when he is.
+    void introduce(const std::string& name, const std::string& xuid, const std::string& language);
     // What an operator sets from outside the game; each works for players who are away too (names as known).
     // They throw std::runtime_error with a clear text.
     void setalive(const std::string& playername, bool alive);

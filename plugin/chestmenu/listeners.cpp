@@ -44,7 +44,7 @@ void BlockcontainerItemRequestListermanager::addnewblockcontainerpacketlistener(
         logger.info("warning:notemptyrecordfix tryoverwrite");
         *known = record;
     } else {
-        entries_.push_back(std::make_unique<entry>(entry{player->sessionid(), containerid, record}));
+        entries_.push_back({{player->sessionid(), containerid}, std::make_unique<ListenRecorder>(record)});
     }
     if (!config.delayopen) return;
     ordomart::later(player->sessionid(), wholeticks(config.delayticks),
@@ -55,14 +55,15 @@ void BlockcontainerItemRequestListermanager::addnewblockcontainerpacketlistener(
 
 ListenRecorder* BlockcontainerItemRequestListermanager::find(const ServerPlayer* player,
                                                              unsigned char containerid) const {
+    const menukey wanted{player->sessionid(), containerid};
     for (const auto& held : entries_)
-        if (held->is(player, containerid)) return &held->record;
+        if (held.key == wanted) return held.record.get();
     return nullptr;
 }
 
 bool BlockcontainerItemRequestListermanager::isusedbyanother(const ServerPlayer* player, BlockPos blockpos) const {
     return std::any_of(entries_.begin(), entries_.end(), [&](const auto& held) {
-        return held->record.blockpos == blockpos && held->session != player->sessionid();
+        return held.record->blockpos == blockpos && held.key.session != player->sessionid();
     });
 }
 
@@ -120,9 +121,14 @@ bool ChestInvontoryItemRequestListermanager::trylistenaction(ServerPlayer* playe
 
 bool ChestInvontoryItemRequestListermanager::runselectedaction(ServerPlayer* player, unsigned char containerid,
                                                                ItemStackRequestAction* action) {
+    if (find(player, containerid) == nullptr) {
+        logger.info("error at actioner cant't find recorder");
+        return false;
+    }
+    // Looked up once more for use. Nothing comes between the two; a log with the second line tells of a broken table.
     auto* record = find(player, containerid);
     if (record == nullptr) {
-        logger.info("error at actioner cant't find recorder");
+        logger.info("error at NULL actioner");
         return false;
     }
     bool result = false;
@@ -147,10 +153,11 @@ void ChestInvontoryItemRequestListermanager::notifycontainerclose(ServerPlayer* 
 
 bool ChestInvontoryItemRequestListermanager::removecontainerlistener(ServerPlayer* player, unsigned char,
                                                                      unsigned char containerid) {
+    const menukey wanted{player->sessionid(), containerid};
     const auto held =
-        std::find_if(entries_.begin(), entries_.end(), [&](const auto& each) { return each->is(player, containerid); });
+        std::find_if(entries_.begin(), entries_.end(), [&](const entry& each) { return each.key == wanted; });
     if (held == entries_.end()) return false;
-    recoverrawblockenvir(player, &(*held)->record);
+    recoverrawblockenvir(player, held->record.get());
     entries_.erase(held);
     return true;
 }

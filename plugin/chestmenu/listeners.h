@@ -81,16 +81,18 @@ public:
     [[nodiscard]] bool isusedbyanother(const ServerPlayer* player, BlockPos blockpos) const;
 
 protected:
-    struct entry {
+    struct menukey {
         std::uint64_t session;
         std::uint8_t containerid;
-        ListenRecorder record;
-        [[nodiscard]] bool is(const ServerPlayer* player, unsigned char id) const {
-            return containerid == id && session == player->sessionid();
-        }
+        bool operator==(const menukey&) const = default;
     };
-    // In order of insertion. A handler may open a menu, and its own record must stay where it is meanwhile.
-    std::vector<std::unique_ptr<entry>> entries_;
+    // The keys lie side by side, since every click on the server looks through them.
+    struct entry {
+        menukey key;
+        // A handler may open a menu, and its own record must stay where it is meanwhile.
+        std::unique_ptr<ListenRecorder> record;
+    };
+    std::vector<entry> entries_;  // in order of insertion
 };
 
 // The start of a mainhandler: true, with "NULL selected " told, when the player closed the screen himself.

@@ -17,23 +17,20 @@ void showpretended(ServerPlayer* player, BlockPos position, std::int8_t containe
     if (data != nullptr) sendblockdata(player, position, *data);
 }
 
-CompoundTag pairedwith(CompoundTag tag, BlockPos other) {
+void pairwith(CompoundTag& tag, BlockPos other) {
     tag.putInt("pairx", other.x);
     tag.putInt("pairz", other.z);
-    return tag;
 }
 
 void showblocks(ServerPlayer* player, const ListenRecorder& record, const blockcontainerblockconfig& blocks) {
     const auto first = record.blockpos, second = secondposition(first);
-    std::optional<CompoundTag> firsttag, secondtag;
-    if (blocks.firstblocktag) firsttag = *blocks.firstblocktag;
-    if (blocks.secondblocktag) secondtag = *blocks.secondblocktag;
-    if (blocks.pairtags && blocks.usesecond && firsttag && secondtag) {
-        firsttag = pairedwith(*firsttag, second);
-        secondtag = pairedwith(*secondtag, first);
+    auto *const firsttag = blocks.firstblocktag.get(), *const secondtag = blocks.secondblocktag.get();
+    if (blocks.pairtags && blocks.usesecond && firsttag != nullptr && secondtag != nullptr) {
+        pairwith(*firsttag, second);
+        pairwith(*secondtag, first);
     }
-    showpretended(player, first, record.containertype, firsttag ? &*firsttag : nullptr);
-    if (blocks.usesecond && secondtag) showpretended(player, second, record.containertype, &*secondtag);
+    showpretended(player, first, record.containertype, firsttag);
+    if (blocks.usesecond && secondtag != nullptr) showpretended(player, second, record.containertype, secondtag);
 }
 
 }  // namespace
@@ -75,21 +72,25 @@ namespace ordomart {
 
 using ChestInvontorymenuguihelper::listenermanager;
 
-opresult openchestmenu(ServerPlayer* player, fakechest which, std::optional<std::string> shopxuid) {
+opresult openchestmenu(ServerPlayer* player, fakechest which, std::optional<std::string> shopxuid,
+                       const containermenuguihelper::blockcontainerblockconfig& blocks) {
     if (const auto guarded = guardopening(player); guarded != opresult::opened) return guarded;
     const auto position = player->getPosition();
     const auto containerid = player->_nextContainerCounter();
     constexpr std::uint64_t paintticks = 5;
-    later(player->sessionid(), paintticks, [which, containerid, shop = std::move(shopxuid)](ServerPlayer* who) {
-        // Closed again already: what he sees by now are his real stacks.
-        if (listenermanager().find(who, containerid) == nullptr) return;
-        if (shop) getplayershopstate(who->getXuid()).viewedshopid = *shop;
-        paint(who, which);
-    });
+    // An opening that was refused has no record to be looked for, and is painted all the same.
+    const auto wasrefused = std::make_shared<bool>(false);
+    later(player->sessionid(), paintticks,
+          [which, containerid, wasrefused, shop = std::move(shopxuid)](ServerPlayer* who) {
+              // Closed again already: what he sees by now are his real stacks.
+              if (!*wasrefused && listenermanager().find(who, containerid) == nullptr) return;
+              if (shop) getplayershopstate(who->getXuid()).viewedshopid = *shop;
+              paint(who, which);
+          });
     const auto& menu = menuof(which);
-    containermenuguihelper::opencontainerlistener(listenermanager(), player, containerid,
-                                                  {player->getDimensionId(), position.toBlockPos()}, position, {},
-                                                  menu.mainhandler, menu.prehandler);
+    *wasrefused = !containermenuguihelper::opencontainerlistener(listenermanager(), player, containerid,
+                                                                 {player->getDimensionId(), position.toBlockPos()},
+                                                                 position, blocks, menu.mainhandler, menu.prehandler);
     return opresult::opened;
 }
 

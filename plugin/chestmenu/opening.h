@@ -44,7 +44,9 @@ bool openblockcontainerlistener(BlockcontainerItemRequestListermanager& manager,
 
 namespace ordomart {
 
-// What each of the thirteen openers is. A single shop's view is given its shop.
-opresult openchestmenu(ServerPlayer* player, fakechest which, std::optional<std::string> shopxuid = std::nullopt);
+// What each of the thirteen openers is. A single shop's view is given its shop. No menu stands on blocks as they are;
+// one that does brings them.
+opresult openchestmenu(ServerPlayer* player, fakechest which, std::optional<std::string> shopxuid = std::nullopt,
+                       const containermenuguihelper::blockcontainerblockconfig& blocks = {});
 
 }  // namespace ordomart

@@ -80,7 +80,8 @@ TEST_F(Wire, refusesbadnames) {
         host::JoinRequest request;
     } bad[] = {
         {"no name", {.name = ""}},
-        {"a letter of another alphabet", {.name = "Ал"}},
+        {"half a letter", {.name = "\xd0"}},
+        {"seventeen letters", {.name = "清清清清清清清清清清清清清清清清清"}},
         {"a line end", {.name = "a\nb"}},
         {"xuid of letters", {.name = "Bob", .xuid = "12a"}},
         {"endless xuid", {.name = "Bob", .xuid = std::string(400, '1')}},
@@ -94,6 +95,7 @@ TEST_F(Wire, refusesbadnames) {
         EXPECT_THROW(join(request), std::runtime_error);
     }
     EXPECT_NO_THROW(join({.name = "Bob_the 2nd", .xuid = "1002"}));
+    EXPECT_NO_THROW(join({.name = "小清", .xuid = "1003"}));
 }
 
 TEST_F(Wire, aftertheleavingnobodyislistenedto) {

@@ -1,63 +1,39 @@
 // The machinery under the menus: packet order, what is refused and what is passed on, in-place changes, and players who
 // are gone or look elsewhere by the time that a picture comes.
 #include "platform/hook.h"
+#include "platform/host.h"
 #include "platform/network.h"
-#include "platform/packets/blocks.h"
 #include "plugin/chestmenu/opening.h"
 #include "tests/market/chest_stage.h"
 
 using namespace chest;
 
-namespace {
-
-// "close open content*4 slot": what was sent, runs of the same packet counted, the rest left out.
-std::string order(const Actor& player) {
-    std::vector<std::pair<std::string, int>> runs;
-    player.look([&](client::ModelClient& c) {
-        for (const auto& packet : c.packets) {
-            const char* name = packet.id == PacketId::ContainerClose      ? "close"
-                               : packet.id == PacketId::ContainerOpen     ? "open"
-                               : packet.id == PacketId::InventoryContent  ? "content"
-                               : packet.id == PacketId::InventorySlot     ? "slot"
-                               : packet.id == PacketId::UpdateBlock       ? "block"
-                               : packet.id == PacketId::BlockActorData    ? "data"
-                               : packet.id == PacketId::SetPlayerGameType ? "gametype"
-                                                                          : "";
-            if (*name == '\0') continue;
-            if (runs.empty() || runs.back().first != name) runs.emplace_back(name, 0);
-            ++runs.back().second;
-        }
-        c.packets.clear();
-    });
-    std::string all;
-    for (const auto& [name, count] : runs)
-        all += (all.empty() ? "" : " ") + name + (count > 1 ? "*" + std::to_string(count) : "");
-    return all;
-}
-
-}  // namespace
-
 TEST(ChestMachine, AnOpeningByTheTick) {
-    Stage stage;
-    Actor& alice = stage.join("Alice", ada);
-    stage.onserver([&] { stage.server().world().setposition("Alice", {-3.5F, 64.9F, 7.0F}); });
-    records(alice);
-    alice.types("ordomart ordomenu");
-    EXPECT_EQ(order(alice), "close");
-    EXPECT_FALSE(alice.menuopen());
-    stage.ticks(1);
-    EXPECT_EQ(order(alice), "open");
-    alice.look([](client::ModelClient& c) {
-        ASSERT_TRUE(c.container());
-        EXPECT_EQ(c.container()->type, -1);
-        EXPECT_EQ(c.container()->x, -4);
-        EXPECT_EQ(c.container()->y, 64);
-        EXPECT_EQ(c.container()->z, 7);
-    });
-    stage.ticks(3);
-    EXPECT_EQ(order(alice), "");
-    stage.ticks(1);
-    EXPECT_EQ(order(alice), "content*4 slot*6");
+    const struct {
+        const char* command;
+        int device;
+        const char* painted;
+    } cases[] = {{"ordomart ordomenu", desktop, "content*4 slot*6"},
+                 {"ordomart buy", desktop, "content*5 slot*6"},  // the sign; two goods and four buttons
+                 {"ordomart buy", touch, "content*5 slot*7"},    // the sign on the cursor in front of them
+                 {"ordomart recycle", desktop, "content*5 slot*4"}};
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.command);
+        Stage stage;
+        stage.writeshop(bob, goods(2));
+        Actor& alice = stage.join("Alice", ada, "en_US", each.device);
+        records(alice);
+        alice.types(each.command);
+        EXPECT_EQ(order(alice), "close");
+        EXPECT_FALSE(alice.menuopen());
+        stage.ticks(1);
+        EXPECT_EQ(order(alice), "open");
+        EXPECT_TRUE(alice.menuopen());
+        stage.ticks(3);
+        EXPECT_EQ(order(alice), "");
+        stage.ticks(1);
+        EXPECT_EQ(order(alice), each.painted);
+    }
 }
 
 TEST(ChestMachine, TheMainMenuLeadsOnAndBackInOneContainer) {
@@ -275,96 +251,4 @@ TEST(ChestMachine, ARecordIsFoundByItsKeyAndReplacedAsAWhole) {
     const auto log = stage.log();
     EXPECT_NE(log.find("[Ordomart][info] error at actioner cant't find recorder"), std::string::npos);
     EXPECT_NE(log.find("[Ordomart][info] warning:notemptyrecordfix tryoverwrite"), std::string::npos);
-}
-
-// ---- the form that stands on blocks, which no menu asks for
-
-namespace {
-
-using containermenuguihelper::ListenRecorder;
-
-struct Blocks {
-    Stage stage;
-    Actor& alice = stage.join("Alice", ada);
-    Actor& carl = stage.join("Carl", "2535400000000003");
-    ChestInvontorymenuguihelper::ChestInvontoryItemRequestListermanager manager;
-
-    Blocks() {
-        records(alice);
-        records(carl);
-    }
-    bool opens(const Actor& who, bool isdouble, bool ready = true) {
-        bool opened = false;
-        stage.onserver([&] {
-            auto* player = stage.server().world().level().getPlayerByXuid(who.xuid());
-            if (!ready) stage.server().world().setalive(who.who().name, false);
-            containermenuguihelper::blockcontainerblockconfig blocks;
-            blocks.placefirst = true;
-            blocks.usesecond = isdouble;
-            blocks.firstblocktag = std::make_unique<platform::CompoundTag>();
-            if (isdouble) blocks.secondblocktag = std::make_unique<platform::CompoundTag>();
-            opened = containermenuguihelper::opencontainerlistener(
-                manager, player, player->_nextContainerCounter(), {0, {10, 64, -7}}, {}, blocks,
-                &containermenuguihelper::welcomehandler, &containermenuguihelper::acceptclick);
-        });
-        return opened;
-    }
-    // What the client was told of blocks: "x layer", and "x pairx pairz" for data.
-    std::string told(const Actor& who) const {
-        std::string all;
-        who.look([&](client::ModelClient& c) {
-            for (const auto& packet : c.packets) {
-                if (packet.id == PacketId::UpdateBlock) {
-                    const auto block = platform::readpacket<platform::UpdateBlockPacket>(packet.body);
-                    all += fmt::format("{} {}; ", block.position.x, block.layer);
-                } else if (packet.id == PacketId::BlockActorData) {
-                    const auto data = platform::readpacket<platform::BlockActorDataPacket>(packet.body);
-                    all += fmt::format("{} pair {} {}; ", data.position.x, data.data.getInt("pairx", -1),
-                                       data.data.getInt("pairz", -1));
-                }
-            }
-            c.packets.clear();
-        });
-        return all;
-    }
-};
-
-}  // namespace
-
-TEST(ChestBlocks, ADoubleChestIsPairedAndAPositionIsForOnePlayer) {
-    Blocks b;
-    EXPECT_FALSE(b.opens(b.alice, true, false)) << "the dead are not ready";
-    b.alice.revives().forgets();
-    EXPECT_TRUE(b.opens(b.alice, true));
-    EXPECT_EQ(b.told(b.alice), "10 1; 10 pair 11 -7; 11 1; 11 pair 10 -7; ");
-    b.alice.forgets();
-    EXPECT_FALSE(b.opens(b.carl, false));
-    EXPECT_EQ(order(b.carl), "");
-    EXPECT_TRUE(b.opens(b.alice, false)) << "the same player may";
-    EXPECT_EQ(order(b.alice), "close block data");
-    b.stage.ticks(1);
-    EXPECT_EQ(order(b.alice), "open*2");
-}
-
-TEST(ChestBlocks, TheRealBlocksComeBackOnceAskedFor) {
-    Blocks b;
-    b.stage.onserver([&] {
-        b.stage.server().world().setblock(0, {10, 64, -7}, "minecraft:stone");
-        b.stage.server().world().setblock(0, {10, 64, -7}, "minecraft:dirt", 1);
-    });
-    ListenRecorder record;
-    record.blockpos = {10, 64, -7};
-    record.dimensionid = 0;
-    record.doublecontainer = true;
-    const auto recover = [&] {
-        b.stage.onserver(
-            [&] { b.manager.recoverrawblockenvir(b.stage.server().world().level().getPlayerByXuid(ada), &record); });
-        return b.told(b.alice);
-    };
-    EXPECT_EQ(recover(), "");
-    record.restorepending = true;
-    const auto told = recover();
-    EXPECT_TRUE(told.starts_with("11 0; 11 pair -1 -1; 10 0; 10 1; ")) << told;
-    EXPECT_FALSE(record.restorepending);
-    EXPECT_EQ(recover(), "");
 }

@@ -88,6 +88,31 @@ inline void records(const Actor& player) {
     player.look([](client::ModelClient& c) { c.recordpackets = true; });
 }
 
+// "close open content*4 slot": what was sent, runs of the same packet counted, the rest left out.
+inline std::string order(const Actor& player) {
+    std::vector<std::pair<std::string, int>> runs;
+    player.look([&](client::ModelClient& c) {
+        for (const auto& packet : c.packets) {
+            const char* name = packet.id == PacketId::ContainerClose      ? "close"
+                               : packet.id == PacketId::ContainerOpen     ? "open"
+                               : packet.id == PacketId::InventoryContent  ? "content"
+                               : packet.id == PacketId::InventorySlot     ? "slot"
+                               : packet.id == PacketId::UpdateBlock       ? "block"
+                               : packet.id == PacketId::BlockActorData    ? "data"
+                               : packet.id == PacketId::SetPlayerGameType ? "gametype"
+                                                                          : "";
+            if (*name == '\0') continue;
+            if (runs.empty() || runs.back().first != name) runs.emplace_back(name, 0);
+            ++runs.back().second;
+        }
+        c.packets.clear();
+    });
+    std::string all;
+    for (const auto& [name, count] : runs)
+        all += (all.empty() ? "" : " ") + name + (count > 1 ? "*" + std::to_string(count) : "");
+    return all;
+}
+
 inline json goods(int n) {
     json all = json::array();
     for (int i = 0; i < n; ++i) all.push_back(good("apple", i + 1, 10, fmt::format("good {:02}", i)));
