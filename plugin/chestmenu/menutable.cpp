@@ -5,6 +5,7 @@
 
 #include "plugin/chestmenu/decoration.h"
 #include "plugin/chestviews/views.h"
+#include "plugin/frame/effects.h"
 
 namespace ordomart {
 
@@ -12,7 +13,7 @@ namespace {
 
 bool refuse(ServerPlayer*, ItemStackRequestAction*, ListenRecorder*) { return false; }
 
-// For the menus whose view is not there yet.
+// For the menus whose view is not there yet: nobody gets into one.
 constexpr menurow noview{&refuse, &refuse, [](ServerPlayer*) {}};
 
 // In the order of fakechest.
@@ -38,6 +39,10 @@ void paint(ServerPlayer* player, fakechest which) {
 }
 
 void switchmenu(ServerPlayer* player, ListenRecorder* record, fakechest target) {
+    if (&menuof(target) == &noview) {
+        playsound(player, "mob.villager.no");
+        return;
+    }
     paint(player, target);
     record->prehandler = menuof(target).prehandler;
     record->mainhandler = menuof(target).mainhandler;
