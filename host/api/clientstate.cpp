@@ -73,6 +73,14 @@ json clientstate(const client::ModelClient& c) {
     return state;
 }
 
+json linestate(const LogLine& line) {
+    return {{"number", line.number},
+            {"time", line.time},
+            {"title", line.title},
+            {"level", static_cast<int>(line.level)},
+            {"message", line.message}};
+}
+
 platform::ContainerName containerof(const json& name) {
     using enum platform::ContainerName;
     static const std::map<std::string, platform::ContainerName> names{

@@ -1,9 +1,10 @@
-// What a model client shows, as JSON; and back, what a caller asks it to do.
+// What a model client shows, and what else several calls tell, as JSON; and back, what a caller asks a client to do.
 #pragma once
 
 #include <nlohmann/json.hpp>
 
 #include "client/modelclient.h"
+#include "host/core/log.h"
 
 namespace host {
 
@@ -11,6 +12,18 @@ namespace host {
 //  "slots": {"inventory": [36], "armor": [4], "offhand": [1], "cursor": [1]}}; an empty slot is null.
 [[nodiscard]] nlohmann::json clientstate(const client::ModelClient& client);
 [[nodiscard]] nlohmann::json itemstate(const client::ModelClient& client, const platform::NetworkItem& item);
+
+// {"number", "time", "title", "level", "message"}
+[[nodiscard]] nlohmann::json linestate(const LogLine& line);
+// {"name", "xuid", "language", "touch", "permission"}, of whoever has these.
+template <class Who>
+[[nodiscard]] nlohmann::json whostate(const Who& who) {
+    return {{"name", who.name},
+            {"xuid", who.xuid},
+            {"language", who.language},
+            {"touch", who.devicetype != 7},
+            {"permission", who.permission}};
+}
 
 // "inventory", "hotbar", "armor", "offhand", "cursor", "createdoutput", or a number. Throws std::runtime_error.
 [[nodiscard]] platform::ContainerName containerof(const nlohmann::json& name);

@@ -78,12 +78,7 @@ std::vector<Heard> EventStreams::heardafter(std::uint64_t number) const {
 
 json EventStreams::serverstate() {
     json players = json::array();
-    for (const JoinRequest& who : clients_.joined())
-        players.push_back({{"name", who.name},
-                           {"xuid", who.xuid},
-                           {"language", who.language},
-                           {"touch", who.devicetype != 7},
-                           {"permission", who.permission}});
+    for (const JoinRequest& who : clients_.joined()) players.push_back(whostate(who));
     return {{"players", players}, {"speed", server_.speed()}, {"paused", server_.paused()}};
 }
 
@@ -129,12 +124,7 @@ std::string EventStreams::next(Place& place, int milliseconds) {
         if (!lines.empty()) place.logline = lines.back().number;
         const std::size_t from = lines.size() > mostloglines ? lines.size() - mostloglines : 0;
         json told = json::array();
-        for (std::size_t i = from; i < lines.size(); ++i)
-            told.push_back({{"number", lines[i].number},
-                            {"time", lines[i].time},
-                            {"title", lines[i].title},
-                            {"level", static_cast<int>(lines[i].level)},
-                            {"message", lines[i].message}});
+        for (std::size_t i = from; i < lines.size(); ++i) told.push_back(linestate(lines[i]));
         if (!told.empty()) out += event("log", told);
     }
     return out.empty() ? ": nothing new\n\n" : out;

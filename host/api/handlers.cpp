@@ -80,15 +80,13 @@ json getplayers(ApiCall& call) {
     json all = json::array();
     call.server.run([&] {
         Money money(*call.server.services().libraries);
-        for (const PlayerSummary& player : call.server.world().players())
-            all.push_back({{"name", player.name},
-                           {"xuid", player.xuid},
-                           {"language", player.language},
-                           {"touch", player.devicetype != 7},
-                           {"permission", player.permission},
-                           {"online", player.online},
-                           {"alive", player.alive},
-                           {"money", money.there() ? json(money.get(player.xuid)) : json(nullptr)}});
+        for (const PlayerSummary& player : call.server.world().players()) {
+            json told = whostate(player);
+            told["online"] = player.online;
+            told["alive"] = player.alive;
+            told["money"] = money.there() ? json(money.get(player.xuid)) : json(nullptr);
+            all.push_back(std::move(told));
+        }
     });
     for (json& player : all) player["joined"] = call.clients.has(player["name"]);
     return {{"players", all}};
@@ -289,12 +287,7 @@ json speed(ApiCall& call) {
 
 json readlog(ApiCall& call) {
     json lines = json::array();
-    for (const LogLine& line : call.server.log().lines(numberof(call.query("after"))))
-        lines.push_back({{"number", line.number},
-                         {"time", line.time},
-                         {"title", line.title},
-                         {"level", static_cast<int>(line.level)},
-                         {"message", line.message}});
+    for (const LogLine& line : call.server.log().lines(numberof(call.query("after")))) lines.push_back(linestate(line));
     return {{"lines", lines}};
 }
 

@@ -1,5 +1,6 @@
 #include "host/console/colours.h"
 
+#include <algorithm>
 #include <array>
 
 namespace host {
@@ -22,6 +23,14 @@ constexpr std::array codes{
     Code{'r', "\x1b[0m"},
 };
 
+// Characters that only the game's own font has.
+struct Glyph {
+    std::string_view own, terminal;
+};
+
+constexpr std::array glyphs{Glyph{"\ue04d", "\u2190 "}, Glyph{"\ue04f", " \u2192"}, Glyph{"\ue102", " coins"},
+                            Glyph{"\ue0a0", "\u2713"}, Glyph{"\ue0a1", "\u2717"}};
+
 std::string_view terminalcode(char letter) {
     for (const Code& code : codes)
         if (code.letter == letter) return code.terminal;
@@ -41,6 +50,13 @@ std::string terminaltext(std::string_view text, bool colour) {
                 coloured = true;
             }
             text.remove_prefix(sign.size() + 1);
+            continue;
+        }
+        const auto* const glyph =
+            std::ranges::find_if(glyphs, [&](const Glyph& known) { return text.starts_with(known.own); });
+        if (glyph != glyphs.end()) {
+            out += glyph->terminal;
+            text.remove_prefix(glyph->own.size());
             continue;
         }
         out += text.front();

@@ -1,4 +1,4 @@
-// The game's § codes as terminal colours.
+// The game's § codes as terminal colours, and the characters of its own font as others that a terminal has.
 #pragma once
 
 #include <string>

@@ -4,6 +4,7 @@
 
 #include "platform/files.h"
 #include "platform/host.h"
+#include "plugin/frame/config.h"
 #include "plugin/shopsystem/baseshop.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
@@ -35,18 +36,9 @@ json defaultdocument() {
     return document;
 }
 
-void makedatadirectory() {
-    if (host().files->exists(ordomart::paths::data)) return;
-    logger.warn("Can't find direct,try create:{} ", ordomart::paths::data);
-    if (host().files->makeDirectory(ordomart::paths::data))
-        logger.info("create {} success!", ordomart::paths::data);
-    else
-        logger.error("create {} error!", ordomart::paths::data);
-}
-
 json readdocument(const std::string& xuid) {
     if (xuid.empty() || xuid == "0") logger.error("use wrong nullxuid ");
-    makedatadirectory();
+    ordomart::ensuredirectory(ordomart::paths::data, LogLevel::warn);
     const auto text = host().files->read(shopfile(xuid));
     if (!text) {
         // A file that is there, but cannot be opened just now, must not be taken for a missing one and replaced.
