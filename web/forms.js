@@ -4,6 +4,7 @@ import { coloured, plain } from "/colours.js";
 import { h, select } from "/dom.js";
 import { texture } from "/items.js";
 
+const stickyheight = 70;  // what the button at the foot of a custom form covers, see forms.css
 let lastid = 0;
 const newid = () => `f${++lastid}`;
 
@@ -102,7 +103,10 @@ function walkbuttons(event, dialogue) {
   event.preventDefault();
 }
 
-// Where the keyboard should be when the form comes: its first control.
+// Where the keyboard should be when the form comes: its first control, or its head where a long text stands before that,
+// since the text is read from its beginning and a key must not change what nobody sees.
 export function focusform(dialogue) {
-  (dialogue.querySelector(".formbody :is(button, input, select)") ?? dialogue.querySelector("h3")).focus({ preventScroll: true });
+  const body = dialogue.querySelector(".formbody"), first = body.querySelector("button, input, select");
+  const seen = first && first.getBoundingClientRect().top < body.getBoundingClientRect().bottom - stickyheight;
+  (seen ? first : dialogue.querySelector("h3")).focus({ preventScroll: true });
 }

@@ -1,43 +1,16 @@
 // The page in a browser against a real server with the demo market: what a person does and sees. Waits for what is to
 // be seen, never for time.
 import assert from "node:assert/strict";
-import { after, afterEach, before, beforeEach, test } from "node:test";
+import { beforeEach, test } from "node:test";
 
-import { joins, Player, startbrowser, startserver } from "./stage.mjs";
+import { count, formof, money, moneyof, onpages, play, purse } from "./play.mjs";
+import { joins, Player } from "./stage.mjs";
 
-const owner = "Rosa", good = "Orchard apples", price = 4, purse = 5000;
+const owner = "Rosa", good = "Orchard apples", price = 4;
 
-let server, browser, context, page, errors;
-
-before(async () => {
-  server = await startserver();
-  browser = await startbrowser();
-});
-after(async () => {
-  await browser?.close();
-  await server?.stop();
-});
-beforeEach(async () => {
-  context = await browser.newContext({ locale: "en-GB", viewport: { width: 1400, height: 1000 } });
-  context.setDefaultTimeout(15000);
-  page = await context.newPage();
-  errors = [];
-  page.on("pageerror", (error) => errors.push(error.message));
-  page.on("console", (message) => message.type() === "error" && errors.push(message.text()));
-  page.on("request", (request) => new URL(request.url()).origin !== server.origin && errors.push(`a request to ${request.url()}`));
-  await page.goto(server.address);
-});
-afterEach(async () => {
-  await context.close();
-  for (const { name, joined } of (await server.call("GET", "/api/players")).players)
-    if (joined) await server.call("DELETE", `/api/players/${encodeURIComponent(name)}`);
-  assert.deepEqual(errors, []);
-});
-
-const money = (player, amount) => player.card.locator(`.money[data-amount="${amount.toLocaleString("en")}"]`).waitFor();
-const moneyof = async (name) => (await server.call("GET", `/api/players/${name}/money`)).amount;
-const count = (name, item) => server.call("GET", `/api/players/${name}/inventory`)
-  .then(({ slots }) => slots.filter((stack) => stack?.item === item).reduce((sum, stack) => sum + stack.count, 0));
+onpages();
+let server, context, page;
+beforeEach(() => ({ server, context, page } = play));
 
 test("a newcomer needs one click, and a sale is seen from both ends", async () => {
   await page.locator("[data-action=first]").click();
@@ -69,7 +42,7 @@ test("a form is filled and closed, by keyboard too", async () => {
   await ben.form.getByRole("button").nth(1).focus();
   await page.keyboard.press("Escape");
   await ben.form.waitFor({ state: "detached" });
-  assert.equal((await server.call("GET", "/api/players/Ben")).form, null);
+  assert.equal(await formof("Ben"), null);
 
   await ben.types("ordomart formmenu");
   await ben.asked(title);
@@ -197,7 +170,7 @@ test("without the token, and from a foreign page, there is nothing", async () =>
   await wrong.locator("input").fill(server.address);
   await wrong.getByRole("button").click();
   await wrong.locator("[data-action=first]").waitFor();
-  errors = errors.filter((text) => !text.includes("401"));
+  play.errors = play.errors.filter((text) => !text.includes("401"));
 
   const refused = [[{}, 401], [{ Authorization: "Bearer 0123" }, 401],
                    [{ Authorization: `Bearer ${server.token}`, Origin: "http://example.org" }, 403]];

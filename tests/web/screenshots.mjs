@@ -1,4 +1,5 @@
-// Takes the pictures of docs/screenshots: the page in its main states, played by hand like the tests do.
+// Takes the pictures of docs/screenshots: the page in its main states, played by hand like the tests do. Names of scenes
+// as arguments take only those again.
 import { mkdir } from "node:fs/promises";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
@@ -40,17 +41,17 @@ const looksatgoods = (name) => async (page, shot) => {
   await shot(name);
 };
 
-const scenes = [
-  [{}, async (page, shot) => {
+const scenes = {
+  start: [{}, async (page, shot) => {
     await page.locator(".empty").waitFor();
     await shot("start");
     await page.locator("[data-t=joinother]").click();
     await page.locator("dialog.join").waitFor();
     await shot("join");
   }],
-  [{}, looksatgoods("goods-light")],
-  [{ colorScheme: "dark" }, looksatgoods("goods-dark")],
-  [{}, async (page, shot) => {
+  light: [{}, looksatgoods("goods-light")],
+  dark: [{ colorScheme: "dark" }, looksatgoods("goods-dark")],
+  forms: [{}, async (page, shot) => {
     const alice = await joins(page, { name: "Alice" });
     await alice.types("ordomart formmenu");
     await alice.asked("Main menu");
@@ -64,9 +65,10 @@ const scenes = [
     await alice.form.waitFor({ state: "detached" });
     await alice.types("ordomart filter");
     await alice.form.locator("form").waitFor();
+    await page.mouse.move(0, 0);
     await shot("form-filter");
   }],
-  [{ viewport: { width: 1360, height: 1060 } }, async (page, shot) => {
+  sale: [{ viewport: { width: 1360, height: 1060 } }, async (page, shot) => {
     const alice = await joins(page, { name: "Alice" }), rosa = await joins(page, { name: "Rosa" });
     await rosa.money.waitFor();
     const before = await rosa.money.getAttribute("data-amount");
@@ -81,7 +83,7 @@ const scenes = [
     await alice.card.locator(".slot-inventory.full").first().waitFor();
     await shot("sale-done");
   }],
-  [{ colorScheme: "dark", viewport: { width: 1500, height: 900 } }, async (page, shot) => {
+  operator: [{ colorScheme: "dark", viewport: { width: 1500, height: 900 } }, async (page, shot) => {
     await page.locator("[data-t=operator]").first().click();
     const greta = await joins(page, { name: "Greta", permission: "2" });
     await opensgoods(greta);
@@ -99,7 +101,7 @@ const scenes = [
     await page.locator("[data-row=Rosa]").waitFor();
     await shot("operator-players");
   }],
-  [{ viewport: phone, hasTouch: true }, async (page, shot) => {
+  phone: [{ viewport: phone, hasTouch: true }, async (page, shot) => {
     const dora = await joins(page, { name: "Dora", device: "touch" });
     await opensgoods(dora);
     await dora.slot("inventory", 9).tap();
@@ -110,7 +112,7 @@ const scenes = [
     await dora.form.scrollIntoViewIfNeeded();
     await shot("phone-form");
   }],
-  [{ locale: "zh-CN", colorScheme: "dark" }, async (page, shot) => {
+  chinese: [{ locale: "zh-CN", colorScheme: "dark" }, async (page, shot) => {
     const lan = await joins(page, { name: "Lan", language: "zh_CN" });
     await opensgoods(lan);
     await lan.slot("inventory", 9).click();
@@ -118,11 +120,38 @@ const scenes = [
     await lan.form.locator("input").fill("5");
     await shot("chinese");
   }],
-];
+  recycling: [{}, async (page, shot) => {
+    const ben = await joins(page, { name: "Ben" });
+    await ben.types("ordomart search grain");
+    await ben.form.locator("select").waitFor();
+    await ben.form.locator("input[type=text]").fill("grain");
+    await ben.form.locator("select").selectOption({ label: "Recycle" });
+    await ben.form.getByRole("switch").last().check();
+    await shot("search-form");
+    await page.keyboard.press("Escape");
+    await ben.form.waitFor({ state: "detached" });
+    await ben.types("ordomart formmenu");
+    await ben.asked("Main menu");
+    await ben.chooses(/Recycle/);
+    await ben.asked("Wheat for the bakery");
+    await ben.chooses(/Wheat for the bakery/);
+    await ben.asked("Sell items");
+    await ben.form.getByRole("slider").fill("25");
+    await shot("recycle-form");
+    await ben.form.getByRole("button", { name: "Submit" }).click();
+    await ben.form.locator(".modalbuttons").waitFor();
+    await ben.card.locator('.money[data-amount="5,075"]').waitFor();
+    await shot("result-dialog");
+  }],
+};
+
+const asked = process.argv.slice(2);
+for (const name of asked) if (!(name in scenes)) throw new Error(`no scene is called ${name}: ${Object.keys(scenes).join(", ")}`);
 
 const server = await startserver(), browser = await startbrowser();
 try {
-  for (const [look, play] of scenes) await scene(browser, server, look, play);
+  for (const [name, [look, play]] of Object.entries(scenes))
+    if (asked.length === 0 || asked.includes(name)) await scene(browser, server, look, play);
 } finally {
   await browser.close();
   await server.stop();
