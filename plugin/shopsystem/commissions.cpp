@@ -46,6 +46,11 @@ commissionresult mustown(const std::string& xuid, std::int64_t needed, refusal w
     return result;
 }
 
+bool paysfee(const Player& player, const recycleshop& shop) {
+    return !isoperator(player) && shop.recycleitems.is_array() &&
+           static_cast<std::int64_t>(shop.recycleitems.size()) > ordomart::maxfreeslot;
+}
+
 void pay(const std::string& xuid, std::int64_t amount, const char* note) {
     takemoney(xuid, amount);
     writepayline(xuid, amount, "SYSTEM", note);
@@ -123,9 +128,7 @@ void finish(ServerPlayer* player, recycleshop& shop) {
 }
 
 std::int64_t publishfee(const Player& player, const recycleshop& shop) {
-    const bool extra =
-        shop.recycleitems.is_array() && static_cast<std::int64_t>(shop.recycleitems.size()) > ordomart::maxfreeslot;
-    return extra && !isoperator(player) ? ordomart::extraslotcost : 0;
+    return paysfee(player, shop) ? ordomart::extraslotcost : 0;
 }
 
 commissionresult publishcommission(ServerPlayer* player, const std::string& shopxuid, const recycleshopitem& wanted,
@@ -134,7 +137,7 @@ commissionresult publishcommission(ServerPlayer* player, const std::string& shop
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (rules.banfirst && shop.isbanned()) return refused(refusal::banned);
     const std::int64_t fee = publishfee(*player, shop);
-    if (fee != 0)
+    if (paysfee(*player, shop))
         if (const auto result = mustown(xuid, fee, refusal::feeshort); !result.ok()) return result;
     if (!rules.banfirst && shop.isbanned()) return refused(refusal::banned);
     if (!numberspass(wanted, rules.leastcount)) return refused(refusal::badnumbers);

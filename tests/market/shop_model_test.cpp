@@ -1,4 +1,4 @@
-// Prices under discounts, bans that end, and which stack a commission wants.
+// Which discounts apply and what they do to odd numbers, bans that end, and texts that are no item.
 #include <gtest/gtest.h>
 
 #include "plugin/shopsystem/itemidentity.h"
@@ -27,13 +27,7 @@ TEST(Discounts, ChangeThePriceOfTheirTag) {
         {"ends this second", 100, {live("%80")}, 80},
         {"has lapsed", 100, {live("%80", "fruit", -1)}, 100},
         {"another tag", 100, {live("%80", "")}, 100},
-        {"minus, then percent", 100, {live("-30"), live("%50")}, 35},
-        {"percent, then minus", 100, {live("%50"), live("-30")}, 20},
-        {"nothing is paid", 100, {live("%0")}, 0},
-        {"never negative", 10, {live("-50")}, 0},
-        {"dearer", 100, {live("%150")}, 150},
         {"truncated", 99, {live("%50")}, 49},
-        {"first character is the mark", 100, {live("80")}, 100},
         {"letters", 100, {live("-1x9")}, 99},
         {"wraps at 32 bits", 50000000, {live("%100")}, 7050327},
     };
@@ -87,80 +81,6 @@ TEST(Ban, TheLoadLiftsItASecondBeforeTheQuery) {
     EXPECT_TRUE(never.shopstate.is_null());
     EXPECT_FALSE(never.isbanned());
     EXPECT_EQ(never.getbanreason(), "");
-}
-
-// ---- commissions
-
-std::string sword(const std::string& data, int aux = 0, bool pickedup = false) {
-    return fmt::format("{{Count:1b,Damage:{}s,Name:\"minecraft:diamond_sword\",WasPickedUp:{}b{}}}", aux,
-                       pickedup ? 1 : 0, data.empty() ? "" : ",tag:{" + data + "}");
-}
-std::string worn(int damage) { return "Damage:" + std::to_string(damage); }
-std::string sharp(int level, const std::string& more = {}) {
-    return fmt::format("ench:[{{id:9s,lvl:{}s}}{}]", level, more);
-}
-constexpr const char* unbreaking = ",{id:17s,lvl:3s}";
-
-TEST(MatchRecycleItem, ComparesWhatTheCommissionAsksFor) {
-    const ShopHost host;
-    enum { none = 0, damage = 1, ench = 2, nbt = 4 };
-    const std::string named = "display:{Name:\"Excalibur\"}";
-    struct {
-        const char* name;
-        std::string wanted;
-        int flags;
-        std::vector<std::string> stacks;
-        std::vector<bool> match;
-    } const cases[] = {
-        {"by name alone",
-         sword(""),
-         none,
-         {sword(worn(9) + "," + sharp(5)), "{Name:\"minecraft:apple\",Count:1b}", ""},
-         {true, false, false}},
-        {"aux", sword(""), damage, {sword("", 1), sword("")}, {false, true}},
-        {"the first worn stack sets the template",
-         sword(""),
-         damage,
-         {sword(worn(5)), sword(worn(9)), sword(worn(5))},
-         {true, false, true}},
-        {"a marker in the template is none", sword(worn(-114514)), damage, {sword(worn(5)), sword("")}, {true, false}},
-        {"stored wear is asked for", sword(worn(5)), damage, {sword(worn(5)), sword("")}, {true, false}},
-        {"another item's wear is not taken on",
-         "{Name:\"minecraft:apple\",Count:1b,Damage:0s}",
-         damage,
-         {sword(worn(5)), "{Name:\"minecraft:apple\",Count:1b,Damage:0s}"},
-         {false, true}},
-        {"enchantments",
-         sword(sharp(1)),
-         ench,
-         {sword(sharp(2)), sword(sharp(1, unbreaking)), sword("")},
-         {false, true, false}},
-        {"without enchantments every sword is wanted", sword(""), ench, {sword(sharp(2))}, {true}},
-        {"the whole item",
-         sword(named),
-         nbt,
-         {sword(""), sword(named), sword(named, 0, true), sword(named, 3)},
-         {false, true, true, false}},
-        {"the whole item, wear taken on",
-         sword(""),
-         nbt | damage | ench,
-         {sword(worn(5)), sword(worn(6))},
-         {true, false}},
-    };
-    for (const auto& c : cases) {
-        const recycleshopitem wanted{.itemnbt = c.wanted,
-                                     .filterauxordamage = (c.flags & damage) != 0,
-                                     .filterench = (c.flags & ench) != 0,
-                                     .filteritemnbt = (c.flags & nbt) != 0};
-        auto templatetag = platform::CompoundTag::fromSNBT(c.wanted).value();
-        for (std::size_t i = 0; i < c.stacks.size(); ++i) {
-            auto stack = itemfromsnbt(c.stacks[i]);
-            if (c.stacks[i] == sword(worn(5))) stack.set(200);
-            std::int32_t count = -1;
-            EXPECT_EQ(matchrecycleitem(wanted, templatetag, stack, count), c.match[i]) << c.name << ", stack " << i;
-            EXPECT_EQ(count, stack.getCount()) << c.name;
-        }
-    }
 }
 
 TEST(ItemIdentity, ATextThatIsNoItemIsNoStack) {
