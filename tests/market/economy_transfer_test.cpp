@@ -198,6 +198,7 @@ TEST_F(Transfer, ScoreThatCannotBeChangedIsToldAndTheTransferGoesOn) {
     moneymode = 0;
     bind();
     tax = 5;
+    EXPECT_TRUE(ensureobjectives());
     scoremoneyname = "nowhere";
     EXPECT_TRUE(createmoneyTrans(ada, ada, 100, "note"));
     EXPECT_THAT(
