@@ -20,7 +20,7 @@ struct PlayerJoinEvent {
 };  // he is online and ready
 struct PlayerLeftEvent {
     ServerPlayer* player;
-};  // he is still online, for the last time
+};                              // he is still online, for the last time
 struct ServerStoppingEvent {};  // the last event of an orderly stop, when the players have left: time to save
 
 template <class E>
