@@ -102,7 +102,7 @@ TEST_F(ApiTest, LetsInOnlyWhoHasTheTokenAndComesFromHere) {
         int status;
     } calls[] = {
         {"nothing", "/api/players", {}, 401},
-        {"a wrong token", "/api/players", {{"Authorization", "Bearer 0" + token.substr(1)}}, 401},
+        {"a wrong token", "/api/players", {{"Authorization", "Bearer " + token.substr(1) + "x"}}, 401},
         {"a part of it", "/api/players", {{"Authorization", "Bearer " + token.substr(0, 31)}}, 401},
         {"no bearer", "/api/players", {{"Authorization", token}}, 401},
         {"an empty one", "/api/players?token=", {}, 401},

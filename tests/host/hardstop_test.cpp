@@ -93,7 +93,11 @@ protected:
         ASSERT_TRUE(presses("Selling shops (form)"));
     }
     int post(const std::string& call, const json& body) { return api->post("/api/players/Alice/" + call, body).status; }
-    json form() { return api->get("/api/players/Alice").body.value("/form/json"_json_pointer, json()); }
+    // Null when there is none, and when the server is gone.
+    json form() {
+        const json seen = api->get("/api/players/Alice").body;
+        return seen.is_object() ? seen.value("/form/json"_json_pointer, json()) : json();
+    }
     // False when the server is gone.
     bool presses(const std::string& text) {
         const json shown = form();
