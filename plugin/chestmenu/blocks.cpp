@@ -6,8 +6,8 @@
 #include "platform/host.h"
 #include "platform/level.h"
 #include "platform/packets/blocks.h"
+#include "plugin/base/globals.h"
 #include "plugin/chestmenu/templates.h"
-#include "plugin/frame/globals.h"
 
 namespace ordomart {
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "plugin/base/effects.h"
 #include "plugin/chestmenu/refresh.h"
-#include "plugin/frame/effects.h"
 
 namespace ordomart {
 
@@ -26,7 +26,7 @@ clickreading readclick(const ItemStackRequestAction& action) {
         case ContainerName::inventory:
             return {click::listed, action.source.slot};
         case ContainerName::offhand:
-            return action.source.slot == screen::offhandclick ? clickreading{click::back} : clickreading{};
+            return action.source.slot == layout::offhandclick ? clickreading{click::back} : clickreading{};
         default:
             return {};
     }
@@ -42,7 +42,7 @@ bool turnpage(const press& at, int step) {
     // Forwards there is no limit but the number's own: the button hides behind the end, a press on its place still
     // counts.
     if (step > 0 ? page < INT32_MAX : page > 0) page += step;
-    clearplayerviewcontainers(at.player, {screen::inventory});
+    clearplayerviewcontainers(at.player, {layout::inventory});
     refresh(at.view, at.player, false);
     return false;
 }

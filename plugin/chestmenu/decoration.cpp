@@ -4,8 +4,8 @@
 #include "platform/host.h"
 #include "platform/packets/containers.h"
 #include "platform/packets/messages.h"
+#include "plugin/base/language.h"
 #include "plugin/chestmenu/templates.h"
-#include "plugin/frame/language.h"
 
 namespace ordomart {
 
@@ -76,13 +76,6 @@ void falsestack::sendto(ServerPlayer* player, std::uint32_t containerid, std::ui
     sendcontainerslot(player, containerid, slot, *stack);
 }
 
-std::string getitemhovertext(const ItemStack& stack, const std::string& language) {
-    if (stack.isNull() || host().level == nullptr) return {};
-    auto text = itemhovertext(stack, language);
-    for (const auto& line : stack.getCustomLore()) text += "\n§5§o" + line + "§r";
-    return text;
-}
-
 // ---- one client's screen
 
 void sendcontainercontent(ServerPlayer* player, std::uint32_t containerid, const std::vector<ItemStack>& stacks) {
@@ -100,12 +93,12 @@ void sendplayergametype(ServerPlayer* player, int gametype) {
 }
 
 void clearplayerview(ServerPlayer* player) {
-    clearplayerviewcontainers(player, {screen::offhand, screen::armour, screen::inventory, screen::selected});
+    clearplayerviewcontainers(player, {layout::offhand, layout::armour, layout::inventory, layout::selected});
 }
 
 // More slots than some of them have, so that no client keeps one.
 void clearplayerviewcontainers(ServerPlayer* player, std::initializer_list<std::uint32_t> containerids) {
-    const std::vector<ItemStack> nothing(screen::slots);
+    const std::vector<ItemStack> nothing(layout::slots);
     for (const auto containerid : containerids) sendcontainercontent(player, containerid, nothing);
 }
 
@@ -127,13 +120,13 @@ falsestack helpsign(const ServerPlayer* player, const char* namekey, std::initia
 }  // namespace
 
 void sendhelpsign(ServerPlayer* player, const char* namekey, std::initializer_list<const char*> lorekeys) {
-    sendcontainercontent(player, screen::offhand, {*helpsign(player, namekey, lorekeys).stack});
+    sendcontainercontent(player, layout::offhand, {*helpsign(player, namekey, lorekeys).stack});
 }
 
 void setcursorsign(ServerPlayer* player, bool show) {
     const auto sign = helpsign(player, "myshop.helper1", {"myshop.returnback"});
     if (!show) sign.stack->setNull();
-    sign.sendto(player, screen::ui, screen::cursorslot);
+    sign.sendto(player, layout::ui, layout::cursorslot);
 }
 
 }  // namespace ordomart

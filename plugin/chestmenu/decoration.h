@@ -10,18 +10,18 @@
 
 #include "platform/item.h"
 #include "platform/player.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 
 // Container ids of the packets that paint the inventory screen.
-namespace screen {
+namespace layout {
 inline constexpr std::uint32_t inventory = 0, offhand = 119, armour = 120, selected = 122, ui = 124;
 inline constexpr std::uint32_t cursorslot = 0;  // of ui
 inline constexpr int slots = 36;
 inline constexpr int firstlisted = 9, lastlisted = 34;  // where goods are shown
 inline constexpr int offhandclick = 1;                  // the offhand's slot, as clicks tell it
-}  // namespace screen
+}  // namespace layout
 
 // ---- tag tree. What is missing on the way down, or is of another type, is made.
 void setitemlock(CompoundTag& item);
@@ -48,9 +48,6 @@ struct falsestack {
     void finishgood();
     void sendto(ServerPlayer* player, std::uint32_t containerid, std::uint32_t slot) const;
 };
-
-// The item's hover text in a language, with its custom lore. Empty for the null stack and without a world.
-[[nodiscard]] std::string getitemhovertext(const ItemStack& stack, const std::string& language);
 
 // ---- one client's screen
 void sendcontainercontent(ServerPlayer* player, std::uint32_t containerid, const std::vector<ItemStack>& stacks);

@@ -5,9 +5,9 @@
 #include "platform/hook.h"
 #include "platform/network.h"
 #include "platform/packets/codec.h"
+#include "plugin/base/globals.h"
+#include "plugin/base/hooking.h"
 #include "plugin/chestmenu/listeners.h"
-#include "plugin/frame/globals.h"
-#include "plugin/frame/hooking.h"
 
 namespace ordomart {
 

@@ -5,7 +5,7 @@
 #include <functional>
 
 #include "platform/player.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 

@@ -5,10 +5,10 @@
 #include <limits>
 
 #include "platform/packets/containers.h"
+#include "plugin/base/effects.h"
+#include "plugin/base/globals.h"
 #include "plugin/chestmenu/blocks.h"
 #include "plugin/chestmenu/later.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/globals.h"
 
 namespace containermenuguihelper {
 

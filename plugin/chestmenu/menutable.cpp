@@ -1,35 +1,24 @@
-// One row for each menu; the views bring theirs.
+// The table is there before the first entry: entries are made while the module loads, in no certain order.
 #include "plugin/chestmenu/menutable.h"
 
 #include <array>
 
+#include "plugin/base/effects.h"
 #include "plugin/chestmenu/decoration.h"
-#include "plugin/chestviews/views.h"
-#include "plugin/frame/effects.h"
 
 namespace ordomart {
 
 namespace {
 
-bool refuse(ServerPlayer*, ItemStackRequestAction*, ListenRecorder*) { return false; }
-
-// For the menus whose view is not there yet: nobody gets into one.
-constexpr menurow noview{&refuse, &refuse, [](ServerPlayer*) {}};
-
-// In the order of fakechest.
-constexpr std::array<const menurow*, static_cast<std::size_t>(fakechest::count)> menus = {
-    &mainmenu, &globalsellmenu, &globalrecyclemenu,
-    &noview,   &noview,         &noview,
-    &noview,   &noview,         &noview,
-    &noview,   &noview,         &noview,
-    &noview,
-};
+constinit std::array<menurow, static_cast<std::size_t>(screen::chestmenus)> menus{};
 
 }  // namespace
 
-const menurow& menuof(fakechest which) { return *menus.at(static_cast<std::size_t>(which)); }
+menuentry::menuentry(screen which, const menurow& row) { menus.at(static_cast<std::size_t>(which)) = row; }
 
-void paint(ServerPlayer* player, fakechest which) {
+const menurow& menuof(screen which) { return menus.at(static_cast<std::size_t>(which)); }
+
+void paint(ServerPlayer* player, screen which) {
     const auto& row = menuof(which);
     if (row.behind == backdrop::blank)
         clearplayerview(player);
@@ -38,8 +27,8 @@ void paint(ServerPlayer* player, fakechest which) {
     row.draw(player);
 }
 
-void switchmenu(ServerPlayer* player, ListenRecorder* record, fakechest target) {
-    if (&menuof(target) == &noview) {
+void switchmenu(ServerPlayer* player, ListenRecorder* record, screen target) {
+    if (menuof(target).draw == nullptr) {
         playsound(player, "mob.villager.no");
         return;
     }
@@ -48,7 +37,7 @@ void switchmenu(ServerPlayer* player, ListenRecorder* record, fakechest target) 
     record->mainhandler = menuof(target).mainhandler;
 }
 
-bool isinfront(ServerPlayer* player, fakechest which) {
+bool isinfront(ServerPlayer* player, screen which) {
     const auto* const record =
         ChestInvontorymenuguihelper::listenermanager().find(player, player->currentContainerCounter());
     if (record == nullptr) return false;

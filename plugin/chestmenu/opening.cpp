@@ -1,6 +1,7 @@
 // The opening routine of both forms, and the one shape of all openers.
 #include "plugin/chestmenu/opening.h"
 
+#include "platform/clock.h"
 #include "platform/packets/containers.h"
 #include "plugin/chestmenu/blocks.h"
 #include "plugin/chestmenu/later.h"
@@ -72,7 +73,25 @@ namespace ordomart {
 
 using ChestInvontorymenuguihelper::listenermanager;
 
-opresult openchestmenu(ServerPlayer* player, fakechest which, std::optional<std::string> shopxuid,
+namespace {
+
+// Readiness, then cool-down; stores the time of an opening that may go on. A refusal by cool-down is told to the
+// player.
+opresult guardopening(ServerPlayer* player) {
+    if (!player->isReadyForContainer()) return opresult::notready;
+    const std::int64_t now = unixseconds();
+    auto& last = getplayershopstate(player->getXuid()).menuopentime;
+    if (last + 1 < now) {
+        last = now;
+        return opresult::opened;
+    }
+    player->sendText(" Execution times are too frequent ");
+    return opresult::cooldown;
+}
+
+}  // namespace
+
+opresult openchestmenu(ServerPlayer* player, screen which, std::optional<std::string> shopxuid,
                        const containermenuguihelper::blockcontainerblockconfig& blocks) {
     if (const auto guarded = guardopening(player); guarded != opresult::opened) return guarded;
     const auto position = player->getPosition();

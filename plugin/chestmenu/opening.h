@@ -12,9 +12,9 @@
 #include <optional>
 #include <string>
 
+#include "plugin/base/guards.h"
 #include "plugin/chestmenu/listeners.h"
 #include "plugin/chestmenu/menutable.h"
-#include "plugin/frame/guards.h"
 
 namespace containermenuguihelper {
 
@@ -44,9 +44,9 @@ bool openblockcontainerlistener(BlockcontainerItemRequestListermanager& manager,
 
 namespace ordomart {
 
-// What each of the thirteen openers is. A single shop's view is given its shop. No menu stands on blocks as they are;
+// What each opener of a chest menu is. A single shop's view is given its shop. No menu stands on blocks as they are;
 // one that does brings them.
-opresult openchestmenu(ServerPlayer* player, fakechest which, std::optional<std::string> shopxuid = std::nullopt,
+opresult openchestmenu(ServerPlayer* player, screen which, std::optional<std::string> shopxuid = std::nullopt,
                        const containermenuguihelper::blockcontainerblockconfig& blocks = {});
 
 }  // namespace ordomart

@@ -3,8 +3,8 @@
 
 #include <fmt/format.h>
 
-#include "plugin/frame/guards.h"
-#include "plugin/frame/language.h"
+#include "plugin/base/guards.h"
+#include "plugin/base/language.h"
 
 namespace ordomart {
 
@@ -26,7 +26,7 @@ void drawpagebutton(ServerPlayer* player, falsestack& builder, const pagebutton&
     setitemname(tag, "minecraft:book");
     setshine(tag);
     builder.load();
-    builder.sendto(player, screen::inventory, static_cast<std::uint32_t>(button.slot));
+    builder.sendto(player, layout::inventory, static_cast<std::uint32_t>(button.slot));
 }
 
 void drawpagebuttons(ServerPlayer* player, falsestack& builder, std::int64_t page, std::int64_t lastpage) {
@@ -42,7 +42,7 @@ void drawbutton(ServerPlayer* player, falsestack& builder, const viewbutton& but
     auto look = button.look;
     if (button.statekey != nullptr) look.namekey = button.statekey(getplayershopstate(player->getXuid()));
     dress(builder, player, look, button.slot);
-    builder.sendto(player, screen::inventory, static_cast<std::uint32_t>(button.slot));
+    builder.sendto(player, layout::inventory, static_cast<std::uint32_t>(button.slot));
 }
 
 }  // namespace
@@ -70,12 +70,12 @@ void drawpage(ServerPlayer* player, const goodsview& view) {
     if (view.lostpageisfirst && page > lastpage) page = 0;
 
     falsestack goods;
-    auto slot = screen::firstlisted;
-    for (auto i = std::int64_t{page} * pagesize; i < count && slot <= screen::lastlisted; ++i, ++slot) {
+    auto slot = layout::firstlisted;
+    for (auto i = std::int64_t{page} * pagesize; i < count && slot <= layout::lastlisted; ++i, ++slot) {
         // One good that cannot be shown must not take the rest of the page with it.
         envelopeat(view.plan.place, [&] {
             view.row(player, goods, static_cast<std::size_t>(i));
-            goods.sendto(player, screen::inventory, static_cast<std::uint32_t>(slot));
+            goods.sendto(player, layout::inventory, static_cast<std::uint32_t>(slot));
         });
     }
 

@@ -57,7 +57,7 @@ struct viewbutton {
     sound heard = clicksound;
     bool byswap = false;  // answers to a swap from the cursor, too
     pressed act = nullptr;
-    fakechest leadsto = fakechest::count;  // without `act`: the menu that is shown
+    screen leadsto = screen::none;  // without `act`: the menu that is shown
 };
 
 // Who a refresh is for, as far as its thread needs to know. Taken on the server thread.
@@ -84,14 +84,15 @@ struct refreshplan {
 };
 
 struct goodsview {
-    fakechest menu;
+    screen menu;
+    backdrop behind = backdrop::blank;
     const char* helpkey;
     std::int32_t playershopstate::*page;
     std::size_t (*count)(ServerPlayer*);
     // Puts entry i on the builder's stack.
     void (*row)(ServerPlayer*, falsestack& builder, std::size_t i);
     std::span<const viewbutton> buttons;  // in the order of drawing
-    fakechest back;
+    screen back;
     bool backblankstwice = false;
     bool lostpageisfirst = false;  // a page behind the end becomes page 0; else it is shown empty
     pressed choice = nullptr;      // on a listed entry; without it every choice ends the menu

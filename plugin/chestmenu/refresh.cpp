@@ -3,8 +3,8 @@
 
 #include "platform/background.h"
 #include "platform/turn.h"
+#include "plugin/base/guards.h"
 #include "plugin/chestmenu/later.h"
-#include "plugin/frame/guards.h"
 
 namespace ordomart {
 

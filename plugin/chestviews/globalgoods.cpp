@@ -1,8 +1,8 @@
 // The sort button of the global views.
 #include "plugin/chestviews/globalgoods.h"
 
+#include "plugin/base/language.h"
 #include "plugin/chestmenu/refresh.h"
-#include "plugin/frame/language.h"
 
 namespace ordomart {
 
@@ -24,7 +24,7 @@ bool turnsort(const press& at) {
     const bool fileorder = step == 0;
     // No language table has this key, so that the key itself is read. The recycle view uses it as well.
     if (fileorder) at.player->sendToastPacket(at.player->getRealName(), tr(at.player, "sellshop.zerostate"));
-    clearplayerviewcontainers(at.player, {screen::inventory});
+    clearplayerviewcontainers(at.player, {layout::inventory});
     refresh(at.view, at.player, fileorder);
     return false;
 }

@@ -30,7 +30,7 @@ void drawpublicgood(ServerPlayer* player, falsestack& good, std::size_t i) {
 bool turnsort(const press& at);
 
 // Skull, sort, double-click mode, search. The spyglass and the compass keep the aux value of the name tag.
-[[nodiscard]] constexpr std::array<viewbutton, 4> globalbuttons(const char* shopskey, fakechest shops) {
+[[nodiscard]] constexpr std::array<viewbutton, 4> globalbuttons(const char* shopskey, screen shops) {
     return {{{2, {"minecraft:skull", 3, shopskey}, nullptr, clicksound, true, nullptr, shops},
              {3, {"minecraft:name_tag", 1, nullptr}, &sortkey, {"random.click", 0.6F}, true, &turnsort},
              spyglassbutton,

@@ -1,7 +1,6 @@
 // The goods of all selling shops.
-#include "plugin/chestmenu/clickgrammar.h"
-#include "plugin/chestmenu/opening.h"
 #include "plugin/chestmenu/refresh.h"
+#include "plugin/chestmenu/viewentry.h"
 #include "plugin/chestviews/globalgoods.h"
 #include "plugin/chestviews/openers.h"
 #include "plugin/chestviews/tradechoice.h"
@@ -13,16 +12,16 @@ namespace ordomart {
 namespace {
 
 constexpr const char* privateline = "It shouldnt happen";
-constexpr auto buttons = globalbuttons("sellshop.filterbyplayer", fakechest::sellshoplist);
+constexpr auto buttons = globalbuttons("sellshop.filterbyplayer", screen::sellshoplist);
 
 constexpr goodsview view{
-    .menu = fakechest::sellshops,
+    .menu = screen::sellshops,
     .helpkey = "sellshop.helper1",
     .page = sellrows::page,
     .count = &countgoods<sellrows>,
     .row = &drawpublicgood<sellrows, privateline>,
     .buttons = buttons,
-    .back = fakechest::main,
+    .back = screen::ordomenu,
     .backblankstwice = true,
     .plan = {.place = "Ordosellglobalshoppreviewprehandlermain",
              .prepare = [](const viewer& who) { sellshop::prepareglobalsellshopfilterforplayer(who.xuid); },
@@ -33,26 +32,21 @@ constexpr goodsview view{
 };
 
 constexpr tradechoice choice{.face = tradeface::globalchest,
-                             .reopen = [](ServerPlayer* player, const std::string&) { openOrdosellshopsmenu(player); },
                              .lostrow = "error at globalsellshop ,low readlist size",
                              .tellchanged = true,
                              .tellretry = true,
                              .searches = true};
 
-bool onclose(ServerPlayer* player, ItemStackRequestAction*, ListenRecorder* record) {
-    return followchoice<sellrows>(player, *record, choice);
+bool onclose(ServerPlayer* player, const ListenRecorder& record) {
+    return followchoice<sellrows>(player, record, view.menu, choice);
 }
-bool onclick(ServerPlayer* player, ItemStackRequestAction* action, ListenRecorder* record) {
-    return handleclick(view, player, action, record);
-}
+
+const viewentry<view, &onclose, &Ordosellglobalshoppreviewprehandlermain, &openOrdosellshopsmenu> entered;
 
 }  // namespace
 
-constinit const menurow globalsellmenu{
-    &onclose, &onclick, [](ServerPlayer* player) { Ordosellglobalshoppreviewprehandlermain(player, true); }};
-
 void Ordosellglobalshoppreviewprehandlermain(ServerPlayer* player, bool reload) { refresh(view, player, reload); }
 
-opresult openOrdosellshopsmenu(ServerPlayer* player) { return openchestmenu(player, fakechest::sellshops); }
+opresult openOrdosellshopsmenu(ServerPlayer* player) { return openchestmenu(player, view.menu); }
 
 }  // namespace ordomart

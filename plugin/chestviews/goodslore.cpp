@@ -1,9 +1,9 @@
 // The lines in their order; what both kinds of rows have is written once.
 #include "plugin/chestviews/goodslore.h"
 
+#include "plugin/base/language.h"
 #include "plugin/economy/economymanager.h"
-#include "plugin/forms/formtools.h"
-#include "plugin/frame/language.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/rowkinds.h"
 
 namespace ordomart {

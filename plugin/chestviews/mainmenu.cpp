@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <iterator>
 
+#include "plugin/base/effects.h"
 #include "plugin/chestmenu/decoration.h"
 #include "plugin/chestmenu/opening.h"
 #include "plugin/chestmenu/pageview.h"
 #include "plugin/chestviews/openers.h"
-#include "plugin/chestviews/views.h"
-#include "plugin/frame/effects.h"
 
 namespace ordomart {
 
@@ -18,11 +17,11 @@ struct menuitem {
     ContainerName from;  // as a click tells it
     int slot;
     icon look;
-    fakechest leadsto = fakechest::count;  // count: nowhere, a text only
+    screen leadsto = screen::none;  // none, a text only
     bool systemshop = false;
 
     [[nodiscard]] std::uint32_t containerid() const {
-        return from == ContainerName::armor ? screen::armour : screen::inventory;
+        return from == ContainerName::armor ? layout::armour : layout::inventory;
     }
 };
 
@@ -31,14 +30,14 @@ constexpr menuitem items[] = {
     {ContainerName::armor,
      0,
      {"minecraft:emerald", {}, "mainmenu.buy", {"mainmenu.buyinfo"}, false},
-     fakechest::sellshops},
+     screen::sellshops},
     {ContainerName::armor,
      1,
      {"minecraft:chest", {}, "mainmenu.recycle", {"mainmenu.recycleinfo"}, false},
-     fakechest::recycleshops},
-    {ContainerName::armor, 2, {"minecraft:chest", {}, "mainmenu.myshop", {"mainmenu.myshopinfo"}}, fakechest::myshop},
-    {ContainerName::hotbar, 0, {"minecraft:ender_chest", {}, "systemsellshop"}, fakechest::singlesellshop, true},
-    {ContainerName::hotbar, 1, {"minecraft:ender_chest", {}, "systemrecycleshop"}, fakechest::singlerecycleshop, true},
+     screen::recycleshops},
+    {ContainerName::armor, 2, {"minecraft:chest", {}, "mainmenu.myshop", {"mainmenu.myshopinfo"}}, screen::myshop},
+    {ContainerName::hotbar, 0, {"minecraft:ender_chest", {}, "systemsellshop"}, screen::singlesellshop, true},
+    {ContainerName::hotbar, 1, {"minecraft:ender_chest", {}, "systemrecycleshop"}, screen::singlerecycleshop, true},
     {ContainerName::hotbar, 8, {"minecraft:oak_sign", {}, "mainmenu.helper1", {"mainmenu.helper1"}}},
 };
 
@@ -58,16 +57,18 @@ bool onclick(ServerPlayer* player, ItemStackRequestAction* action, ListenRecorde
     const auto item = std::find_if(std::begin(items), std::end(items), [&](const menuitem& each) {
         return each.from == from && each.slot == action->source.slot;
     });
-    if (item == std::end(items) || item->leadsto == fakechest::count) return false;
+    if (item == std::end(items) || item->leadsto == screen::none) return false;
     if (item->systemshop) getplayershopstate(player->getXuid()).viewedshopid = systemshopid;
     switchmenu(player, record, item->leadsto);
     return false;
 }
 
+const menuentry menu{screen::ordomenu, {&containermenuguihelper::welcomehandler, &onclick, &draw}};
+const screenentry entered{screen::ordomenu,
+                          [](ServerPlayer* player, const screenorder&) { return openOrdomenu(player); }};
+
 }  // namespace
 
-constinit const menurow mainmenu{&containermenuguihelper::welcomehandler, &onclick, &draw};
-
-opresult openOrdomenu(ServerPlayer* player) { return openchestmenu(player, fakechest::main); }
+opresult openOrdomenu(ServerPlayer* player) { return openchestmenu(player, screen::ordomenu); }
 
 }  // namespace ordomart

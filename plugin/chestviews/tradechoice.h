@@ -2,8 +2,9 @@
 // differ in what they say when the row is not there any more, in when the villager is heard, and in the way back.
 #pragma once
 
+#include "plugin/base/screens.h"
 #include "plugin/chestmenu/listeners.h"
-#include "plugin/forms/trade.h"
+#include "plugin/trade/trade.h"
 
 namespace ordomart {
 
@@ -11,7 +12,6 @@ using containermenuguihelper::ListenRecorder;
 
 struct tradechoice {
     tradeface face;
-    void (*reopen)(ServerPlayer*, const std::string& shopxuid);
     const char* lostrow = nullptr;  // log line for a click that no row stands behind
     bool tellchanged = false;       // "myshop.error.itemchanged"
     bool tellretry = false;         // "wrong data ,Retry"
@@ -19,8 +19,8 @@ struct tradechoice {
     bool searches = false;          // there is a search button
 };
 
-// A view's mainhandler is this with its description. Rows: sellrows or recyclerows.
+// What a view does at its end. `menu` is the view itself. Rows: sellrows or recyclerows.
 template <class Rows>
-bool followchoice(ServerPlayer* player, const ListenRecorder& record, const tradechoice& view);
+bool followchoice(ServerPlayer* player, const ListenRecorder& record, screen menu, const tradechoice& view);
 
 }  // namespace ordomart

@@ -1,13 +1,12 @@
-// The rows of the menu table, one for each view, and the refresh operations by which a view is shown.
+// The refresh operations by which the views are shown. `reload`: the list is made anew. They do not wait for the
+// picture.
 #pragma once
 
-#include "plugin/chestmenu/menutable.h"
+#include "platform/player.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 
-extern const menurow mainmenu, globalsellmenu, globalrecyclemenu;
-
-// `reload`: the list is made anew. They do not wait for the picture.
 void Ordosellglobalshoppreviewprehandlermain(ServerPlayer* player, bool reload);
 void Ordorecycleglobalshoppreviewprehandlermain(ServerPlayer* player, bool reload);
 

@@ -4,12 +4,12 @@
 
 #include "platform/host.h"
 #include "platform/level.h"
+#include "plugin/base/directories.h"
+#include "plugin/base/language.h"
 #include "plugin/economy/moneylibrary.h"
 #include "plugin/economy/objectives.h"
 #include "plugin/economy/offlinemoney.h"
-#include "plugin/frame/config.h"
-#include "plugin/frame/language.h"
-#include "plugin/shopsystem/tradelog.h"
+#include "plugin/economy/paynotes.h"
 
 namespace ordomart {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 

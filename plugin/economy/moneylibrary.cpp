@@ -6,7 +6,7 @@
 #include "platform/host.h"
 #include "platform/library.h"
 #include "platform/llmoney.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart::moneylibrary {
 

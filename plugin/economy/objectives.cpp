@@ -2,6 +2,7 @@
 #include "plugin/economy/objectives.h"
 
 #include <stdexcept>
+#include <tuple>
 
 #include "platform/host.h"
 #include "plugin/economy/economymanager.h"
@@ -45,6 +46,8 @@ Objective& existingobjective(const std::string& name) {
     if (objective == nullptr) missing();
     return *objective;
 }
+
+void demandobjective(const std::string& name) { std::ignore = existingobjective(name); }
 
 Objective& moneyobjective() { return madeobjective(scoremoneyname, moneyobjectivetitle); }
 

@@ -4,15 +4,16 @@
 #include <string>
 
 #include "platform/scoreboard.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 
 inline const std::string moneyobjectivetitle = "coins", offlineobjectivetitle = "offlinemoney";
 
-// Both throw std::runtime_error, "the obj doesn't exist", where the objective or the whole scoreboard is missing.
+// All three throw std::runtime_error, "the obj doesn't exist", where the objective or the whole scoreboard is missing.
 [[nodiscard]] Scoreboard& scoreboard();
-Objective& existingobjective(const std::string& name);
+[[nodiscard]] Objective& existingobjective(const std::string& name);
+void demandobjective(const std::string& name);
 
 // The objective `scoremoneyname`, made when it is missing.
 Objective& moneyobjective();

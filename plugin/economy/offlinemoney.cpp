@@ -4,10 +4,11 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "plugin/base/effects.h"
+#include "plugin/base/language.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/objectives.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/language.h"
+#include "plugin/economy/paynotes.h"
 
 namespace ordomart {
 

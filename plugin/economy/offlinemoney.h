@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/player.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 

@@ -6,10 +6,10 @@
 
 #include "platform/files.h"
 #include "platform/host.h"
+#include "plugin/base/language.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/forms/categorydefaults.h"
-#include "plugin/forms/formtools.h"
 #include "plugin/forms/openers.h"
-#include "plugin/frame/language.h"
 #include "plugin/shopsystem/baseshop.h"
 
 namespace ordomart {

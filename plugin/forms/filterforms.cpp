@@ -2,11 +2,11 @@
 // the chest lists, whose next prepare step takes it.
 #include <nlohmann/json.hpp>
 
-#include "plugin/chestviews/openers.h"
-#include "plugin/forms/formtools.h"
+#include "plugin/base/effects.h"
+#include "plugin/base/language.h"
+#include "plugin/base/screens.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/forms/openers.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/language.h"
 #include "plugin/shopsystem/playershopstate.h"
 
 namespace ordomart {
@@ -60,6 +60,10 @@ constexpr inputelement searchtext{"inputtext", "searchform.inputfilterstr"};
 // The elements' places in the raw answer.
 enum searchanswer : std::size_t { textplace, typeplace, intagplace, indescplace };
 
+const screenentry entry{screen::searchform, [](ServerPlayer* player, const screenorder& order) {
+                            return opensearchitemform(player, order.type, order.indescription);
+                        }};
+
 }  // namespace
 
 void setmyshopitemfiter(ServerPlayer* player) {
@@ -96,9 +100,9 @@ opresult searchbyfilter(ServerPlayer* player, int type, const std::string& text,
     state.searchmode = true;
     switch (type) {
         case sell:
-            return openOrdosellshopsmenu(player);
+            return openscreen(screen::sellshops, player);
         case recycle:
-            return openOrdorecycleshopsmenu(player);
+            return openscreen(screen::recycleshops, player);
         default:
             return opresult::refused;
     }

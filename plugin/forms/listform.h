@@ -6,10 +6,10 @@
 #include <functional>
 #include <string>
 
-#include "plugin/forms/formtools.h"
-#include "plugin/forms/trade.h"
-#include "plugin/frame/language.h"
+#include "plugin/base/language.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/playershopstate.h"
+#include "plugin/trade/trade.h"
 
 namespace ordomart {
 
@@ -38,8 +38,7 @@ void sendlistform(ServerPlayer* player, const listform& form);
 // changed since the list was built.
 template <class Row>
 void showsreadlist(listform& form, readlist<Row> playershopstate::*rows,
-                   std::string (*mark)(const std::string& language, const Row& row),
-                   void (*offer)(ServerPlayer*, const Row&, tradeface), tradeface face) {
+                   std::string (*mark)(const std::string& language, const Row& row), tradeface face) {
     const auto listof = [rows](ServerPlayer* player) -> const readlist<Row>& {
         return getplayershopstate(player->getXuid()).*rows;
     };
@@ -49,10 +48,10 @@ void showsreadlist(listform& form, readlist<Row> playershopstate::*rows,
         const Row row = listof(player).row(i);
         return rowtext(language, row, mark(language, row));
     };
-    form.choose = [listof, offer, face](ServerPlayer* player, std::size_t i) {
+    form.choose = [listof, face](ServerPlayer* player, std::size_t i) {
         const Row row = listof(player).row(i);
         if (isfresh(row)) {
-            offer(player, row, face);
+            offertrade(player, row, face);
         } else {
             player->sendText(tr(player, "myshop.error.shopinfoupdate"));
         }

@@ -1,6 +1,7 @@
 // The lists of all goods and of all commissions. A list is gathered on a thread of its own and shown on the server
 // thread; page turns and the way back from a confirm form show it as it was.
 #include "platform/background.h"
+#include "plugin/base/screens.h"
 #include "plugin/forms/listform.h"
 #include "plugin/forms/openers.h"
 #include "plugin/shopsystem/recycleshop.h"
@@ -20,7 +21,7 @@ listform sellform() {
                   .titlekey = "sellmenu",
                   .contentkey = "sellformUI.content",
                   .page = &playershopstate::sellpage};
-    showsreadlist(form, &playershopstate::sellreadlist, markof, offerpurchase, tradeface::formlist);
+    showsreadlist(form, &playershopstate::sellreadlist, markof, tradeface::formlist);
     form.wrongrow = [](ServerPlayer*) { logger.error("wrong castindex"); };
     form.turned = [](ServerPlayer* player) { openOrdosellshopAsformmenu(player, false); };
     form.closed = openmenubymode;
@@ -32,7 +33,7 @@ listform recycleform() {
                   .titlekey = "recyclemenu",
                   .contentkey = "recycleformUI.content",
                   .page = &playershopstate::recyclepage};
-    showsreadlist(form, &playershopstate::recyclereadlist, markof, offerrecyclesale, tradeface::formlist);
+    showsreadlist(form, &playershopstate::recyclereadlist, markof, tradeface::formlist);
     form.wrongrow = [](ServerPlayer*) { logger.error("wrong castindex in {}", "openOrdorecycleshopAsformmenu"); };
     form.turned = [](ServerPlayer* player) { openOrdorecycleshopAsformmenu(player, false); };
     form.closed = openmenubymode;
@@ -58,6 +59,11 @@ opresult openlist(ServerPlayer* player, bool refresh, const listform& form, void
     });
     return opresult::opened;
 }
+
+const screenentry entries[] = {
+    {screen::sellform, [](ServerPlayer* p, const screenorder& o) { return openOrdosellshopAsformmenu(p, o.refresh); }},
+    {screen::recycleform,
+     [](ServerPlayer* p, const screenorder& o) { return openOrdorecycleshopAsformmenu(p, o.refresh); }}};
 
 }  // namespace
 

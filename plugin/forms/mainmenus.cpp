@@ -1,10 +1,10 @@
 // The two form main menus, from one table. The short one shows only the menus that are forms themselves.
 #include <vector>
 
-#include "plugin/chestviews/openers.h"
-#include "plugin/forms/formtools.h"
+#include "plugin/base/language.h"
+#include "plugin/base/screens.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/forms/openers.h"
-#include "plugin/frame/language.h"
 #include "plugin/shopsystem/playershopstate.h"
 
 namespace ordomart {
@@ -24,25 +24,25 @@ struct menubutton {
 using P = ServerPlayer*;
 
 constexpr menubutton buttons[] = {
-    {"mainmenu.buy", "textures/ui/icon_blackfriday.png", [](P p) { openOrdosellshopsmenu(p); }},
-    {"mainmenu.recycle", "textures/ui/icon_deals.png", [](P p) { openOrdorecycleshopsmenu(p); }},
-    {"systemsellshop", "textures/ui/ImpulseSquare.png", [](P p) { opensinglesellshopshopsmenu(p, systemshopid); }},
+    {"mainmenu.buy", "textures/ui/icon_blackfriday.png", [](P p) { openscreen(screen::sellshops, p); }},
+    {"mainmenu.recycle", "textures/ui/icon_deals.png", [](P p) { openscreen(screen::recycleshops, p); }},
+    {"systemsellshop", "textures/ui/ImpulseSquare.png",
+     [](P p) { openscreen(screen::singlesellshop, p, {.shop = systemshopid}); }},
     {"systemrecycleshop", "textures/ui/ImpulseSquare.png",
-     [](P p) { opensinglerecycleshopshopsmenu(p, systemshopid); }},
+     [](P p) { openscreen(screen::singlerecycleshop, p, {.shop = systemshopid}); }},
     {"sellformUI.sellmenu", "textures/items/bed_light_blue.png", [](P p) { openOrdosellshopAsformmenu(p, true); },
      true},
     {"recycleformUI.recyclemenu", "textures/items/bed_brown.png", [](P p) { openOrdorecycleshopAsformmenu(p, true); },
      true},
-    {"myshopformUI.myshopmenu", "textures/items/stick.png", [](P p) { openOrdomyshopAsformmenu(p, true); }, true},
-    {"myshopformUI.systemshopmenu", "textures/ui/ImpulseSquare.png", [](P p) { openOrdosystemshopAsformmenu(p, true); },
+    {"myshopformUI.myshopmenu", "textures/items/stick.png", [](P p) { openscreen(screen::myshopform, p); }, true},
+    {"myshopformUI.systemshopmenu", "textures/ui/ImpulseSquare.png", [](P p) { openscreen(screen::systemshopform, p); },
      true},
     {"myshopformUI.switchmanagesystemshop", "textures/ui/op.png", [](P p) { openswitchsystemshop(p); }, true, true},
-    {"mainmenu.myshop", "textures/ui/Friend2.png", [](P p) { openOrdomyshoppreviewmenu(p); }},
+    {"mainmenu.myshop", "textures/ui/Friend2.png", [](P p) { openscreen(screen::myshop, p); }},
     {"searchform.title", "textures/ui/creative_icon.png", [](P p) { opensearchitemform(p, 0, false); }},
-    {"sellshop.filterbyplayer", "textures/ui/icon_multiplayer.png",
-     [](P p) { openOrdosellshopfilterbyplayersmenu(p); }},
+    {"sellshop.filterbyplayer", "textures/ui/icon_multiplayer.png", [](P p) { openscreen(screen::sellshoplist, p); }},
     {"recycleshop.filterbyplayer", "textures/ui/icon_multiplayer.png",
-     [](P p) { openOrdorecycleshopfilterbyplayersmenu(p); }},
+     [](P p) { openscreen(screen::recycleshoplist, p); }},
     {"sellshop.trybuy.form.menutitle", "textures/gui/newgui/Language18.png", [](P p) { readandopensellFormmenu(p); }},
     {"recycleshop.trybuy.form.menutitle", "textures/gui/newgui/Language18.png",
      [](P p) { readandopenrecycleFormmenu(p); }},
@@ -67,6 +67,14 @@ opresult openmainmenu(ServerPlayer* player, menusize size, const char* place) {
              [shown](ServerPlayer* who, int button) { shown.at(static_cast<std::size_t>(button))->act(who); });
     return opresult::opened;
 }
+
+const screenentry entries[] = {
+    {screen::mainmenuform, [](P p, const screenorder&) { return openFormmainmenu(p); }},
+    {screen::shortmainmenuform, [](P p, const screenorder&) { return openOnlyFormmainmenu(p); }},
+    {screen::lastmainmenuform, [](P p, const screenorder&) {
+         openmenubymode(p);
+         return opresult::opened;
+     }}};
 
 }  // namespace
 

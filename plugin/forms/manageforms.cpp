@@ -8,11 +8,11 @@
 #include "platform/level.h"
 #include "platform/schedule.h"
 #include "platform/turn.h"
-#include "plugin/chestviews/openers.h"
-#include "plugin/forms/formtools.h"
+#include "plugin/base/effects.h"
+#include "plugin/base/language.h"
+#include "plugin/base/screens.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/forms/openers.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/language.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
@@ -65,7 +65,7 @@ void managechosen(ServerPlayer* player, const std::string& xuid) {
         player->sendText("cant find player");
     } else {
         state.manage(xuid);
-        openOrdomyshoppreviewmenu(player);
+        openscreen(screen::myshop, player);
     }
 }
 

@@ -1,12 +1,12 @@
 // Every menu that is a form. All are called on the server thread and give their result at once, also where the form
-// itself comes later. Those that have no file of their own yet stand in pending.cpp.
+// itself comes later.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
 #include "platform/player.h"
-#include "plugin/frame/guards.h"
+#include "plugin/base/guards.h"
 
 namespace ordomart {
 
@@ -19,12 +19,6 @@ opresult readandopenrecycleFormmenu(ServerPlayer* player);
 
 opresult openOrdosellshopAsformmenu(ServerPlayer* player, bool refresh);
 opresult openOrdorecycleshopAsformmenu(ServerPlayer* player, bool refresh);
-
-opresult openOrdomyshopAsformmenu(ServerPlayer* player, bool updatelang);
-opresult openOrdomyrecycleshopAsformmenu(ServerPlayer* player, bool updatelang);
-opresult openOrdosystemshopAsformmenu(ServerPlayer* player, bool unused);
-opresult openOrdosystemshopsellAsformmenu(ServerPlayer* player, bool refresh);
-opresult openOrdosystemshoprecycleAsformmenu(ServerPlayer* player, bool refresh);
 
 void setmyshopitemfiter(ServerPlayer* player);
 opresult opensearchitemform(ServerPlayer* player, int type, bool descdefault);

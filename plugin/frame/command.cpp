@@ -8,10 +8,10 @@
 
 #include "platform/background.h"
 #include "platform/level.h"
-#include "plugin/chestviews/openers.h"
+#include "plugin/base/globals.h"
+#include "plugin/base/screens.h"
 #include "plugin/economy/offlinemoney.h"
 #include "plugin/forms/openers.h"
-#include "plugin/frame/globals.h"
 #include "plugin/shopsystem/baseshop.h"
 #include "plugin/shopsystem/playershopstate.h"
 
@@ -29,9 +29,9 @@ struct call {
 
 using action = opresult (*)(const call&);
 
-template <opresult (*Opener)(ServerPlayer*)>
+template <screen Which>
 opresult open(const call& c) {
-    return Opener(c.player);
+    return openscreen(Which, c.player);
 }
 
 // Somebody else's shop. Empty, with the caller told, when there is none or it is his own.
@@ -45,10 +45,10 @@ std::string findother(const call& c) {
     return xuid;
 }
 
-template <opresult (*List)(ServerPlayer*), opresult (*Single)(ServerPlayer*, const std::string&)>
+template <screen List, screen Single>
 opresult openbyshop(const call& c) {
-    if (!c.given.target) return List(c.player);
-    if (const std::string xuid = findother(c); !xuid.empty()) Single(c.player, xuid);
+    if (!c.given.target) return openscreen(List, c.player);
+    if (const std::string xuid = findother(c); !xuid.empty()) openscreen(Single, c.player, {.shop = xuid});
     return opresult::opened;
 }
 
@@ -100,7 +100,7 @@ opresult manage(const call& c) {
     if (xuid.empty()) return opresult::opened;
     getplayershopstate(c.player->getXuid()).manage(xuid);
     c.output.addMessage("set manageid successfully! Remeber reset your manageid after done!");
-    return openOrdomyshoppreviewmenu(c.player);
+    return openscreen(screen::myshop, c.player);
 }
 
 opresult resetmanage(const call& c) {
@@ -121,19 +121,19 @@ struct word {
 };
 
 constexpr word words[] = {
-    {"baseoperation", "recycle", 0, false, &open<openOrdorecycleshopsmenu>, "recyclemenu failed"},
-    {"baseoperation", "buy", 2, false, &open<openOrdosellshopsmenu>, "sellmenu failed"},
-    {"baseoperation", "myshop", 4, false, &open<openOrdomyshoppreviewmenu>, "myshop failed"},
-    {"baseoperation", "myreshop", 5, false, &open<openOrdomyrecycleshoppreviewmenu>, "myreshop failed"},
+    {"baseoperation", "recycle", 0, false, &open<screen::recycleshops>, "recyclemenu failed"},
+    {"baseoperation", "buy", 2, false, &open<screen::sellshops>, "sellmenu failed"},
+    {"baseoperation", "myshop", 4, false, &open<screen::myshop>, "myshop failed"},
+    {"baseoperation", "myreshop", 5, false, &open<screen::myrecycleshop>, "myreshop failed"},
     {"baseoperation", "filter", 8, false, &editfilter, ""},
-    {"baseoperation", "mainmenu", 9, false, &open<openFormmainmenu>, "mainmenu failed"},
-    {"baseoperation", "ordomenu", 10, false, &open<openOrdomenu>, "ordomenu failed"},
-    {"baseoperation", "formmenu", 11, false, &open<openOnlyFormmainmenu>, "formmenu failed"},
+    {"baseoperation", "mainmenu", 9, false, &open<screen::mainmenuform>, "mainmenu failed"},
+    {"baseoperation", "ordomenu", 10, false, &open<screen::ordomenu>, "ordomenu failed"},
+    {"baseoperation", "formmenu", 11, false, &open<screen::shortmainmenuform>, "formmenu failed"},
     {"baseoperation", "getoffscores", 12, false, &collectoffmoney, "failed.your moneymode is 1(for LLmoney)"},
-    {"baseoperation1", "buybyshop", 3, false,
-     &openbyshop<openOrdosellshopfilterbyplayersmenu, opensinglesellshopshopsmenu>, "failed to filter"},
-    {"baseoperation1", "rebyshop", 1, false,
-     &openbyshop<openOrdorecycleshopfilterbyplayersmenu, opensinglerecycleshopshopsmenu>, "failed to filter"},
+    {"baseoperation1", "buybyshop", 3, false, &openbyshop<screen::sellshoplist, screen::singlesellshop>,
+     "failed to filter"},
+    {"baseoperation1", "rebyshop", 1, false, &openbyshop<screen::recycleshoplist, screen::singlerecycleshop>,
+     "failed to filter"},
     {"baseoperation2", "search", 6, false, &search, "failed to filter"},
     {"baseoperation3", "ban", 13, true, &ban, "failed to execute ban"},
     {"baseoperation3", "unban", 14, true, &unban, "failed to execute unban"},
@@ -142,7 +142,7 @@ constexpr word words[] = {
 };
 
 // The bare command is the main menu, with a failure text of its own.
-constexpr word bareword = {"", "", 0, false, &open<openFormmainmenu>, "openformmainmenu failed"};
+constexpr word bareword = {"", "", 0, false, &open<screen::mainmenuform>, "openformmainmenu failed"};
 
 const word* find(int operation) {
     const auto* const found = std::ranges::find(words, operation, &word::operation);

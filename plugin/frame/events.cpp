@@ -17,7 +17,7 @@ namespace {
 // Scores need an id of the player on the scoreboard, and an account for what comes in while he is away.
 void preparescores(ServerPlayer& player) {
     ensureobjectives();
-    existingobjective(scoremoneyname);
+    demandobjective(scoremoneyname);
     if (!scoreboard().getScoreboardId(player).isValid()) {
         debuglogger.warn("try to create scoreboardid for player: {}...", player.getRealName());
         scoreboard().createScoreboardId(player);

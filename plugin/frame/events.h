@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/event.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 

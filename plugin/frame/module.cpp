@@ -2,11 +2,11 @@
 #include <ios>
 
 #include "platform/host.h"
+#include "plugin/base/globals.h"
+#include "plugin/base/language.h"
 #include "plugin/chestmenu/hooks.h"
 #include "plugin/frame/events.h"
 #include "plugin/frame/exported.h"
-#include "plugin/frame/globals.h"
-#include "plugin/frame/language.h"
 
 namespace {
 

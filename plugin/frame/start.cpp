@@ -1,9 +1,9 @@
 // The order in which the plug-in comes to life. moneymode has its final value only once the economy is bound.
 #include "platform/event.h"
 #include "platform/schedule.h"
+#include "plugin/base/config.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/frame/command.h"
-#include "plugin/frame/config.h"
 #include "plugin/frame/events.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace shopsystem {
 

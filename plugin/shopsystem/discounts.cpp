@@ -1,8 +1,8 @@
 // Discounts: what they take off a price, and the text of those that run. A record's text is "%xx", the share that is
 // still paid, or "-xxx", an amount; nobody checks it before the price is computed.
 #include "platform/clock.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/language.h"
+#include "plugin/base/language.h"
+#include "plugin/base/numbers.h"
 #include "plugin/shopsystem/sellshop.h"
 
 namespace shopsystem {

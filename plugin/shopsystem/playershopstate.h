@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/player.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 #include "plugin/shopsystem/readlist.h"
 #include "plugin/shopsystem/shopfilter.h"
 #include "plugin/shopsystem/shopitems.h"

@@ -4,7 +4,7 @@
 
 #include "platform/files.h"
 #include "platform/host.h"
-#include "plugin/frame/config.h"
+#include "plugin/base/directories.h"
 #include "plugin/shopsystem/baseshop.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"

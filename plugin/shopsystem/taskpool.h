@@ -11,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace shopsystem {
 

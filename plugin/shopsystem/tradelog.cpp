@@ -5,8 +5,7 @@
 
 #include "platform/files.h"
 #include "platform/host.h"
-#include "plugin/economy/economymanager.h"
-#include "plugin/frame/language.h"
+#include "plugin/base/language.h"
 #include "plugin/shopsystem/itemidentity.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
@@ -34,11 +33,6 @@ std::size_t firstlineend(const std::string& text) {
 }
 
 }  // namespace
-
-void writepayline(const std::string& from, std::int64_t amount, const std::string& to, const std::string& note) {
-    tradelogger.setFile(ordomart::paths::simpletrade, true);
-    tradelogger.info("{0} pay {1}{2} to {3},note:{4}", from, amount, ordomart::getmoneyname(), to, note);
-}
 
 void writeshopline(const std::string& xuid, const char* suffix, const std::string& message) {
     tradelogger.setFile(logpath(xuid, suffix), true);

@@ -1,5 +1,4 @@
-// The histories: one text file per shop and kind, and the common file of transfers and fees. Server thread, but for
-// readeventlog.
+// The histories of shops, one text file for each shop and kind. Server thread, but for readeventlog.
 #pragma once
 
 #include <cstdint>
@@ -7,12 +6,10 @@
 #include <string>
 
 #include "platform/nbt/tags.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace shopsystem {
 
-// "{0} pay {1}{2} to {3},note:{4}" in the common file.
-void writepayline(const std::string& from, std::int64_t amount, const std::string& to, const std::string& note);
 // A line in the file of a shop: suffix ".log" or ".relog".
 void writeshopline(const std::string& xuid, const char* suffix, const std::string& message);
 // The last 5000 bytes from a line's end on, or "failed to open". Any thread.

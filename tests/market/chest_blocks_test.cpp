@@ -2,6 +2,7 @@
 #include "platform/host.h"
 #include "platform/packets/blocks.h"
 #include "plugin/chestmenu/opening.h"
+#include "plugin/chestviews/openers.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "tests/market/chest_stage.h"
 
@@ -74,6 +75,9 @@ TEST(ChestBlocks, ADoubleChestIsPairedAndAPositionIsForOnePlayer) {
     EXPECT_EQ(order(b.alice), "open*2");
 }
 
+// Brings the menu, which enters itself, into this program.
+[[maybe_unused]] const auto mainmenu = &ordomart::openOrdomenu;
+
 // With no record behind it; only a menu on blocks can meet it.
 TEST(ChestBlocks, ARefusedOpeningIsPaintedAllTheSame) {
     Blocks b;
@@ -86,7 +90,7 @@ TEST(ChestBlocks, ARefusedOpeningIsPaintedAllTheSame) {
             shopsystem::getplayershopstate(who->xuid()).menuopentime = 0;
             auto* player = b.stage.server().world().level().getPlayerByXuid(who->xuid());
             results[who == &b.carl] =
-                static_cast<int>(ordomart::openchestmenu(player, ordomart::fakechest::main, {}, blocks));
+                static_cast<int>(ordomart::openchestmenu(player, ordomart::screen::ordomenu, {}, blocks));
         }
     });
     EXPECT_EQ(results[0] + results[1], 0);

@@ -4,8 +4,9 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "plugin/frame/effects.h"
-#include "plugin/frame/guards.h"
+#include "platform/hardwarefault.h"
+#include "plugin/base/guards.h"
+#include "plugin/base/numbers.h"
 #include "tests/market/quiethost.h"
 
 using namespace ordomart;
@@ -39,7 +40,7 @@ TEST(TypedNumber, ReadsLikeAtoi) {
 
 TEST(Envelope, TellsEachKindInItsWords) {
     const auto runtime = [] { throw std::runtime_error("{no template}"); };
-    const auto fault = [] { throw seh_exception("fault"); };
+    const auto fault = [] { throw platform::seh_exception("fault"); };
     const auto parser = [] { return nlohmann::json::parse("{"); };
     const auto other = [] { throw 1; };
     struct {

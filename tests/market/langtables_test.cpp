@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-#include "plugin/frame/langtables.h"
+#include "plugin/base/langtables.h"
 
 namespace {
 

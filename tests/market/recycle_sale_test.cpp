@@ -5,9 +5,9 @@
 #include "platform/host.h"
 #include "platform/level.h"
 #include "plugin/forms/openers.h"
-#include "plugin/forms/trade.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
+#include "plugin/trade/trade.h"
 #include "tests/market/chest_stage.h"
 
 using namespace chest;
@@ -379,8 +379,7 @@ TEST(RecycleSale, ARecordThatIsGoneUnderAnOpenForm) {
         stage.writeshop(c.shop, nullptr, wish("Apples", apple, none));
         const auto shop = [&]() -> shopsystem::recycleshop& { return globalruntimeshopmanager.getrecycleshop(c.shop); };
         stage.onserver([&] {
-            ordomart::offerrecyclesale(platform::host().level->getPlayerByXuid(ada), shop().getglobalrecycleitem(0),
-                                       c.face);
+            ordomart::offertrade(platform::host().level->getPlayerByXuid(ada), shop().getglobalrecycleitem(0), c.face);
             shop().recycleitems.erase(0);
             if (c.marked) shop().markshopchanged();
         });

@@ -16,8 +16,8 @@
 #include "platform/level.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/forms/openers.h"
-#include "plugin/shopsystem/commissions.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
+#include "plugin/trade/commissions.h"
 #include "tests/stage/stage.h"
 
 namespace recycling {

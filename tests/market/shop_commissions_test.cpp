@@ -4,8 +4,8 @@
 
 #include "platform/host.h"
 #include "platform/level.h"
-#include "plugin/shopsystem/commissions.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
+#include "plugin/trade/commissions.h"
 #include "tests/stage/stage.h"
 
 using namespace shopsystem;

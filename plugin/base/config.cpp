@@ -1,6 +1,6 @@
 // Reading and writing go by one table of keys, so that a key that is read is also written back. What the file says is
 // kept, also where the server later runs with another value.
-#include "plugin/frame/config.h"
+#include "plugin/base/config.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,7 +9,8 @@
 
 #include "platform/files.h"
 #include "platform/host.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/directories.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 
@@ -69,18 +70,6 @@ bool looksmultibyte(const std::string& name) {
 }
 
 }  // namespace
-
-bool ensuredirectory(const std::string& path, LogLevel announced) {
-    Files& files = *host().files;
-    if (files.exists(path)) return true;
-    logger.put(announced, fmt::format("Can't find direct,try create:{} ", path));
-    const bool made = files.makeDirectory(path);
-    if (made)
-        logger.info("create {} success!", path);
-    else
-        logger.error("create {} error!", path);
-    return made;
-}
 
 void loadconfig(const std::string& path) {
     Files& files = *host().files;

@@ -1,11 +1,11 @@
 // The two confirm forms: what is traded, from whom, at which price, and how many.
-#include "plugin/forms/tryforms.h"
+#include "plugin/trade/tryforms.h"
 
 #include <fmt/format.h>
 
+#include "plugin/base/language.h"
 #include "plugin/economy/economymanager.h"
-#include "plugin/forms/trade.h"
-#include "plugin/frame/language.h"
+#include "plugin/trade/trade.h"
 
 namespace ordomart {
 

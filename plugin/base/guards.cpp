@@ -1,5 +1,5 @@
 // Every line that an envelope can write stands in the tables below; the catching is written once.
-#include "plugin/frame/guards.h"
+#include "plugin/base/guards.h"
 
 #include <fmt/format.h>
 
@@ -10,24 +10,9 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "platform/clock.h"
-#include "plugin/shopsystem/playershopstate.h"
+#include "platform/hardwarefault.h"
 
 namespace ordomart {
-
-opresult guardopening(ServerPlayer* player) {
-    if (!player->isReadyForContainer()) return opresult::notready;
-    const std::int64_t now = unixseconds();
-    auto& last = getplayershopstate(player->getXuid()).menuopentime;
-    if (last + 1 < now) {
-        last = now;
-        return opresult::opened;
-    }
-    player->sendText(" Execution times are too frequent ");
-    return opresult::cooldown;
-}
-
-// ---- envelopes
 
 namespace {
 

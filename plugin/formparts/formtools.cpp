@@ -1,5 +1,5 @@
 // The guards around answers, the way back to the server thread, and the elements' two directions.
-#include "plugin/forms/formtools.h"
+#include "plugin/formparts/formtools.h"
 
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -7,8 +7,8 @@
 #include "platform/host.h"
 #include "platform/level.h"
 #include "platform/schedule.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/language.h"
+#include "plugin/base/language.h"
+#include "plugin/base/numbers.h"
 
 namespace ordomart {
 

@@ -1,6 +1,6 @@
 // The Chinese texts, in the order of the English ones. "ordomart.moneyname" has no row here: an operator who names his
 // currency does it in the default language.
-#include "plugin/frame/langtables.h"
+#include "plugin/base/langtables.h"
 
 namespace ordomart {
 

@@ -6,8 +6,6 @@
 #include <stdexcept>
 #include <string>
 
-#include "platform/logger.h"
-
 namespace ordomart {
 
 // Settings that cannot be used: names file and key, with the JSON library's own text behind them.
@@ -15,9 +13,6 @@ class configerror : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
-
-// Makes a directory that is missing and tells so, the first line at the given level. False when it could not be made.
-bool ensuredirectory(const std::string& path, platform::LogLevel announced);
 
 void loadconfig(const std::string& path);
 // Copies the keys that are present into the settings.

@@ -4,17 +4,15 @@
 #include <nlohmann/json.hpp>
 
 #include "platform/text.h"
-#include "plugin/chestviews/openers.h"
+#include "plugin/base/effects.h"
+#include "plugin/base/language.h"
 #include "plugin/economy/economymanager.h"
-#include "plugin/forms/faces.h"
-#include "plugin/forms/formtools.h"
-#include "plugin/forms/openers.h"
-#include "plugin/forms/trade.h"
-#include "plugin/forms/tryforms.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/language.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/tradelog.h"
+#include "plugin/trade/faces.h"
+#include "plugin/trade/trade.h"
+#include "plugin/trade/tryforms.h"
 
 namespace ordomart {
 
@@ -22,13 +20,14 @@ namespace {
 
 // In the order of tradeface.
 constexpr facerecord faces[] = {
-    {listmanner, "openOrdosellshopAsformmenu", reopens<openOrdosellshopAsformmenu, false>,
-     reopens<openOrdosellshopAsformmenu, true>, reopens<openFormmainmenu>},
-    {systemlistmanner, "openOrdosystemshopsellAsformmenu", reopens<openOrdosystemshopsellAsformmenu, false>,
-     reopens<openOrdosystemshopsellAsformmenu, true>, reopens<openOrdosystemshopAsformmenu, true>},
-    {chestmanner, "openOrdosellshopsmenu", reopens<openOrdosellshopsmenu>, reopens<openOrdosellshopsmenu>, nullptr},
-    {chestmanner, "opensinglesellshopshopsmenu", reopens<opensinglesellshopshopsmenu>,
-     reopens<opensinglesellshopshopsmenu>, nullptr},
+    {{}, "openOrdosellshopAsformmenu", {screen::sellform, false}, {screen::sellform}, {screen::mainmenuform}},
+    {{.showscustomlore = true},
+     "openOrdosystemshopsellAsformmenu",
+     {screen::systemsellform, false},
+     {screen::systemsellform},
+     {screen::systemshopform, true}},
+    {{.chest = true}, "openOrdosellshopsmenu", {screen::sellshops}, {screen::sellshops}},
+    {{.chest = true}, "opensinglesellshopshopsmenu", {screen::singlesellshop}, {screen::singlesellshop}},
 };
 
 enum class outcome { bought, badquantity, shopchanged, entrygone, notenoughmoney, itembroken };
@@ -130,7 +129,7 @@ bool isfresh(const globalsellshopitem& row) {
     return isatrevision(globalruntimeshopmanager.getsellshop(row.xuid), row.revision);
 }
 
-void offerpurchase(ServerPlayer* player, const globalsellshopitem& row, tradeface which) {
+void offertrade(ServerPlayer* player, const globalsellshopitem& row, tradeface which) {
     const auto& face = faces[static_cast<std::size_t>(which)];
     const auto item = itemfromsnbt(row.itemnbt);
     if (!checkrawitemvalid(item)) {
@@ -147,7 +146,7 @@ void offerpurchase(ServerPlayer* player, const globalsellshopitem& row, tradefac
                           .index = row.index,
                           .price = row.realprice,
                           .language = language};
-    sendform(player, form, {face.place, [&face, id = row.xuid](ServerPlayer* who) { face.closed(who, id); }},
+    sendform(player, form, {face.place, [&face, id = row.xuid](ServerPlayer* who) { reopen(who, face.closed, id); }},
              [&face, wanted](ServerPlayer* who, const Form::Elements& answer) { confirm(who, face, wanted, answer); });
 }
 

@@ -1,6 +1,6 @@
 // Turns the rows into the sorted maps that the translation facility takes; filled by inserting, so that the first of
 // two rows with one key stands.
-#include "plugin/frame/langtables.h"
+#include "plugin/base/langtables.h"
 
 #include <string>
 

@@ -1,6 +1,6 @@
 // The English texts. Labels that a view follows with ":" bear none themselves. A text with {0} is a format string.
 // Some spellings are odd; servers out there have copied them into their language files, so they stay.
-#include "plugin/frame/langtables.h"
+#include "plugin/base/langtables.h"
 
 namespace ordomart {
 

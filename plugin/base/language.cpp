@@ -1,11 +1,11 @@
 // The language file is loaded at the server's first language choice, which comes before any player can read a text.
-#include "plugin/frame/language.h"
+#include "plugin/base/language.h"
 
 #include "platform/hook.h"
 #include "platform/host.h"
 #include "platform/network.h"
-#include "plugin/frame/hooking.h"
-#include "plugin/frame/langtables.h"
+#include "plugin/base/hooking.h"
+#include "plugin/base/langtables.h"
 
 namespace ordomart {
 
@@ -60,6 +60,13 @@ std::string tr(const std::string& locale, const std::string& key) {
 std::string itemhovertext(const ItemStack& stack, const std::string& locale) {
     const languageswitch switched(locale);
     return host().items->hovertext(stack);
+}
+
+std::string getitemhovertext(const ItemStack& stack, const std::string& language) {
+    if (stack.isNull() || host().level == nullptr) return {};
+    auto text = itemhovertext(stack, language);
+    for (const auto& line : stack.getCustomLore()) text += "\n§5§o" + line + "§r";
+    return text;
 }
 
 std::string itemlocalname(const ItemStack& stack, const std::string& locale) {

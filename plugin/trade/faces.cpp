@@ -1,15 +1,19 @@
 // The one place that turns the outcome of a trade into what the player reads and sees next.
-#include "plugin/forms/faces.h"
+#include "plugin/trade/faces.h"
 
-#include "plugin/chestmenu/decoration.h"
-#include "plugin/forms/formtools.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/language.h"
+#include "plugin/base/effects.h"
+#include "plugin/base/language.h"
+#include "plugin/economy/paynotes.h"
+#include "plugin/formparts/formtools.h"
 
 namespace ordomart {
 
+void reopen(ServerPlayer* player, const reopening& menu, const std::string& shopxuid) {
+    openscreen(menu.which, player, {.shop = shopxuid, .refresh = menu.refresh});
+}
+
 std::string answerlanguage(const facerecord& face, const ServerPlayer* player, const std::string& formlanguage) {
-    return face.manner.freshlanguage ? player->getLanguageCode() : formlanguage;
+    return face.manner.chest ? player->getLanguageCode() : formlanguage;
 }
 
 std::string hovertextfor(const facerecord& face, const ItemStack& stack, const std::string& language) {
@@ -17,9 +21,9 @@ std::string hovertextfor(const facerecord& face, const ItemStack& stack, const s
 }
 
 void tellrefusal(const facerecord& face, ServerPlayer* player, const std::string& shopxuid, const std::string& text) {
-    if (face.manner.toasts) {
+    if (face.manner.chest) {
         systemtoast(player, text);
-        face.closed(player, shopxuid);
+        reopen(player, face.closed, shopxuid);
     } else {
         player->sendText(text);
     }
@@ -27,16 +31,17 @@ void tellrefusal(const facerecord& face, ServerPlayer* player, const std::string
 
 void tellsuccess(const facerecord& face, ServerPlayer* player, const std::string& shopxuid, const std::string& language,
                  const tradesuccess& success) {
-    if (!face.manner.resultdialog) {
+    if (face.manner.chest) {
         if (success.saystitle) player->sendText(tr(language, success.titlekey));
         moneytoast(player, success.shopname, success.sign, success.amount);
-        face.goon(player, shopxuid);
+        reopen(player, face.goon, shopxuid);
         return;
     }
     const Form::ModalForm dialog(tr(language, success.titlekey), success.message, tr(language, "continue"),
                                  tr(language, "exit"));
-    sendform(player, dialog, {face.place},
-             [&face, shopxuid](ServerPlayer* who, bool first) { (first ? face.goon : face.leave)(who, shopxuid); });
+    sendform(player, dialog, {face.place}, [&face, shopxuid](ServerPlayer* who, bool first) {
+        reopen(who, first ? face.goon : face.leave, shopxuid);
+    });
 }
 
 }  // namespace ordomart

@@ -1,7 +1,7 @@
 // The elements of the two confirm forms that are answered. What else stands in them is told in tryforms.cpp.
 #pragma once
 
-#include "plugin/forms/formtools.h"
+#include "plugin/formparts/formtools.h"
 
 namespace ordomart {
 

@@ -1,14 +1,14 @@
 // What the owner does with his commissions. The deposit, offer times wanted count, leaves him when he publishes or
 // raises and comes back when he lowers or ends; operators pay and get nothing. Every test comes before the first
 // change, and a failure of the money back end does not stop what has begun.
-#include "plugin/shopsystem/commissions.h"
+#include "plugin/trade/commissions.h"
 
 #include <algorithm>
 
 #include "plugin/economy/economymanager.h"
-#include "plugin/shopsystem/commissionsteps.h"
+#include "plugin/economy/paynotes.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
-#include "plugin/shopsystem/tradelog.h"
+#include "plugin/trade/commissionsteps.h"
 
 namespace shopsystem {
 
@@ -53,7 +53,7 @@ bool paysfee(const Player& player, const recycleshop& shop) {
 
 void pay(const std::string& xuid, std::int64_t amount, const char* note) {
     takemoney(xuid, amount);
-    writepayline(xuid, amount, "SYSTEM", note);
+    ordomart::writepayline(xuid, amount, "SYSTEM", note);
 }
 
 // Hands over all stacks that came in and returns the sum of their counts. What is no item of this server any more

@@ -1,32 +1,15 @@
-// The three conventions of all menu code: a small result code, the cool-down and readiness guard of the chest openers,
-// and the envelope around work that may meet bad data.
+// Two conventions of all menu code: a small result code, and the envelope around work that may meet bad data.
 #pragma once
 
 #include <ctime>
-#include <exception>
 #include <functional>
 #include <string>
 
-#include "platform/player.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 
 enum class opresult : int { opened = 0, refused = 1, notready = 2, cooldown = 3 };
-
-// Readiness, then cool-down; stores the time of an opening that may go on. A refusal by cool-down is told to the
-// player.
-[[nodiscard]] opresult guardopening(ServerPlayer* player);
-
-// The host's presentation of a hardware fault. Nothing here raises it.
-class seh_exception : public std::exception {
-public:
-    explicit seh_exception(std::string what) : what_(std::move(what)) {}
-    [[nodiscard]] const char* what() const noexcept override { return what_.c_str(); }
-
-private:
-    std::string what_;
-};
 
 // What an envelope writes for each kind that it catches. An empty line means that the kind is caught as "anything
 // else".

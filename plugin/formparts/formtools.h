@@ -13,8 +13,8 @@
 
 #include "platform/form.h"
 #include "platform/player.h"
-#include "plugin/frame/globals.h"
-#include "plugin/frame/guards.h"
+#include "plugin/base/globals.h"
+#include "plugin/base/guards.h"
 #include "plugin/shopsystem/baseshop.h"
 #include "plugin/shopsystem/itemidentity.h"
 

@@ -22,9 +22,9 @@ enum class tradeface { formlist, systemform, globalchest, singlechest };
 
 // Rebuilds the item, tells the player when it is no item any more, else sends the try-buy form, whose answer runs the
 // confirm steps. The caller has compared the revision.
-void offerpurchase(ServerPlayer* player, const globalsellshopitem& row, tradeface face);
+void offertrade(ServerPlayer* player, const globalsellshopitem& row, tradeface face);
 // The same for a commission; the player's matching slots are searched here.
-void offerrecyclesale(ServerPlayer* player, const globalrecycleshopitem& row, tradeface face);
+void offertrade(ServerPlayer* player, const globalrecycleshopitem& row, tradeface face);
 
 [[nodiscard]] Form::CustomForm buildtrybuyform(const std::string& language, const globalsellshopitem& item,
                                                const std::string& hovertext, std::pair<int, int> damagepair,

@@ -7,7 +7,7 @@
 #include "platform/item.h"
 #include "platform/player.h"
 #include "platform/text.h"
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 
@@ -23,6 +23,8 @@ void hookchooselanguage();
 
 // The item's hover text in a language, without its custom lore. Server thread, in one go.
 [[nodiscard]] std::string itemhovertext(const ItemStack& stack, const std::string& locale);
+// The same with its custom lore. Empty for the null stack and without a world.
+[[nodiscard]] std::string getitemhovertext(const ItemStack& stack, const std::string& language);
 // The item's name in a language, by its description id.
 [[nodiscard]] std::string itemlocalname(const ItemStack& stack, const std::string& locale);
 

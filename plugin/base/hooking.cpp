@@ -1,5 +1,5 @@
 // The one place where the load asks the server for a function and tells when it does not get it.
-#include "plugin/frame/hooking.h"
+#include "plugin/base/hooking.h"
 
 #include <cstdio>
 

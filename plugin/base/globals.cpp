@@ -1,5 +1,5 @@
 // The values of a server that has no settings file yet.
-#include "plugin/frame/globals.h"
+#include "plugin/base/globals.h"
 
 namespace ordomart {
 

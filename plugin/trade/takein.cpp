@@ -2,9 +2,9 @@
 // bears no tax. The shop of an operator pays without end, keeps its numbers and stores nothing.
 #include <algorithm>
 
-#include "plugin/shopsystem/commissions.h"
-#include "plugin/shopsystem/commissionsteps.h"
 #include "plugin/shopsystem/tradelog.h"
+#include "plugin/trade/commissions.h"
+#include "plugin/trade/commissionsteps.h"
 
 namespace shopsystem {
 

@@ -1,25 +1,10 @@
 // The numbers are read without the C library, whose atoi says nothing of what happens beyond the range.
-#include "plugin/frame/effects.h"
+#include "plugin/base/numbers.h"
 
 #include <charconv>
 #include <limits>
 
-#include "plugin/economy/economymanager.h"
-
 namespace ordomart {
-
-void playsound(ServerPlayer* player, const char* name, float pitch) {
-    player->sendPlaySoundPacket(name, player->getPosition(), 1.0F, pitch);
-}
-
-void systemtoast(ServerPlayer* player, const std::string& text) { player->sendToastPacket("SYSTEM", text); }
-
-void moneytoast(ServerPlayer* player, const std::string& shopname, char sign, std::int64_t amount) {
-    const char* colour = sign == '+' ? "§a" : "§b";
-    player->sendToastPacket(shopname, fmt::format("{} {}{} §r{}", sign, colour, amount, getmoneyname()));
-}
-
-// ---- typed numbers
 
 namespace {
 

@@ -2,17 +2,15 @@
 // in front of it, in the order of the face, and what the player reads behind it.
 #include <nlohmann/json.hpp>
 
-#include "plugin/chestviews/openers.h"
-#include "plugin/forms/faces.h"
-#include "plugin/forms/formtools.h"
-#include "plugin/forms/openers.h"
-#include "plugin/forms/trade.h"
-#include "plugin/forms/tryforms.h"
-#include "plugin/frame/effects.h"
-#include "plugin/frame/language.h"
-#include "plugin/shopsystem/commissions.h"
+#include "plugin/base/effects.h"
+#include "plugin/base/language.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/tradelog.h"
+#include "plugin/trade/commissions.h"
+#include "plugin/trade/faces.h"
+#include "plugin/trade/trade.h"
+#include "plugin/trade/tryforms.h"
 
 namespace ordomart {
 
@@ -20,14 +18,14 @@ namespace {
 
 // In the order of tradeface.
 constexpr facerecord faces[] = {
-    {listmanner, "openOrdorecycleshopAsformmenu", reopens<openOrdorecycleshopAsformmenu, false>,
-     reopens<openOrdorecycleshopAsformmenu, true>, reopens<openFormmainmenu>},
-    {systemlistmanner, "openOrdosystemshoprecycleAsformmenu", reopens<openOrdosystemshoprecycleAsformmenu, false>,
-     reopens<openOrdosystemshoprecycleAsformmenu, true>, reopens<openOrdosystemshopAsformmenu, false>},
-    {chestmanner, "openOrdorecycleshopsmenu", reopens<openOrdorecycleshopsmenu>, reopens<openOrdorecycleshopsmenu>,
-     nullptr},
-    {chestmanner, "opensinglerecycleshopshopsmenu", reopens<opensinglerecycleshopshopsmenu>,
-     reopens<opensinglerecycleshopshopsmenu>, nullptr},
+    {{}, "openOrdorecycleshopAsformmenu", {screen::recycleform, false}, {screen::recycleform}, {screen::mainmenuform}},
+    {{.showscustomlore = true},
+     "openOrdosystemshoprecycleAsformmenu",
+     {screen::systemrecycleform, false},
+     {screen::systemrecycleform},
+     {screen::systemshopform, false}},
+    {{.chest = true}, "openOrdorecycleshopsmenu", {screen::recycleshops}, {screen::recycleshops}},
+    {{.chest = true}, "opensinglerecycleshopshopsmenu", {screen::singlerecycleshop}, {screen::singlerecycleshop}},
 };
 
 struct recyclesale {
@@ -46,7 +44,7 @@ void confirm(ServerPlayer* player, const facerecord& face, const recyclesale& sa
     const auto language = answerlanguage(face, player, sale.language);
     auto& shop = globalruntimeshopmanager.getrecycleshop(sale.shopxuid);
     // A list that has shrunk past the place is logged; the player reads of it what he reads of any change.
-    const bool isread = face.manner.revisionfirst || formenvelope(face.place, [&] {
+    const bool isread = face.manner.chest || formenvelope(face.place, [&] {
                             (void)shop.recycleitems.at(static_cast<std::size_t>(sale.index));
                         });
     if (!isread || !isatrevision(shop, sale.revision)) {
@@ -73,7 +71,7 @@ bool isfresh(const globalrecycleshopitem& row) {
     return isatrevision(globalruntimeshopmanager.getrecycleshop(row.xuid), row.revision);
 }
 
-void offerrecyclesale(ServerPlayer* player, const globalrecycleshopitem& row, tradeface which) {
+void offertrade(ServerPlayer* player, const globalrecycleshopitem& row, tradeface which) {
     const auto& face = faces[static_cast<std::size_t>(which)];
     const auto item = itemfromsnbt(row.itemnbt);
     if (!checkrawitemvalid(item)) {
@@ -86,7 +84,7 @@ void offerrecyclesale(ServerPlayer* player, const globalrecycleshopitem& row, tr
     const recyclesale sale{row.xuid, row.revision, row.index, findrecycleitems(*player, row), language};
     const auto form = buildtryrecycleform(language, row, hovertext, sale.slots,
                                           {item.getDamageValue(), item.getMaxDamage()}, player->getXuid());
-    sendform(player, form, {face.place, [&face, id = row.xuid](ServerPlayer* who) { face.closed(who, id); }},
+    sendform(player, form, {face.place, [&face, id = row.xuid](ServerPlayer* who) { reopen(who, face.closed, id); }},
              [&face, sale](ServerPlayer* who, const Form::Elements& answer) { confirm(who, face, sale, answer); });
 }
 
