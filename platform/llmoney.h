@@ -2,6 +2,9 @@
 // points. Accounts are addressed by xuid, a decimal string; the empty string is the system, which has no account.
 // Amounts are whole units of signed 64 bits, balances are never negative, and an account nobody has touched holds 0.
 // Any thread. No entry point throws: what is refused or fails gives false (a balance: 0) and changes nothing.
+//
+// A file that somebody else has locked, or a full disk, makes a call fail within 100 ms; balances can still be read
+// while another process writes. Only LLMoneyOpen has a few seconds of patience.
 #pragma once
 
 #include <string>
@@ -18,7 +21,7 @@ struct Record {
     bool operator==(const Record&) const = default;
 };
 
-// "LLMoneyGet": the balance.
+// "LLMoneyGet": the balance. A balance that cannot be read is 0, too; LLMoneyLastError tells the two apart.
 using Get = long long(const std::string& xuid);
 
 // "LLMoneySet": makes the balance this. Refused for a negative value and for the system.
@@ -44,7 +47,8 @@ using ClearHist = bool(long long before);
 using Open = bool(const char* databasepath);
 // "LLMoneyClose"
 using Close = void();
-// "LLMoneyLastError": what went wrong on this thread in the last call that failed; good until the next call.
+// "LLMoneyLastError": why the last call of another entry point on this thread was refused or failed, one line; the
+// empty string when it worked. Good until the next call. Optional: a library without it cannot say why.
 using LastError = const char*();
 
 }  // namespace platform::llmoney

@@ -1,15 +1,21 @@
 // The money library: accounts and their history in an SQLite file, behind C entry points that other programs bind by
 // name. What each of them promises stands in platform/llmoney.h. One mutex around everything; a movement of money and
 // its history row are one transaction, begun as a writer so that it cannot lose a race for the file half-way.
+//
+// The file is in WAL mode, where whoever reads is not hindered by whoever writes. A call waits for another process's
+// write a moment only, and after a call that waited in vain the next ones do not wait at all for a while: many trades
+// that fail must not add up to a server that stands.
 #include "platform/llmoney.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <sqlite3.h>
 
 #include <chrono>
 #include <limits>
 #include <memory>
 #include <mutex>
 #include <stdexcept>
+#include <thread>
 #include <type_traits>
 
 #if defined(_WIN32)
@@ -23,25 +29,28 @@ namespace {
 using platform::llmoney::Record;
 using Money = long long;
 
-constexpr int millisecondstowait = 5000;  // for another connection's write to the same file
+using Clock = std::chrono::steady_clock;
+using namespace std::chrono_literals;
 
-// What is refused, as opposed to what fails.
-class Refused : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
+// For another connection's write to the same file.
+constexpr auto patienceatopening = 5000ms, patience = 50ms;
+constexpr auto impatience = 1000ms;  // behind a wait in vain
 
 void require(bool met, const std::string& otherwise) {
-    if (!met) throw Refused(otherwise);
+    if (!met) throw std::runtime_error(otherwise);
 }
 
-class Bank {
+// A file that is waited for as long as a moment allows.
+class File : public SQLite::Database {
 public:
-    explicit Bank(const std::string& path)
-        : db_(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, millisecondstowait) {
+    explicit File(const std::string& path) : SQLite::Database(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE) {
+        sqlite3_busy_handler(
+            getHandle(), [](void* self, int) { return static_cast<File*>(self)->wait(); }, this);
+        waituntil_ = Clock::now() + patienceatopening;
         // A killed process loses nothing in this mode; a power cut may take the last moments, but never half a
         // transfer.
-        db_.exec("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL");
-        db_.exec(
+        exec("PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL");
+        exec(
             "CREATE TABLE IF NOT EXISTS llmoney_account (xuid TEXT PRIMARY KEY, balance INTEGER NOT NULL"
             " CHECK (balance >= 0)) WITHOUT ROWID;"
             "CREATE TABLE IF NOT EXISTS llmoney_history (id INTEGER PRIMARY KEY, payer TEXT NOT NULL,"
@@ -49,11 +58,52 @@ public:
             "CREATE INDEX IF NOT EXISTS llmoney_bypayer ON llmoney_history (payer, time);"
             "CREATE INDEX IF NOT EXISTS llmoney_bypayee ON llmoney_history (payee, time);");
     }
+    // From here on the waits of one call count together.
+    void begincall() {
+        const auto now = Clock::now();
+        waituntil_ = now < impatientuntil_ ? now : now + patience;
+    }
+
+private:
+    // Zero when it is enough.
+    int wait() {
+        const auto now = Clock::now();
+        if (now < waituntil_) return std::this_thread::sleep_for(1ms), 1;
+        impatientuntil_ = now + impatience;
+        return 0;
+    }
+    Clock::time_point waituntil_, impatientuntil_;
+};
+
+// A prepared statement for the time of its use; afterwards it holds nothing of the file.
+class Use {
+public:
+    template <class... A>
+    explicit Use(SQLite::Statement& statement, const A&... arguments) : statement_(statement) {
+        int place = 0;
+        (bind(++place, arguments), ...);
+    }
+    ~Use() { statement_.tryReset(); }
+    Use(const Use&) = delete;
+    Use& operator=(const Use&) = delete;
+    SQLite::Statement* operator->() const { return &statement_; }
+
+private:
+    void bind(int place, const std::string& text) { statement_.bindNoCopy(place, text); }
+    void bind(int place, Money value) { statement_.bind(place, static_cast<std::int64_t>(value)); }
+    SQLite::Statement& statement_;
+};
+
+class Bank {
+public:
+    explicit Bank(const std::string& path) : file_(path) {}
+
+    void begincall() { file_.begincall(); }
+    [[nodiscard]] const std::string& path() const { return file_.getFilename(); }
 
     Money get(const std::string& xuid) {
-        SQLite::Statement query(db_, "SELECT balance FROM llmoney_account WHERE xuid = ?");
-        query.bindNoCopy(1, xuid);
-        return query.executeStep() ? query.getColumn(0).getInt64() : 0;
+        const Use query(balance_, xuid);
+        return query->executeStep() ? query->getColumn(0).getInt64() : 0;
     }
 
     void set(const std::string& xuid, Money value) {
@@ -64,7 +114,7 @@ public:
 
     void transfer(const std::string& from, const std::string& to, Money value, const std::string& note) {
         require(value >= 0, "cannot move " + std::to_string(value) + " from '" + from + "' to '" + to + "'");
-        SQLite::Transaction transaction(db_, SQLite::TransactionBehavior::IMMEDIATE);
+        SQLite::Transaction transaction(file_, SQLite::TransactionBehavior::IMMEDIATE);
         if (!from.empty()) {
             const Money has = get(from);
             require(has >= value, from + " has " + std::to_string(has) + " and cannot pay " + std::to_string(value));
@@ -75,30 +125,22 @@ public:
             require(has <= std::numeric_limits<Money>::max() - value, "the balance of " + to + " would overflow");
             put(to, has + value);
         }
-        remember({from, to, value, now(), note});
+        Use(remember_, from, to, value, now(), note)->exec();
         transaction.commit();
     }
 
     std::vector<Record> history(const std::string& xuid, Money since) {
-        SQLite::Statement query(db_,
-                                "SELECT payer, payee, value, time, note FROM llmoney_history"
-                                " WHERE (payer = ?1 OR payee = ?1) AND time >= ?2 ORDER BY id");
-        query.bindNoCopy(1, xuid);
-        query.bind(2, static_cast<std::int64_t>(since));
+        const Use query(history_, xuid, since);
         std::vector<Record> found;
-        while (query.executeStep()) {
-            found.push_back({query.getColumn(0).getString(), query.getColumn(1).getString(),
-                             query.getColumn(2).getInt64(), query.getColumn(3).getInt64(),
-                             query.getColumn(4).getString()});
+        while (query->executeStep()) {
+            found.push_back({query->getColumn(0).getString(), query->getColumn(1).getString(),
+                             query->getColumn(2).getInt64(), query->getColumn(3).getInt64(),
+                             query->getColumn(4).getString()});
         }
         return found;
     }
 
-    void forget(Money before) {
-        SQLite::Statement query(db_, "DELETE FROM llmoney_history WHERE time < ?");
-        query.bind(1, static_cast<std::int64_t>(before));
-        query.exec();
-    }
+    void forget(Money before) { Use(forget_, before)->exec(); }
 
 private:
     static Money now() {
@@ -106,27 +148,19 @@ private:
             .count();
     }
 
-    void put(const std::string& xuid, Money balance) {
-        SQLite::Statement query(db_,
-                                "INSERT INTO llmoney_account VALUES (?1, ?2)"
-                                " ON CONFLICT (xuid) DO UPDATE SET balance = ?2");
-        query.bindNoCopy(1, xuid);
-        query.bind(2, static_cast<std::int64_t>(balance));
-        query.exec();
-    }
+    void put(const std::string& xuid, Money balance) { Use(put_, xuid, balance)->exec(); }
 
-    void remember(const Record& row) {
-        SQLite::Statement query(db_,
-                                "INSERT INTO llmoney_history (payer, payee, value, time, note) VALUES (?, ?, ?, ?, ?)");
-        query.bindNoCopy(1, row.from);
-        query.bindNoCopy(2, row.to);
-        query.bind(3, static_cast<std::int64_t>(row.value));
-        query.bind(4, static_cast<std::int64_t>(row.time));
-        query.bindNoCopy(5, row.note);
-        query.exec();
-    }
-
-    SQLite::Database db_;
+    File file_;
+    SQLite::Statement balance_{file_, "SELECT balance FROM llmoney_account WHERE xuid = ?"};
+    SQLite::Statement put_{file_,
+                           "INSERT INTO llmoney_account VALUES (?1, ?2)"
+                           " ON CONFLICT (xuid) DO UPDATE SET balance = ?2"};
+    SQLite::Statement remember_{file_,
+                                "INSERT INTO llmoney_history (payer, payee, value, time, note) VALUES (?, ?, ?, ?, ?)"};
+    SQLite::Statement history_{file_,
+                               "SELECT payer, payee, value, time, note FROM llmoney_history"
+                               " WHERE (payer = ?1 OR payee = ?1) AND time >= ?2 ORDER BY id"};
+    SQLite::Statement forget_{file_, "DELETE FROM llmoney_history WHERE time < ?"};
 };
 
 std::mutex mutex;
@@ -136,6 +170,7 @@ thread_local std::string lasterror;
 // Runs the body under the lock; whatever it throws ends here and gives the empty result.
 template <class Body>
 auto guarded(Body&& body) noexcept -> std::invoke_result_t<Body> {
+    lasterror.clear();
     try {
         const std::lock_guard lock(mutex);
         return body();
@@ -145,6 +180,10 @@ auto guarded(Body&& body) noexcept -> std::invoke_result_t<Body> {
     }
 }
 
+std::string naming(const std::string& path, const std::exception& e) {
+    return "the money database " + path + ": " + e.what();
+}
+
 Bank& open() {
     require(bank != nullptr, "no money database is open");
     return *bank;
@@ -152,7 +191,15 @@ Bank& open() {
 
 template <class Body>
 auto withbank(Body&& body) noexcept {
-    return guarded([&] { return body(open()); });
+    return guarded([&] {
+        Bank& opened = open();
+        opened.begincall();
+        try {
+            return body(opened);
+        } catch (const SQLite::Exception& e) {
+            throw std::runtime_error(naming(opened.path(), e));
+        }
+    });
 }
 
 template <class Body>
@@ -207,15 +254,17 @@ LLMONEY_EXPORT bool LLMoneyOpen(const char* databasepath) {
         try {
             bank = std::make_unique<Bank>(databasepath);
         } catch (const std::exception& e) {
-            throw std::runtime_error("the money database " + std::string(databasepath) + ": " + e.what());
+            throw std::runtime_error(naming(databasepath, e));
         }
         return true;
     });
 }
 
 LLMONEY_EXPORT void LLMoneyClose() {
-    const std::lock_guard lock(mutex);
-    bank.reset();
+    guarded([] {
+        bank.reset();
+        return true;
+    });
 }
 
 LLMONEY_EXPORT const char* LLMoneyLastError() { return lasterror.c_str(); }

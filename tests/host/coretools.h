@@ -2,6 +2,8 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -40,6 +42,26 @@ public:
     }
 
     const std::filesystem::path path;
+};
+
+// No file of this process grows as long as it lives.
+class FullDisk {
+public:
+    FullDisk() : handler_(::signal(SIGXFSZ, SIG_IGN)) {
+        ::getrlimit(RLIMIT_FSIZE, &limit_);
+        const rlimit none = {0, limit_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &none);
+    }
+    ~FullDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &limit_);
+        ::signal(SIGXFSZ, handler_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+private:
+    void (*handler_)(int);
+    rlimit limit_{};
 };
 
 struct Complaints {

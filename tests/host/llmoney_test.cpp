@@ -1,4 +1,5 @@
 // The money library, loaded and called as a plug-in does it: by name out of the shared library.
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <dlfcn.h>
 
 #include <limits>
@@ -94,6 +95,8 @@ TEST_F(LLMoneyTest, RefusesAndThenChangesNothing) {
         {"a balance of the system", set("", 1)},
     };
     for (const auto& one : cases) EXPECT_FALSE(one.result) << one.what;
+    EXPECT_FALSE(reduce("poor", 11));
+    EXPECT_STREQ(lasterror(), "poor has 10 and cannot pay 11");
     EXPECT_EQ(get("poor"), 10);
     EXPECT_EQ(get("rich"), most);
     EXPECT_TRUE(history("poor").empty());
@@ -126,6 +129,43 @@ TEST_F(LLMoneyTest, AFileThatIsNoDatabaseIsRefusedAndLeftAsItIs) {
     EXPECT_EQ(directory.get("notes.txt"), text);
     EXPECT_FALSE(open((directory.path / "missing/money.db").c_str()));
     EXPECT_FALSE(open(nullptr));
+}
+
+// Another program at the file, and a disk that takes no more. A hundred calls each: none of them has seconds to wait.
+TEST_F(LLMoneyTest, WhatCannotBeWrittenIsRefusedAtOnceAndBalancesAreStillRead) {
+    ASSERT_TRUE(set("1", 100));
+    SQLite::Database other(file, SQLite::OPEN_READWRITE);
+    const auto nothingworks = [&](const char* why) {
+        for (int i = 0; i < 100; ++i) {
+            EXPECT_FALSE(i % 2 == 0 ? trans("1", "2", 60, "goods") : reduce("1", 1));
+            EXPECT_NE(std::string(lasterror()).find(file + ": " + why), std::string::npos) << lasterror();
+        }
+        EXPECT_FALSE(add("2", 1));
+        EXPECT_FALSE(set("2", 1));
+        EXPECT_FALSE(clearhist(most));
+        EXPECT_EQ(get("1"), 100);
+        EXPECT_STREQ(lasterror(), "");
+        EXPECT_EQ(get("2"), 0);
+        EXPECT_STREQ(lasterror(), "") << "he has nothing, and that is certain";
+    };
+    {
+        const SQLite::Transaction locked(other, SQLite::TransactionBehavior::IMMEDIATE);
+        other.exec("DELETE FROM llmoney_account");
+        nothingworks("database is locked");
+    }
+    EXPECT_TRUE(add("2", 1));
+    ASSERT_TRUE(set("2", 0));
+    {
+        const coretests::FullDisk full;
+        nothingworks("disk I/O error");
+    }
+    EXPECT_TRUE(trans("1", "2", 60, "goods"));
+    EXPECT_STREQ(lasterror(), "");
+    EXPECT_EQ(history("2").size(), 2U);
+
+    other.exec("ALTER TABLE llmoney_account RENAME TO gone");
+    EXPECT_EQ(get("1"), 0);
+    EXPECT_STRNE(lasterror(), "") << "a balance that cannot be read is told from none";
 }
 
 TEST_F(LLMoneyTest, ThreadsDoNotLoseMoney) {
