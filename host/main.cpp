@@ -1,5 +1,6 @@
 // The program: reads its arguments, starts a server and keeps it until it is told to end. SIGINT and SIGTERM end it in
-// good order; a second one ends it at once. Whatever else wants it to end sends the process a SIGTERM.
+// good order, with a status of its own when something could not be saved; a second one ends it at once. Whatever else
+// wants it to end sends the process a SIGTERM.
 #include <signal.h>
 
 #include <unistd.h>
@@ -56,7 +57,15 @@ sigset_t blocksignals() {
     return ending;
 }
 
-void serve(const Arguments& arguments) {
+// The exit statuses: in good order, not started, something left unsaved.
+enum : int { ended = 0, failed = 1, incomplete = 2 };
+
+int told(const std::vector<std::string>& unsaved) {
+    for (const auto& line : unsaved) std::cerr << "ordomart-server: not saved: " << line << std::endl;
+    return unsaved.empty() ? ended : incomplete;
+}
+
+int serve(const Arguments& arguments) {
     const auto ending = blocksignals();
     const bool demo = !arguments.empty && host::makedemo(arguments.server.directory);
     host::Server server(arguments.server);
@@ -74,10 +83,12 @@ void serve(const Arguments& arguments) {
     int signal = 0;
     sigwait(&ending, &signal);
     pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
+    server.announcestop();
     terminal.stop();
     api.stop();
     clients.leaveall();
     server.stop();
+    return told(server.unsaved());
 }
 
 }  // namespace
@@ -87,11 +98,11 @@ int main(int count, char** values) {
     Arguments arguments;
     describe(app, arguments);
     CLI11_PARSE(app, count, values);
+    arguments.server.abandon = [](const std::vector<std::string>& unsaved) { _exit(told(unsaved)); };
     try {
-        serve(arguments);
+        return serve(arguments);
     } catch (const std::exception& e) {
         std::cerr << "ordomart-server: " << e.what() << std::endl;
-        return 1;
+        return failed;
     }
-    return 0;
 }

@@ -54,9 +54,14 @@ void Server::start() {
 
 void Server::stop() {
     if (!parts_ || !parts_->thread.joinable()) return;
+    announcestop();
     parts_->mailbox.order([this] { parts_->stopping = true; });
     parts_->land();
 }
+
+void Server::announcestop() { open(parts_).background.announcestop(); }
+
+const std::vector<std::string>& Server::unsaved() const { return open(parts_).unsaved; }
 
 void Server::post(std::function<void()> work) { open(parts_).mailbox.post(std::move(work)); }
 

@@ -32,6 +32,9 @@ struct ServerOptions {
     int port = 19132;                          // what the properties answer; nothing listens on it
     // Called with the finished set of services before the plug-in is loaded; a test may swap one for its own.
     std::function<void(platform::Host&)> adjust;
+    // Called on the server thread at a stop when everything that can be is saved and background work does not end, with
+    // what unsaved() would tell. It may end the process. When it comes back, or there is none, the stop waits on.
+    std::function<void(const std::vector<std::string>& unsaved)> abandon;
 };
 
 // A start that failed, with one line that names file, key or position.
@@ -50,8 +53,13 @@ public:
     // Opens the world, installs the host, loads the plug-in, calls its entry, fires the command event, chooses the
     // language, then lets the server thread run. Throws StartError, with everything undone and nothing overwritten.
     void start();
-    // Orderly: players leave, background bodies and the plug-in's queue end, the plug-in is unloaded, the world closed.
+    // Orderly: players leave, background bodies and the plug-in's queue end, the plug-in saves and is unloaded, the
+    // world closed. Bodies that do not end within a few seconds are left to `abandon`.
     void stop();
+    // Any thread: lets background bodies end early while those who use the server are still being shut out.
+    void announcestop();
+    // After stop(): a line for each thing that did not get to the disk.
+    [[nodiscard]] const std::vector<std::string>& unsaved() const;
 
     // Runs the work on the server thread, in order, at the start of its next pass; what it throws is logged. In manual
     // mode it runs at once, too, but packets and tasks wait for settle() or ticks(). Throws std::logic_error when the

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace platform {
 
@@ -20,8 +22,15 @@ struct PlayerJoinEvent {
 };  // he is online and ready
 struct PlayerLeftEvent {
     ServerPlayer* player;
-};                              // he is still online, for the last time
-struct ServerStoppingEvent {};  // the last event of an orderly stop, when the players have left: time to save
+};  // he is still online, for the last time
+// In an orderly stop, when the players have left and everything that was under way has ended: time to save. It comes
+// again, two more times at most, when what was begun by it has given the server thread something to do.
+struct ServerStoppingEvent {};
+// The last event of an orderly stop: nothing is under way, and what is not on the disk now will not come there any
+// more. A listener adds one line for each such thing; the server tells them all and ends with a status of its own.
+struct ServerStoppedEvent {
+    std::vector<std::string>& unsaved;
+};
 
 template <class E>
 using Handler = std::function<bool(const E&)>;
@@ -35,6 +44,7 @@ public:
     virtual void listen(Event::Handler<Event::PlayerJoinEvent> handler) = 0;
     virtual void listen(Event::Handler<Event::PlayerLeftEvent> handler) = 0;
     virtual void listen(Event::Handler<Event::ServerStoppingEvent> handler) = 0;
+    virtual void listen(Event::Handler<Event::ServerStoppedEvent> handler) = 0;
 };
 
 namespace Event {

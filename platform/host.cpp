@@ -12,6 +12,7 @@
 #include "platform/logger.h"
 #include "platform/network.h"
 #include "platform/schedule.h"
+#include "platform/stores.h"
 #include "platform/text.h"
 #include "platform/turn.h"
 
@@ -73,7 +74,13 @@ Turn::~Turn() { host().turn->give(); }
 namespace Background {
 void start(std::function<void()> body) { host().background->start(std::move(body)); }
 std::shared_ptr<void> busy() { return host().background->busy(); }
+bool stopping() { return host().background->stopping(); }
 }  // namespace Background
+
+namespace Stores {
+bool writable() { return unwritable().empty(); }
+std::string unwritable() { return host().stores != nullptr ? host().stores->unwritable() : std::string(); }
+}  // namespace Stores
 
 std::int64_t unixseconds() { return host().clock->unixmilliseconds() / 1000; }
 

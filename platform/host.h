@@ -23,6 +23,7 @@ class ItemRegistry;
 class Level;
 class Scoreboard;
 class KnownPlayers;
+class StoreState;
 
 class Properties {
 public:
@@ -57,6 +58,7 @@ struct Host {
     Level* level = nullptr;            // null until the world is open
     Scoreboard* scoreboard = nullptr;  // null until the world is open
     KnownPlayers* knownplayers = nullptr;
+    StoreState* stores = nullptr;
     Properties* properties = nullptr;
     PluginList* plugins = nullptr;
 };

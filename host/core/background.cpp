@@ -10,7 +10,7 @@ namespace host {
 struct BackgroundBodies::Count {
     std::mutex mutex;
     std::condition_variable idle;
-    int number = 0;
+    Underway now;
     std::function<void()> onidle;
 };
 
@@ -19,15 +19,19 @@ BackgroundBodies::BackgroundBodies(std::function<void()> onidle, Complain compla
     count_->onidle = std::move(onidle);
 }
 
-std::shared_ptr<void> BackgroundBodies::busy() {
+std::shared_ptr<void> BackgroundBodies::busy() { return counted(&Underway::handles); }
+
+std::shared_ptr<void> BackgroundBodies::counted(int Underway::*kind) {
     {
         const std::lock_guard lock(count_->mutex);
-        ++count_->number;
+        ++(count_->now.*kind);
     }
-    return {count_.get(), [count = count_](void*) {
+    return {count_.get(), [count = count_, kind](void*) {
                 {
                     const std::lock_guard lock(count->mutex);
-                    if (--count->number > 0) return;
+                    if (kind == &Underway::handles) ++count->now.ended;
+                    --(count->now.*kind);
+                    if (count->now.all() > 0) return;
                     count->idle.notify_all();
                 }
                 count->onidle();
@@ -36,7 +40,7 @@ std::shared_ptr<void> BackgroundBodies::busy() {
 
 void BackgroundBodies::start(std::function<void()> body) {
     for (auto& thread : takefinished()) thread.join();
-    auto handle = busy();
+    auto handle = counted(&Underway::bodies);
     const std::lock_guard lock(mutex_);
     const auto self = running_.emplace(running_.end());
     try {
@@ -60,15 +64,21 @@ std::list<std::thread> BackgroundBodies::takefinished() {
     return std::exchange(finished_, {});
 }
 
-int BackgroundBodies::count() const {
+std::chrono::steady_clock::time_point BackgroundBodies::announcestop() {
+    const std::lock_guard lock(mutex_);
+    if (!stopping_.exchange(true)) announced_ = std::chrono::steady_clock::now();
+    return announced_;
+}
+
+Underway BackgroundBodies::underway() const {
     const std::lock_guard lock(count_->mutex);
-    return count_->number;
+    return count_->now;
 }
 
 void BackgroundBodies::waitidle() {
     {
         std::unique_lock lock(count_->mutex);
-        count_->idle.wait(lock, [&] { return count_->number == 0; });
+        count_->idle.wait(lock, [&] { return count_->now.all() == 0; });
     }
     for (auto& thread : takefinished()) thread.join();
 }

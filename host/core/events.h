@@ -25,6 +25,9 @@ public:
     void listen(platform::Event::Handler<platform::Event::ServerStoppingEvent> handler) override {
         add(std::move(handler));
     }
+    void listen(platform::Event::Handler<platform::Event::ServerStoppedEvent> handler) override {
+        add(std::move(handler));
+    }
 
     // Calls the listeners in the order in which they came, until one does not let the event pass. A listener that
     // throws is logged, and the next one is called.
@@ -45,7 +48,8 @@ private:
     }
     Complain complain_;
     std::tuple<Listeners<platform::Event::RegCmdEvent>, Listeners<platform::Event::PlayerJoinEvent>,
-               Listeners<platform::Event::PlayerLeftEvent>, Listeners<platform::Event::ServerStoppingEvent>>
+               Listeners<platform::Event::PlayerLeftEvent>, Listeners<platform::Event::ServerStoppingEvent>,
+               Listeners<platform::Event::ServerStoppedEvent>>
         listeners_;
 };
 

@@ -1,6 +1,6 @@
-// From nothing to a running server and back. All of it happens on the server thread, so that the plug-in knows one
-// thread from its first line to its last. What holds code of the plug-in is emptied before the plug-in is unloaded, and
-// the services stand until its last destructor has run.
+// From nothing to a running server, and the end of one that has stopped. The server thread does all that the plug-in
+// sees of it, so that this knows one thread from its first line to its last. What holds code of the plug-in is emptied
+// before the plug-in is unloaded, and the services stand until its last destructor has run.
 #include <sys/file.h>
 
 #include <future>
@@ -15,8 +15,6 @@ namespace fs = std::filesystem;
 namespace host {
 
 namespace {
-
-constexpr int mostpassesatstop = 1000;
 
 std::atomic<bool> running = false;  // a server in this process
 
@@ -135,6 +133,7 @@ void Server::Parts::openworld() {
     services.level = &world->level();
     services.scoreboard = &world->scoreboard();
     services.knownplayers = &world->knownplayers();
+    services.stores = &world->stores();
     network = std::make_unique<Network>(server);
 }
 
@@ -144,22 +143,6 @@ void Server::Parts::loadplugin(const fs::path& file) {
     module->enter();
     events.fire(platform::Event::RegCmdEvent{&commands});
     platform::I18n::chooseLanguage(options.language);
-}
-
-void Server::Parts::farewell() {
-    turn.openuntil(TurnKeeper::Time::max());
-    {
-        const platform::Turn held;
-        guarded(complain, "Players could not leave", [&] { network->leaveall(); });
-        events.fire(platform::Event::ServerStoppingEvent{});
-    }
-    if (!rest(mostpassesatstop)) complain("Tasks that make tasks without an end were dropped");
-    mailbox.close();
-    {
-        const platform::Turn held;
-        dowork();
-    }
-    doorders();
 }
 
 // The plug-in is unloaded by a thread that has never run its code: one that has may hold objects of its own that keep
@@ -175,12 +158,14 @@ void Server::Parts::teardown() {
     libraries.close();
 
     const bool wasopen = world != nullptr;
-    if (wasopen) guarded(complain, "The world could not be saved", [&] { world->flush(); });
+    if (wasopen) closeworld();
+    tellunsaved();
     network.reset();
     world.reset();
     services.level = nullptr;
     services.scoreboard = nullptr;
     services.knownplayers = nullptr;
+    services.stores = nullptr;
     if (wasopen) say(platform::LogLevel::info, "The server has stopped");
     platform::installhost(nullptr);
     speaking = nullptr;

@@ -20,6 +20,7 @@
 #include "host/core/mailbox.h"
 #include "host/core/module.h"
 #include "host/core/pacer.h"
+#include "host/core/patience.h"
 #include "host/core/plugins.h"
 #include "host/core/scheduler.h"
 #include "host/core/texts.h"
@@ -27,22 +28,32 @@
 #include "host/network/network.h"
 #include "host/server.h"
 #include "host/world/world.h"
+#include "platform/turn.h"
 
 namespace host {
 
 struct Server::Parts {
     Parts(Server& face, const ServerOptions& settings);
 
-    // lifecycle.cpp. launch() returns when the server is up, or throws StartError when it is down again; land() waits
-    // until it is down. The steps between are the server thread's, but for teardown(), which comes when that has ended.
+    // lifecycle.cpp, and stopping.cpp from farewell() on. launch() returns when the server is up, or throws StartError
+    // when it is down again; land() waits until it is down. The steps between are the server thread's, but for
+    // teardown(), which comes when that has ended.
     void launch();
     void land();
     void live(std::promise<void> started);
     void startup();
     void openworld();
     void loadplugin(const std::filesystem::path& file);
-    void farewell();
     void teardown();
+    void farewell();
+    void leavebehind(int left);
+    void closeworld();
+    void tellunsaved();
+    template <class E>
+    void fire(const E& event) {
+        const platform::Turn held;
+        events.fire(event);
+    }
     // One line of the server's own.
     void say(platform::LogLevel level, const std::string& text);
 
@@ -52,9 +63,9 @@ struct Server::Parts {
     bool pass(bool tick);  // true when there was something to do
     bool dowork();
     void doorders();
-    // Passes until nothing is under way any more; false when there is no end to it.
-    bool rest(int mostpasses);
-    // The same without a limit that would ever be met by honest work; throws std::runtime_error.
+    // Passes until nothing is under way any more; false when the patience was over before.
+    bool rest(Patience& patience);
+    // The same without an end; throws std::runtime_error when tasks make tasks for ever.
     void settle();
     void tick();  // one of 50 ms of the manual clock, and what follows from it
 
@@ -90,7 +101,8 @@ struct Server::Parts {
     std::thread thread;
     std::atomic<std::thread::id> serverthread;
     std::atomic<std::uint64_t> tickcount = 0;
-    bool stopping = false;  // the server thread's
+    bool stopping = false;             // the server thread's
+    std::vector<std::string> unsaved;  // by the end of a stop
 };
 
 }  // namespace host

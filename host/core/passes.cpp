@@ -8,8 +8,6 @@ namespace host {
 namespace {
 
 constexpr std::int64_t millisecondsatick = 50;
-constexpr int mostpassestosettle = 100'000;
-constexpr auto untilareminder = std::chrono::seconds(5);
 
 }  // namespace
 
@@ -53,23 +51,24 @@ void Server::Parts::doorders() {
     for (const auto& order : mailbox.takeorders()) order();
 }
 
-bool Server::Parts::rest(int mostpasses) {
-    for (int passes = 0; passes < mostpasses;) {
+bool Server::Parts::rest(Patience& patience) {
+    for (;;) {
         // Asked before the pass: what a body has left to the server by its end, that pass sees.
-        const int busy = background.count();
-        if (pass(false)) {
-            ++passes;
-        } else if (busy == 0) {
-            return true;
-        } else if (!mailbox.wait(std::chrono::steady_clock::now() + untilareminder)) {
-            say(platform::LogLevel::info, "Waiting for " + std::to_string(busy) + " pieces of background work");
+        const Underway underway = background.underway();
+        const bool did = pass(false);
+        if (did && patience.countpass()) continue;
+        if (underway.all() == 0) return !did;
+        if (!patience.waitsfor(underway)) return false;
+        if (!mailbox.wait(std::chrono::steady_clock::now() + patience.step()) && !patience.hasend()) {
+            say(platform::LogLevel::info,
+                "Waiting for " + std::to_string(underway.all()) + " pieces of background work");
         }
     }
-    return false;
 }
 
 void Server::Parts::settle() {
-    if (!rest(mostpassestosettle)) throw std::runtime_error("the server does not come to rest: tasks make tasks");
+    auto patience = Patience::endless();
+    if (!rest(patience)) throw std::runtime_error("the server does not come to rest: tasks make tasks");
 }
 
 void Server::Parts::tick() {

@@ -2,14 +2,19 @@
 
 #include <fmt/format.h>
 
+#include "host/core/files.h"
 #include "host/server.h"
+#include "platform/logger.h"
 
 namespace host {
+
+namespace fs = std::filesystem;
 
 namespace {
 
 constexpr int fileversion = 1;
-constexpr int busymilliseconds = 2000;
+// For somebody else's lock on the file. What is not written in a pass is written in a later one.
+constexpr int patienceatstart = 2000, patience = 20;  // milliseconds
 
 // Stacks are item compounds in the little-endian binary form. Slots: 0 to 35 inventory, 36 to 39 armour, 40 offhand,
 // 41 cursor. A score id belongs to a player (by key) or to a fake player (by name).
@@ -52,8 +57,9 @@ void prepare(SQLite::Database& file, const std::string& path) {
 
 SQLite::Database opened(const std::string& path) {
     try {
-        SQLite::Database file(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, busymilliseconds);
+        SQLite::Database file(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, patienceatstart);
         prepare(file, path);
+        file.setBusyTimeout(patience);
         return file;
     } catch (const SQLite::Exception& e) {
         throw StartError(fmt::format("{}: {}", path, e.what()));
@@ -62,7 +68,10 @@ SQLite::Database opened(const std::string& path) {
 
 }  // namespace
 
-Database::Database(const std::string& path) : path_(path), file_(opened(path)) {}
+Database::Database(const std::string& path)
+    : path_(path), aside_(fs::absolute(path).replace_extension("unsaved.sql")), file_(opened(path)) {
+    takein();
+}
 
 SQLite::Statement& Database::cached(const std::string& sql) {
     auto found = statements_.find(sql);
@@ -74,9 +83,43 @@ SQLite::Statement& Database::cached(const std::string& sql) {
 }
 
 void Database::transaction(const std::function<void()>& work) {
-    SQLite::Transaction transaction(file_);
+    // As a writer from the start: the only place that waits for a lock.
+    SQLite::Transaction transaction(file_, SQLite::TransactionBehavior::IMMEDIATE);
     work();
     transaction.commit();
+}
+
+bool Database::keepaside(const std::function<void()>& work) {
+    std::string script;
+    {
+        struct Recording {
+            std::string*& place;
+            ~Recording() { place = nullptr; }
+        } const recording{script_ = &script};
+        work();
+    }
+    return DiskFiles(aside_.parent_path()).replace(aside_.filename(), script);
+}
+
+void Database::takein() {
+    const auto script = DiskFiles(aside_.parent_path()).read(aside_.filename());
+    if (!script) return;
+    try {
+        transaction([&] { file_.exec(*script); });
+    } catch (const SQLite::Exception& e) {
+        throw StartError(
+            fmt::format("{}: what the last stop left unsaved cannot be taken in: {}", aside_.string(), e.what()));
+    }
+    fs::remove(aside_);
+    platform::Logger("Server").info("{}: what the last stop left unsaved is taken in", aside_.string());
+}
+
+void Database::execute(SQLite::Statement& statement) {
+    if (script_ != nullptr)
+        *script_ += statement.getExpandedSQL() + ";\n";
+    else
+        statement.exec();
+    statement.reset();
 }
 
 }  // namespace host

@@ -4,6 +4,8 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include <chrono>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <string>
@@ -24,9 +26,7 @@ public:
 
     template <class... A>
     void run(const std::string& sql, const A&... arguments) {
-        SQLite::Statement& statement = prepared(sql, arguments...);
-        statement.exec();
-        statement.reset();
+        execute(prepared(sql, arguments...));
     }
     template <class F, class... A>
     void rows(const std::string& sql, F&& each, const A&... arguments) {
@@ -34,8 +34,14 @@ public:
         while (statement.executeStep()) each(statement);
         statement.reset();
     }
-    // All of it or nothing; what the work throws goes on to the caller.
+    // All of it or nothing; what the work throws goes on to the caller. Somebody else's lock is waited for a moment
+    // only.
     void transaction(const std::function<void()>& work);
+    void setpatience(std::chrono::milliseconds patience) { file_.setBusyTimeout(static_cast<int>(patience.count())); }
+    // For a file that cannot be written any more before the end: what the work would run goes into a script beside it,
+    // which the next one that opens the file runs first. False when that cannot be written either.
+    bool keepaside(const std::function<void()>& work);
+    [[nodiscard]] std::string aside() const { return aside_.string(); }
 
 private:
     template <class... A>
@@ -46,6 +52,8 @@ private:
         return statement;
     }
     SQLite::Statement& cached(const std::string& sql);
+    void execute(SQLite::Statement& statement);
+    void takein();
     static void bind(SQLite::Statement& s, int place, const Blob& v) {
         s.bind(place, v.bytes.data(), static_cast<int>(v.bytes.size()));
     }
@@ -55,8 +63,10 @@ private:
     }
 
     std::string path_;
+    std::filesystem::path aside_;
     SQLite::Database file_;
     std::map<std::string, SQLite::Statement> statements_;
+    std::string* script_ = nullptr;  // while it is being made
 };
 
 // A part of the world that has rows of its own. Changes are gathered and go to the file together, in one transaction

@@ -42,7 +42,7 @@ std::vector<DroppedItem> DroppedItems::all() const {
 void DroppedItems::write(Database& file) {
     if (vanished_ != 0) file.run("DELETE FROM droppeditems WHERE id <= ?", vanished_);
     for (auto row = rows_.rbegin(); row != rows_.rend() && row->id > written_; ++row)
-        file.run("INSERT INTO droppeditems VALUES (?, ?, ?, ?, ?, ?)", row->id, Blob{row->stack},
+        file.run("INSERT OR REPLACE INTO droppeditems VALUES (?, ?, ?, ?, ?, ?)", row->id, Blob{row->stack},
                  static_cast<double>(row->position.x), static_cast<double>(row->position.y),
                  static_cast<double>(row->position.z), row->dimension);
 }

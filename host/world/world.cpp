@@ -12,6 +12,8 @@
 
 namespace host {
 
+constexpr auto patienceatend = std::chrono::milliseconds(500);
+
 ServerPlayerImpl& World::Parts::enter(const JoinRequest& request, ClientLink& link) {
     PlayerRecord& record = records.enter(request);
     if (!record.xuid.empty()) names.learn(record.xuid, record.name);
@@ -45,6 +47,7 @@ World::~World() = default;
 platform::Level& World::level() { return parts_->level; }
 platform::Scoreboard& World::scoreboard() { return parts_->scoreboard; }
 platform::KnownPlayers& World::knownplayers() { return parts_->names; }
+platform::StoreState& World::stores() { return parts_->state; }
 
 std::vector<PlayerSummary> World::players() const {
     std::vector<PlayerSummary> all;
@@ -121,22 +124,43 @@ void World::setitem(const std::string& playername, int slot, const platform::Ite
     parts_->online(playername).inventory().put(realslot(slot), stack);
 }
 
-void World::flush() {
-    Parts& parts = *parts_;
-    parts.level.each([](ServerPlayerImpl& player) { player.sendchanges(); });
-    if (std::ranges::none_of(parts.stores, [](const Store* store) { return store->changed(); })) return;
+bool World::Parts::write() {
+    if (std::ranges::none_of(stores, [](const Store* store) { return store->changed(); })) return true;
     try {
-        parts.file.transaction([&] {
-            for (Store* store : parts.stores) store->write(parts.file);
-        });
+        file.transaction([&] { writestores(); });
     } catch (const SQLite::Exception& e) {
-        // Everything stays marked, and the next pass tries again.
-        if (!std::exchange(parts.failing, true))
-            platform::Logger("Server").error("{} could not be written: {}", parts.file.path(), e.what());
-        return;
+        // Everything stays marked.
+        state.failed(e.what());
+        return false;
     }
-    for (Store* store : parts.stores) store->written();
-    if (std::exchange(parts.failing, false)) platform::Logger("Server").info("{} is written again", parts.file.path());
+    forgetchanges();
+    state.worked();
+    return true;
+}
+
+void World::Parts::writestores() {
+    for (Store* store : stores) store->write(file);
+}
+
+void World::Parts::forgetchanges() {
+    for (Store* store : stores) store->written();
+}
+
+void World::flush() {
+    parts_->level.each([](ServerPlayerImpl& player) { player.sendchanges(); });
+    if (parts_->state.istime()) parts_->write();
+}
+
+std::string World::lastflush() {
+    Parts& parts = *parts_;
+    parts.file.setpatience(patienceatend);
+    if (parts.write()) return {};
+    const bool kept = parts.file.keepaside([&] { parts.writestores(); });
+    const auto fate = kept ? fmt::format("what changed since is kept in {} for the next start", parts.file.aside())
+                           : "what changed since is lost";
+    const auto line = fmt::format("{}; {}", parts.state.unwritable(), fate);
+    parts.forgetchanges();
+    return line;
 }
 
 }  // namespace host

@@ -10,6 +10,7 @@
 #include "platform/item.h"
 #include "platform/level.h"
 #include "platform/scoreboard.h"
+#include "platform/stores.h"
 
 namespace host {
 
@@ -40,6 +41,7 @@ public:
     [[nodiscard]] platform::Level& level();
     [[nodiscard]] platform::Scoreboard& scoreboard();
     [[nodiscard]] platform::KnownPlayers& knownplayers();  // any thread
+    [[nodiscard]] platform::StoreState& stores();
 
     [[nodiscard]] std::vector<PlayerSummary> players() const;
     [[nodiscard]] std::vector<DroppedItem> droppeditems() const;  // in the order they fell
@@ -59,8 +61,12 @@ public:
     // A block on layer 0, or an extra block on layer 1; it stands until the server stops.
     void setblock(int dimension, platform::BlockPos pos, const std::string& name, int layer = 0);
     // The end of a pass: shows online players what changed in their slots otherwise than by their own requests, and
-    // writes everything that is not written yet, in one transaction. What cannot be written is logged and tried again.
+    // writes everything that is not written yet, in one transaction. What cannot be written is logged and tried again,
+    // with growing pauses; a file that is locked is waited for some 20 ms.
     void flush();
+    // The last one, with more patience: what cannot be written is kept aside for the next start. What became of it
+    // then, or nothing when all is written.
+    [[nodiscard]] std::string lastflush();
 
     struct Parts;
     [[nodiscard]] Parts& parts() { return *parts_; }

@@ -7,6 +7,7 @@
 #include "host/world/playerrecords.h"
 #include "host/world/scoreboardimpl.h"
 #include "host/world/world.h"
+#include "host/world/writestate.h"
 
 namespace host {
 
@@ -20,8 +21,12 @@ struct World::Parts {
     ScoreboardImpl scoreboard;
     LevelImpl level;
     Store* const stores[4] = {&records, &ground, &names, &scoreboard};
-    bool failing = false;  // the last write did not work
+    WriteState state{file.path()};
 
+    // Writes everything that has changed, in one transaction; false when that did not work.
+    bool write();
+    void writestores();
+    void forgetchanges();
     // Throws std::runtime_error when he cannot come in. What was left on his cursor is put away.
     ServerPlayerImpl& enter(const JoinRequest& request, ClientLink& link);
     void leave(ServerPlayerImpl& player);

@@ -4,6 +4,7 @@
 #include "platform/files.h"
 #include "platform/library.h"
 #include "platform/logger.h"
+#include "platform/stores.h"
 #include "platform/text.h"
 #include "tests/conformance/conformance.h"
 
@@ -52,6 +53,7 @@ TEST_P(Conformance, FilesAreReplacedWholeReadAndListed) {
 
 TEST_P(Conformance, LogLinesReachTheirFile) {
     start();
+    server->onserver([] { EXPECT_EQ(platform::Stores::unwritable(), "") << "nothing is in the way of a new world"; });
     platform::LogSink& log = *server->services().log;
     EXPECT_TRUE(log.openFile("conformance.log", false));
     log.write("Suite", platform::LogLevel::warn, "{braces}", 0, "conformance.log");

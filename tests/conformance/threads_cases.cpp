@@ -1,6 +1,6 @@
 // Scheduler, turn and background threads.
 #include <atomic>
-#include <future>
+#include <chrono>
 #include <thread>
 
 #include "platform/background.h"
@@ -80,15 +80,17 @@ TEST_P(Conformance, OneThreadAtATimeHasTheTurn) {
     EXPECT_EQ(model, 7 * rounds);
 }
 
+// A body that ends when it is told of the stop, and not before.
+template <class Work>
+auto untilthestop(Work work) {
+    return [work]() mutable {
+        while (!Background::stopping()) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        work();
+    };
+}
+
 TEST_P(Conformance, AStopWaitsForWhatIsUnderWay) {
-    std::promise<void> stopping;
-    const auto gate = stopping.get_future().share();
-    start([&](platform::Host&) {
-        on<platform::Event::ServerStoppingEvent>([&](const auto&) {
-            stopping.set_value();
-            return true;
-        });
-    });
+    start();
     std::atomic<int> ended = 0, chain = 0;
     // Each body starts the next one, so that there is always one that only its count shows.
     std::function<void()> link = [&] {
@@ -98,22 +100,57 @@ TEST_P(Conformance, AStopWaitsForWhatIsUnderWay) {
     };
     std::thread queue;
     server->onserver([&] {
-        Background::start([&, gate] {
-            gate.wait();
-            link();
-        });
+        EXPECT_FALSE(Background::stopping());
+        Background::start(untilthestop([&] { link(); }));
         Background::start([] { throw std::runtime_error("a body that does not catch what it throws"); });
         // Work that waits in a queue of the plug-in's own.
-        queue = std::thread([&, gate, handle = Background::busy()]() mutable {
-            gate.wait();
+        queue = std::thread(untilthestop([&, handle = Background::busy()]() mutable {
             for (int i = 0; i < 1000; ++i) std::this_thread::yield();
             ++ended;
             handle.reset();
-        });
+        }));
     });
     server->stop();
     EXPECT_EQ(ended, 2);
     queue.join();
+}
+
+// A list of what has been done and of what each call to save has found done.
+TEST_P(Conformance, AStopSavesWhatComesIntoBeingWhileItRests) {
+    Words done, saved;
+    bool over = false;
+    start([&](platform::Host&) {
+        on<platform::Event::PlayerLeftEvent>([&](const auto&) {
+            EXPECT_TRUE(Background::stopping());
+            done.emplace_back("leaving");
+            return true;
+        });
+        on<platform::Event::ServerStoppingEvent>([&](const auto&) {
+            if (saved == done) return true;
+            saved = done;
+            // A save that reports back, as often as there is something to save.
+            Background::start([&] { Schedule::delay([&] { done.emplace_back("after a save"); }, 0); });
+            return true;
+        });
+        on<platform::Event::ServerStoppedEvent>([&](const auto& event) {
+            over = event.unsaved.empty() && done.size() == 6;
+            return true;
+        });
+    });
+    server->join("Tester", xuid);
+    server->onserver([&] {
+        Background::start(untilthestop([&] {
+            Schedule::delay(
+                [&] {
+                    done.emplace_back("by a body");
+                    Schedule::delay([&] { done.emplace_back("by a task"); }, 0);
+                },
+                0);
+        }));
+    });
+    server->stop();
+    EXPECT_EQ(saved, (Words{"leaving", "by a body", "by a task", "after a save", "after a save"}));
+    EXPECT_TRUE(over) << "the last event comes when nothing is under way";
 }
 
 }  // namespace conformance

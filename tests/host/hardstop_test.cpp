@@ -1,5 +1,6 @@
 // The program as a process: killed in the middle of its work, told to end, and not able to start. What is on the disk
 // afterwards is whole, and nobody has gained or lost by it.
+#include <SQLiteCpp/SQLiteCpp.h>
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <sys/file.h>
@@ -264,6 +265,29 @@ TEST_F(HardStop, ATermSignalSavesEverything) {
         EXPECT_EQ(process->wait(), 0);
         EXPECT_EQ(process->errors(), "");
         EXPECT_EQ(soldonfile(), (Counts{1, 2, 0, 1}));
+        accountsagree(bought);
+    }
+}
+
+// The world's file is locked from before the purchase to after the end of the process.
+TEST_F(HardStop, WhatAStopCannotSaveIsToldAndThereAtTheNextStart) {
+    for (const bool withllmoney : {true, false}) {
+        SCOPED_TRACE(withllmoney);
+        opens(withllmoney);
+        if (HasFatalFailure()) return;
+        const std::string world = (directory.path / "server.sqlite").string();
+        {
+            SQLite::Database other(world, SQLite::OPEN_READWRITE);
+            const SQLite::Transaction locked(other, SQLite::TransactionBehavior::IMMEDIATE);
+            ASSERT_TRUE(buys(1));
+            api.reset();
+            process->kill(SIGTERM);
+            EXPECT_EQ(process->wait(), 2);
+        }
+        const std::string errors = process->errors();
+        EXPECT_THAT(errors, testing::StartsWith("ordomart-server: not saved: " + world));
+        EXPECT_THAT(errors, HasSubstr("server.unsaved.sql"));
+        EXPECT_EQ(soldonfile(), (Counts{0, 1, 0, 0}));
         accountsagree(bought);
     }
 }

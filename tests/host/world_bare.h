@@ -59,6 +59,7 @@ protected:
         world.reset();
         open();
     }
+    void passes(std::int64_t milliseconds) { clock_.now += milliseconds; }
     host::ServerPlayerImpl& join(const std::string& name, const std::string& xuid = {}, int permission = 0) {
         return world->parts().enter({.name = name, .xuid = xuid, .permission = permission}, link);
     }
@@ -77,7 +78,8 @@ protected:
 
 private:
     struct StoppedClock : platform::Clock {
-        [[nodiscard]] std::int64_t unixmilliseconds() const override { return 0; }
+        std::int64_t now = 0;
+        [[nodiscard]] std::int64_t unixmilliseconds() const override { return now; }
     };
     StoppedClock clock_;
     platform::Host services_;

@@ -1,0 +1,31 @@
+// Whether the world's file takes what is written to it, and when it is tried again after it did not: the pauses grow,
+// so that the server thread hardly waits for a file that stays locked. The log is told when it begins and when it is
+// over.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/stores.h"
+
+namespace host {
+
+class WriteState : public platform::StoreState {
+public:
+    explicit WriteState(std::string file) : file_(std::move(file)) {}
+
+    [[nodiscard]] bool istime() const;
+    void failed(const std::string& why);
+    void worked();
+
+    [[nodiscard]] std::string unwritable() const override;
+
+private:
+    [[nodiscard]] bool isfailing() const { return pause_ > 0; }
+
+    const std::string file_;
+    std::string why_;
+    std::int64_t since_ = 0, tried_ = 0, pause_ = 0;  // milliseconds of the server's clock
+};
+
+}  // namespace host
