@@ -1,5 +1,6 @@
 // How long the server thread waits for its turn while a list builder is busy, next to the same work under a plain
-// std::mutex in the same run; and how much longer the builder takes than alone.
+// std::mutex in the same run; and how much longer the builder takes than alone. Then the same with a crowd of builders
+// that all wait for one another.
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -29,21 +30,23 @@ void busy(Clock::duration time) {
 
 struct Result {
     std::vector<double> waits;  // microseconds
-    double pieces = 0;          // of the builder, per second
+    double pieces = 0;          // of all builders, per second
 };
 
 template <class Take, class Give, class Between>
-Result play(Take take, Give give, Between between) {
+Result play(Take take, Give give, Between between, int builders = 1) {
     Result result;
     std::atomic<bool> stop = false;
     std::atomic<int> pieces = 0;
-    std::thread builder([&] {
-        for (; !stop; ++pieces) {
-            take();
-            busy(guesttime);
-            give();
-        }
-    });
+    std::vector<std::thread> threads;
+    for (int i = 0; i < builders; ++i)
+        threads.emplace_back([&] {
+            for (; !stop; ++pieces) {
+                take();
+                busy(guesttime);
+                give();
+            }
+        });
     const auto start = Clock::now();
     auto due = start + interval;
     for (int i = 0; i < ticks; ++i, due += interval) {
@@ -57,7 +60,7 @@ Result play(Take take, Give give, Between between) {
     }
     stop = true;
     between(Clock::time_point::max());
-    builder.join();
+    for (auto& thread : threads) thread.join();
     result.pieces = pieces / std::chrono::duration<double>(Clock::now() - start).count();
     std::ranges::sort(result.waits);
     return result;
@@ -68,7 +71,7 @@ void print(const char* what, const Result& result, double alone) {
         return result.waits[static_cast<std::size_t>(share * static_cast<double>(result.waits.size() - 1))];
     };
     fmt::print(
-        "{:<12} the server waits: median {:8.1f} us  p99 {:9.1f} us  worst {:9.1f} us   builder {:.2f} of its speed "
+        "{:<20} the server waits: median {:8.1f} us  p99 {:9.1f} us  worst {:9.1f} us   builders {:.2f} of one's speed "
         "alone\n",
         what, at(0.5), at(0.99), at(1), result.pieces / alone);
 }
@@ -79,10 +82,13 @@ int main() {
     const double alone = 1e6 / std::chrono::duration<double, std::micro>(guesttime).count();
     std::mutex mutex;
     print("std::mutex", play([&] { mutex.lock(); }, [&] { mutex.unlock(); }, [](Clock::time_point) {}), alone);
-    host::TurnKeeper turn;
-    turn.bindserver();
-    print("turns",
-          play([&] { turn.take(); }, [&] { turn.give(); },
-               [&](Clock::time_point due) { turn.openuntil(due == Clock::time_point::max() ? due : due - closes); }),
-          alone);
+    for (const int builders : {1, 16, 200}) {
+        host::TurnKeeper turn;
+        turn.bindserver();
+        const auto open = [&](Clock::time_point due) {
+            turn.openuntil(due == Clock::time_point::max() ? due : due - closes);
+        };
+        print(fmt::format("turns, {} builders", builders).c_str(),
+              play([&] { turn.take(); }, [&] { turn.give(); }, open, builders), alone);
+    }
 }

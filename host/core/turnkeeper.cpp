@@ -26,15 +26,19 @@ void TurnKeeper::give() {
     if (serverwants_ && !letoneguestin_) {
         serverturn_.notify_one();
     } else {
-        guestturn_.notify_all();
+        wakefirst();
     }
 }
 
+// With the lock held, so that the one who is woken cannot be gone meanwhile.
+void TurnKeeper::wakefirst() {
+    if (!queue_.empty() && isopen()) queue_.front()->notify_one();
+}
+
 void TurnKeeper::takeasserver(std::unique_lock<std::mutex>& lock) {
-    const bool guestswait = nextticket_ != serving_;
-    if (guestswait && ++passeswithoutguest_ > mostpasseswithoutguest) {
+    if (!queue_.empty() && ++passeswithoutguest_ > mostpasseswithoutguest) {
         letoneguestin_ = true;
-        guestturn_.notify_all();
+        wakefirst();
     }
     serverwants_ = true;
     serverturn_.wait(lock, [&] { return isfree() && !letoneguestin_; });
@@ -42,13 +46,14 @@ void TurnKeeper::takeasserver(std::unique_lock<std::mutex>& lock) {
 }
 
 void TurnKeeper::takeasguest(std::unique_lock<std::mutex>& lock) {
-    const bool queued = nextticket_ != serving_;
+    const bool queued = !queue_.empty();
     if (isopen() && (!queued || turnsinarow_ < mostturnsinarow)) {
         turnsinarow_ = queued ? turnsinarow_ + 1 : 0;
     } else {
-        const auto ticket = nextticket_++;
-        guestturn_.wait(lock, [&] { return ticket == serving_ && isopen(); });
-        ++serving_;
+        std::condition_variable called;
+        queue_.push_back(&called);
+        called.wait(lock, [&] { return queue_.front() == &called && isopen(); });
+        queue_.pop_front();
         turnsinarow_ = 0;
     }
     letoneguestin_ = false;
@@ -69,13 +74,13 @@ void TurnKeeper::unbindserver() {
     const std::lock_guard lock(mutex_);
     server_ = {};
     openuntil_ = Time::max();
-    guestturn_.notify_all();
+    wakefirst();
 }
 
 void TurnKeeper::openuntil(Time time) {
     const std::lock_guard lock(mutex_);
     openuntil_ = time;
-    guestturn_.notify_all();
+    wakefirst();
 }
 
 }  // namespace host
