@@ -18,6 +18,7 @@
 #include "host/core/libraries.h"
 #include "host/core/log.h"
 #include "host/core/mailbox.h"
+#include "host/core/memory.h"
 #include "host/core/module.h"
 #include "host/core/pacer.h"
 #include "host/core/patience.h"
@@ -83,6 +84,7 @@ struct Server::Parts {
     Log log;
     TurnKeeper turn;
     BackgroundBodies background;
+    FreedMemory freedmemory{background};
     TickScheduler scheduler;
     DiskFiles files;
     Hooks hooks;

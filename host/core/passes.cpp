@@ -15,7 +15,7 @@ void Server::Parts::runfree() {
     while (!stopping) {
         mailbox.wait(pacer.due());
         doorders();
-        if (!stopping) pass(pacer.takedue());
+        if (!stopping) freedmemory.behindpass(pass(pacer.takedue()));
         turn.openuntil(pacer.closing());
     }
 }
