@@ -28,6 +28,7 @@ struct ServerOptions {
     std::string language = "en_US";            // the language that the server chooses first
     bool manual = false;                       // ticks and clock move only by call
     std::int64_t manualclock = 1767225600000;  // where the clock starts in manual mode, Unix milliseconds
+    bool newworld = false;                     // make a world also where one is missing that has been there
     bool quiet = false;                        // no log lines on the console
     int port = 19132;                          // what the properties answer; nothing listens on it
     // Called with the finished set of services before the plug-in is loaded; a test may swap one for its own.

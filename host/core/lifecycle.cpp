@@ -5,6 +5,7 @@
 
 #include <future>
 
+#include "host/core/newworld.h"
 #include "host/core/parts.h"
 #include "host/core/paths.h"
 #include "host/world/items.h"
@@ -129,7 +130,8 @@ void Server::Parts::startup() {
 }
 
 void Server::Parts::openworld() {
-    world = std::make_unique<World>((directory / "server.sqlite").string());
+    const auto file = directory / "server.sqlite";
+    world = std::make_unique<World>(file.string(), mustexist(file, options.newworld));
     services.level = &world->level();
     services.scoreboard = &world->scoreboard();
     services.knownplayers = &world->knownplayers();

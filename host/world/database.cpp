@@ -37,13 +37,16 @@ CREATE TABLE IF NOT EXISTS knownnames(xuid TEXT PRIMARY KEY, name TEXT NOT NULL)
 )";
 
 // Tested before the first write, so that a file that is not ours or is damaged stays as it is.
-void prepare(SQLite::Database& file, const std::string& path) {
+void prepare(SQLite::Database& file, const std::string& path, bool mustexist) {
     const int version = file.execAndGet("PRAGMA user_version").getInt();
     if (version > fileversion)
         throw StartError(
             fmt::format("{}: made by a newer version (format {}, this one reads {})", path, version, fileversion));
     if (version == 0 && file.execAndGet("SELECT count(*) FROM sqlite_master").getInt() != 0)
         throw StartError(fmt::format("{}: a database of something else", path));
+    if (version == 0 && mustexist)
+        throw StartError(fmt::format(
+            "{}: the world is empty, and there has been one; bring it back, or start anew with --new-world", path));
     const std::string check = file.execAndGet("PRAGMA quick_check(1)").getString();
     if (check != "ok") throw StartError(fmt::format("{}: the file is damaged: {}", path, check));
     // NORMAL: a commit outlives a crash of the program; a loss of power may cost the last ones, but never the file.
@@ -55,10 +58,10 @@ void prepare(SQLite::Database& file, const std::string& path) {
     transaction.commit();
 }
 
-SQLite::Database opened(const std::string& path) {
+SQLite::Database opened(const std::string& path, bool mustexist) {
     try {
         SQLite::Database file(path, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE, patienceatstart);
-        prepare(file, path);
+        prepare(file, path, mustexist);
         file.setBusyTimeout(patience);
         return file;
     } catch (const SQLite::Exception& e) {
@@ -68,8 +71,8 @@ SQLite::Database opened(const std::string& path) {
 
 }  // namespace
 
-Database::Database(const std::string& path)
-    : path_(path), aside_(fs::absolute(path).replace_extension("unsaved.sql")), file_(opened(path)) {
+Database::Database(const std::string& path, bool mustexist)
+    : path_(path), aside_(fs::absolute(path).replace_extension("unsaved.sql")), file_(opened(path, mustexist)) {
     takein();
 }
 

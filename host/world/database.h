@@ -19,8 +19,8 @@ struct Blob {
 
 class Database {
 public:
-    // Opens or makes the file. Throws StartError that names it.
-    explicit Database(const std::string& path);
+    // Opens the file, or makes it unless it must exist. Throws StartError that names it.
+    Database(const std::string& path, bool mustexist);
 
     [[nodiscard]] const std::string& path() const { return path_; }
 

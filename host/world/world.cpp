@@ -34,9 +34,9 @@ ServerPlayerImpl& World::Parts::online(const std::string& name) {
     return *player;
 }
 
-World::World(const std::string& databasepath) {
+World::World(const std::string& databasepath, bool mustexist) {
     try {
-        parts_ = std::make_unique<Parts>(databasepath);
+        parts_ = std::make_unique<Parts>(databasepath, mustexist);
     } catch (const SQLite::Exception& e) {
         throw StartError(fmt::format("{}: {}", databasepath, e.what()));
     }

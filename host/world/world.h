@@ -34,8 +34,8 @@ struct PlayerSummary {
 
 class World {
 public:
-    // Opens or makes the file. Throws StartError that names it.
-    explicit World(const std::string& databasepath);
+    // Opens the file, or makes it unless it must exist. Throws StartError that names it.
+    explicit World(const std::string& databasepath, bool mustexist = false);
     ~World();
 
     [[nodiscard]] platform::Level& level();

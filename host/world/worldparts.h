@@ -12,7 +12,8 @@
 namespace host {
 
 struct World::Parts {
-    explicit Parts(const std::string& path) : file(path), records(file), ground(file), names(file), scoreboard(file) {}
+    Parts(const std::string& path, bool mustexist)
+        : file(path, mustexist), records(file), ground(file), names(file), scoreboard(file) {}
 
     Database file;
     PlayerRecords records;

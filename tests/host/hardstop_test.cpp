@@ -319,7 +319,10 @@ TEST(FailingStart, SaysWhyInOneLineAndOverwritesNothing) {
          config + ": key \"banshopitem\""},
         {"settings that are no object", config, "[]", "0", config + ": the settings must be an object"},
         {"a world that is none", "server.sqlite", std::string(9000, 'x'), "0", "server.sqlite: "},
-        {"money that is none", "money.sqlite", std::string(9000, 'x'), "0", "money.sqlite"},
+        {"money that is none", "money.sqlite", std::string(9000, 'x'), "0 --new-world", "money.sqlite: "},
+        {"money without a world", "money.sqlite", "m", "0", "server.sqlite: the world is missing, but money.sqlite"},
+        {"a log without a world", "server.log", "l", "0", "server.sqlite: the world is missing, but server.log"},
+        {"a part without a world", "server.sqlite-wal", "w", "0", "the world is missing, but server.sqlite-wal"},
         {"a port that is taken", "note", "", std::to_string(port), "127.0.0.1:" + std::to_string(port)},
         {"an address that is none", "note", "", "0 --host 203.0.113.7", "203.0.113.7:0"},
     };
@@ -341,6 +344,53 @@ TEST(FailingStart, SaysWhyInOneLineAndOverwritesNothing) {
         EXPECT_EQ(directory.get(c.file), c.content);
         EXPECT_EQ(directory.get(shop), "{ the operator is at work here");
     }
+}
+
+// A world that has gone is not made anew by itself, in either kind of money; it is there again when it is brought back.
+TEST(FailingStart, AWorldThatHasBeenThereIsMissed) {
+    coretests::Directory directory;
+    auto options = coretests::manually(directory);
+    const auto world = directory.path / "server.sqlite";
+    const auto starts = [&] {
+        try {
+            host::Server server(options);
+            server.start();
+            std::size_t known = 0;
+            server.run([&] {
+                known = server.world().players().size();
+                server.network().join({.name = "Alice", .xuid = alice}, [](const std::string&) {});
+            });
+            server.stop();
+            return "with " + std::to_string(known) + " players";
+        } catch (const host::StartError& e) {
+            return std::string(e.what()).substr(0, world.string().size() + 18);
+        }
+    };
+    EXPECT_EQ(starts(), "with 0 players");
+    const std::string whole = directory.get("server.sqlite");
+    for (const char* money : {LLMONEY_PATH, "none"}) {
+        options.moneylibrary = money;
+        std::filesystem::remove(world);
+        EXPECT_EQ(starts(), world.string() + ": the world is mis");
+        directory.put("server.sqlite", "");
+        EXPECT_EQ(starts(), world.string() + ": the world is emp");
+        std::filesystem::remove(world);
+        SQLite::Database(world.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE).exec("VACUUM");
+        EXPECT_EQ(starts(), world.string() + ": the world is emp") << "a database with nothing in it";
+        directory.put("server.sqlite", whole);
+        EXPECT_EQ(starts(), "with 1 players");
+    }
+    std::filesystem::remove(world);
+    directory.put("server.sqlite-wal", "the last of the old world");
+    options.newworld = true;
+    EXPECT_EQ(starts(), "with 0 players");
+    EXPECT_EQ(directory.get("server.sqlite-wal.old1"), "the last of the old world");
+    EXPECT_EQ(starts(), "with 1 players") << "a world that is there is never made anew";
+    directory.put("server.log", "");
+    std::filesystem::remove(directory.path / "money.sqlite");
+    options.newworld = false;
+    std::filesystem::resize_file(world, 0);
+    EXPECT_EQ(starts(), "with 0 players") << "nothing shows that there has been one, but for shops";
 }
 
 TEST(FailingStart, ADirectoryThatCannotBeUsedIsNamed) {
