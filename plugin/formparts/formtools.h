@@ -87,9 +87,9 @@ template <class... A>
     }
 }
 
-// Whether a shop is still as a row or a form remembers it. The revision has 16 bits and wraps; rows carry it in 32.
+// Whether a shop is still as a row or a form remembers it.
 [[nodiscard]] inline bool isatrevision(const baseshop& shop, std::uint32_t revision) {
-    return shop.revision == static_cast<std::uint16_t>(revision);
+    return shop.revision == revision;
 }
 
 inline const std::string opshopmark = "§f§r§o§6【OPSHOP】";

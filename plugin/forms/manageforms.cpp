@@ -34,7 +34,7 @@ void carryout(const banorder& order) {
         logger.error("unkownshoptype in setbanstate");
         return;
     }
-    auto& shop = getshop(order.xuid, order.type);
+    auto& shop = globalruntimeshopmanager.getshop(order.xuid, order.type);
     const auto timeend = order.seconds == -1 ? -1 : order.seconds + unixseconds();
     shop.setbanstate(order.banned, timeend, order.reason);
     // Twice, so that a ban moves the revision by 2.

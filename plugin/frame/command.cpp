@@ -12,8 +12,8 @@
 #include "plugin/base/screens.h"
 #include "plugin/economy/offlinemoney.h"
 #include "plugin/forms/openers.h"
-#include "plugin/shopsystem/baseshop.h"
 #include "plugin/shopsystem/playershopstate.h"
+#include "plugin/shopsystem/shopfiles.h"
 
 namespace ordomart {
 

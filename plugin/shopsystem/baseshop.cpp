@@ -21,6 +21,17 @@ void basefields(Shop& shop, Visit visit) {
     visit("shopstate", shop.shopstate);
 }
 
+// Here, so that nobody meets a wrong type when the shop is in use. Any of the three may be null.
+void checkban(const json& record) {
+    const auto check = [&](const char* key, auto field) {
+        if (const auto found = record.find(key); found != record.end() && !found->is_null())
+            takefield(key, *found, field);
+    };
+    check("isbaned", false);
+    check("bantimeend", std::int64_t{});
+    check("banreason", std::string());
+}
+
 }  // namespace
 
 baseshop::baseshop(const std::string& owner)
@@ -42,6 +53,7 @@ void baseshop::refreshbanstate() {
         shopstate = nullptr;
         return;
     }
+    namingplace("shopstate", [&] { checkban(shopstate); });
     if (const json& banned = shopstate["isbaned"]; !banned.is_null()) isbaned = banned.get<bool>();
     if (!isbaned) return;
     const json& end = shopstate["bantimeend"];

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
 #include "plugin/base/globals.h"
 
@@ -25,7 +24,7 @@ public:
     baseshop(baseshop&&) = default;
     baseshop& operator=(baseshop&&) = default;
 
-    // Copy the keys that are present; a wrong JSON type throws the library's type error. Always true.
+    // Copy the keys that are present; a wrong JSON type throws fielderror. Always true.
     virtual bool loadfromjson(const json& section);
     virtual bool savetojson(json& section);
 
@@ -44,7 +43,9 @@ public:
     bool isloaded = false;
     bool isdirty = false;
     std::int32_t cachestate = idle;
-    std::uint16_t revision = 0;
+    // Counts the changes of the shop, and never comes back in a run: who has read it knows by it whether what he has
+    // read still holds. Not stored.
+    std::uint32_t revision = 0;
     std::int32_t idleticks = 0;
 
 private:
@@ -54,38 +55,6 @@ private:
 // Counters and amounts of a shop have 32 bits and no guard; they wrap.
 inline void countup(std::int32_t& counter, std::int64_t more) {
     counter = static_cast<std::int32_t>(static_cast<std::uint32_t>(counter) + static_cast<std::uint32_t>(more));
-}
-
-// ---- the data file. Any thread; not in a turn, since they read and write files.
-// `section` 0 gives the member "sell", 1 "recycles", anything else the whole document. A missing or empty file is made
-// with the default content; a missing one gives null. Broken JSON throws shopfileerror, a file that is there and cannot
-// be read std::runtime_error, both with the file untouched.
-[[nodiscard]] json loadshopdata(const std::string& xuid, int section);
-// Replaces one section and keeps the other as it stands on the disk. False, with a log line, when it cannot be written.
-bool saveshopdata(const std::string& xuid, const json& value, int section);
-void writedefaultshopfile(const std::string& xuid);
-
-// The owner keys of all shop files, in listing order; names without ".json" left out, the rest cut at the first
-// ".json", so that the name ".json" gives an empty key.
-[[nodiscard]] std::vector<std::string> shopfilekeys();
-
-// A fault in the content of a shop file, which its text names. One of the parser library's exceptions, so that whoever
-// catches those catches it too.
-class shopfileerror : public nlohmann::detail::exception {
-public:
-    shopfileerror(const std::string& xuid, const std::string& what);
-};
-
-// Runs the body on data of the owner's file; the library's exceptions leave it naming the file.
-template <class Body>
-decltype(auto) namingfile(const std::string& xuid, Body&& body) {
-    try {
-        return body();
-    } catch (const shopfileerror&) {
-        throw;
-    } catch (const nlohmann::detail::exception& e) {
-        throw shopfileerror(xuid, e.what());
-    }
 }
 
 }  // namespace shopsystem

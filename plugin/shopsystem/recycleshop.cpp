@@ -1,6 +1,7 @@
 // The buying half of an owner's file.
 #include "plugin/shopsystem/recycleshop.h"
 
+#include "plugin/shopsystem/brokenshops.h"
 #include "plugin/shopsystem/jsonfields.h"
 
 namespace shopsystem {
@@ -31,7 +32,11 @@ bool recycleshop::holds(int index) const { return holdsplace(recycleitems, index
 
 recycleshopitem recycleshop::getrecycleitem(int index) const {
     recycleshopitem item;
-    if (holds(index)) namingfile(xuid, [&] { fromjson(recycleitems[static_cast<std::size_t>(index)], item); });
+    if (holds(index))
+        namingsection(xuid, recycle, [&] {
+            namingplace(recordplace{"recycleitems", index},
+                        [&] { fromjson(recycleitems[static_cast<std::size_t>(index)], item); });
+        });
     return item;
 }
 
@@ -50,6 +55,13 @@ globalrecycleshopitem recycleshop::getglobalrecycleitem(int index) const {
     return row;
 }
 
-bool recycleshop::isfulfilled() const { return nothingleft(recycleitems, "recycleitemleftwanna"); }
+bool recycleshop::isfulfilled() const {
+    for (int place = 0; holds(place); ++place) {
+        std::int32_t wanted = 0;
+        unlessbroken(*this, recycle, [&] { wanted = getrecycleitem(place).recycleitemleftwanna; });
+        if (wanted != 0) return false;
+    }
+    return true;
+}
 
 }  // namespace shopsystem

@@ -13,8 +13,11 @@ public:
     bool loadfromjson(const json& section) override;
     bool savetojson(json& section) override;
 
+    // A default record out of range. A broken record throws shopfileerror.
     [[nodiscard]] recycleshopitem getrecycleitem(int index) const;
+    // With snapshot; out of range logs and gives a default record.
     [[nodiscard]] globalrecycleshopitem getglobalrecycleitem(int index) const;
+    // No record wants anything; a broken one does not.
     [[nodiscard]] bool isfulfilled() const;
     void writetradelog(const json& record) const;
     [[nodiscard]] bool holds(int index) const;

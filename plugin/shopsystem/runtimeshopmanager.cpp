@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "platform/turn.h"
+#include "plugin/shopsystem/brokenshops.h"
 #include "plugin/shopsystem/shoptable.h"
 #include "plugin/shopsystem/taskpool.h"
 
@@ -19,7 +20,7 @@ template <class Shop>
 Shop readshop(const std::string& xuid) {
     Shop shop(xuid);
     const json section = loadshopdata(xuid, sectionof<Shop>);
-    namingfile(xuid, [&] { shop.loadfromjson(section); });
+    namingsection(xuid, sectionof<Shop>, [&] { shop.loadfromjson(section); });
     shop.isloaded = true;
     return shop;
 }
@@ -68,8 +69,9 @@ private:
 template <class Shop>
 bool writesection(const std::string& xuid, const json& section) {
     try {
-        return saveshopdata(xuid, section, sectionof<Shop>);
-    } catch (const std::runtime_error& e) {  // cannot be read at this moment
+        saveshopdata(xuid, section, sectionof<Shop>);
+        return true;
+    } catch (const std::runtime_error& e) {  // cannot be read or written at this moment
         ordomart::logger.error("{}", e.what());
         return false;
     } catch (const nlohmann::detail::exception& e) {
@@ -138,9 +140,15 @@ void saveall(shoptable<Shop>& table) {
 }
 
 template <class Shop>
+Shop& enter(shoptable<Shop>& table, const std::string& xuid, Shop fresh) {
+    forgetbroken(xuid, sectionof<Shop>);
+    return table.insert(xuid, std::move(fresh));
+}
+
+template <class Shop>
 Shop& get(shoptable<Shop>& table, const std::string& xuid) {
     Shop* shop = table.find(xuid);
-    if (shop == nullptr) shop = &table.insert(xuid, readshop<Shop>(xuid));
+    if (shop == nullptr) shop = &enter(table, xuid, readshop<Shop>(xuid));
     shop->idleticks = 0;
     return *shop;
 }
@@ -159,7 +167,7 @@ void bring(shoptable<Shop>& table, const std::string& xuid) {
     Shop fresh = readshop<Shop>(xuid);
     const Turn turn;
     // Another thread may have been faster, and its object may have changed since.
-    if (!touch()) table.insert(xuid, std::move(fresh));
+    if (!touch()) enter(table, xuid, std::move(fresh));
 }
 
 }  // namespace
@@ -201,8 +209,6 @@ void runtimeshopmanager::savealldirty() {
     saveall(maps_->sells);
     saveall(maps_->recycles);
 }
-
-baseshop& getshop(const std::string& xuid, int type) { return globalruntimeshopmanager.getshop(xuid, type); }
 
 // The pool after the manager, so that it is destroyed first: what is still queued then finds its shops.
 runtimeshopmanager globalruntimeshopmanager;

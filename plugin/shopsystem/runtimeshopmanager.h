@@ -7,6 +7,7 @@
 
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
+#include "plugin/shopsystem/shopfiles.h"
 
 namespace shopsystem {
 
@@ -17,9 +18,12 @@ public:
     runtimeshopmanager();
     ~runtimeshopmanager();
 
-    baseshop& getshop(const std::string& xuid, int type);
+    // A shop of a kind that is known here, and of one that is only known at run time. A shop that is not in the cache
+    // is read; throws shopfileerror for a file that does not parse or has wrong types in it, std::runtime_error for one
+    // that is there and cannot be read, and then brings nothing in.
     sellshop& getsellshop(const std::string& xuid);
     recycleshop& getrecycleshop(const std::string& xuid);
+    baseshop& getshop(const std::string& xuid, int type);
     // Background threads, not in a turn: brings a shop in, with reading and parsing outside of the turn, so that a
     // following getshop finds it. Throws what getshop throws.
     void bringin(const std::string& xuid, int type);
@@ -34,7 +38,5 @@ private:
 };
 
 extern runtimeshopmanager globalruntimeshopmanager;
-
-baseshop& getshop(const std::string& xuid, int type);
 
 }  // namespace shopsystem

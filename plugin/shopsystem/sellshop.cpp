@@ -1,6 +1,7 @@
 // The selling half of an owner's file.
 #include "plugin/shopsystem/sellshop.h"
 
+#include "plugin/shopsystem/brokenshops.h"
 #include "plugin/shopsystem/jsonfields.h"
 
 namespace shopsystem {
@@ -33,7 +34,10 @@ bool sellshop::holds(int index) const { return holdsplace(items, index); }
 
 shopitem sellshop::getshopitem(int index) const {
     shopitem item;
-    if (holds(index)) namingfile(xuid, [&] { fromjson(items[static_cast<std::size_t>(index)], item); });
+    if (holds(index))
+        namingsection(xuid, sell, [&] {
+            namingplace(recordplace{"items", index}, [&] { fromjson(items[static_cast<std::size_t>(index)], item); });
+        });
     return item;
 }
 
@@ -43,10 +47,8 @@ globalsellshopitem sellshop::getglobalshopitem(int index) const {
         ordomart::debuglogger.error("getindex error: at{0}'s {1}", xuid, index);
         return row;
     }
-    namingfile(xuid, [&] {
-        fromjson(items[static_cast<std::size_t>(index)], row);
-        applydiscount(row, shopdiscount);
-    });
+    static_cast<shopitem&>(row) = getshopitem(index);
+    if (!applydiscount(row, shopdiscount)) reportdiscounts();
     row.xuid = xuid;
     row.shopname = shopname;
     row.index = index;
@@ -55,6 +57,13 @@ globalsellshopitem sellshop::getglobalshopitem(int index) const {
     return row;
 }
 
-bool sellshop::issoldout() const { return nothingleft(items, "shopitemleftnum"); }
+bool sellshop::issoldout() const {
+    for (int place = 0; holds(place); ++place) {
+        std::int32_t left = 0;
+        unlessbroken(*this, sell, [&] { left = getshopitem(place).shopitemleftnum; });
+        if (left != 0) return false;
+    }
+    return true;
+}
 
 }  // namespace shopsystem

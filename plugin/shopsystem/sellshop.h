@@ -12,12 +12,13 @@ public:
     bool loadfromjson(const json& section) override;
     bool savetojson(json& section) override;
 
-    // Plain read; a default record out of range.
+    // Plain read; a default record out of range. A broken record throws shopfileerror.
     [[nodiscard]] shopitem getshopitem(int index) const;
     // With discount and snapshot; out of range logs and gives a default record.
     [[nodiscard]] globalsellshopitem getglobalshopitem(int index) const;
-    // Text for the shop's front page. Removes discounts that have run out.
+    // Text for the shop's front page. Removes discounts that have run out, and leaves out broken ones.
     [[nodiscard]] std::string getdiscountsummary();
+    // No record has anything left; a broken one has not.
     [[nodiscard]] bool issoldout() const;
     // One line in the owner's log, in his language.
     void writetradelog(const json& record) const;
@@ -30,9 +31,12 @@ public:
     std::int32_t salesvolume = 0;
     json items, biditems, shopdiscount;
     bool isopshop = false;
+
+private:
+    void reportdiscounts() const;
 };
 
-// Sets realprice. Throws std::out_of_range on a live discount of the item's tag with an empty text.
-void applydiscount(shopitem& item, const json& shopdiscount);
+// Sets realprice. False when a discount was broken and had to be left out.
+bool applydiscount(shopitem& item, const json& shopdiscount);
 
 }  // namespace shopsystem

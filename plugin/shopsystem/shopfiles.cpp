@@ -1,11 +1,15 @@
-// The data files: one JSON object per owner with the members "sell" and "recycles". A file is replaced as a whole or
-// not at all, and one that does not parse or cannot be read is left as it is.
+// A file is replaced as a whole or not at all, and one that does not parse or cannot be read is left as it is.
+#include "plugin/shopsystem/shopfiles.h"
+
+#include <array>
+#include <mutex>
+#include <optional>
 #include <sstream>
+#include <stdexcept>
 
 #include "platform/files.h"
 #include "platform/host.h"
 #include "plugin/base/directories.h"
-#include "plugin/shopsystem/baseshop.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
 
@@ -16,14 +20,30 @@ using ordomart::logger;
 namespace {
 
 constexpr const char* sectionkeys[] = {"sell", "recycles"};
+constexpr std::string_view suffix = ".json";
 
-const char* sectionkey(int section) {
-    return section == shoptype::sell || section == shoptype::recycle ? sectionkeys[section] : nullptr;
+// One thread at a time changes a file: a save, and a reader that found no file, would undo each other.
+std::mutex& gate(const std::string& xuid) {
+    static std::array<std::mutex, 16> gates;
+    return gates[std::hash<std::string>{}(xuid) % gates.size()];
 }
 
-std::string shopfile(const std::string& xuid) { return ordomart::paths::data + xuid + ".json"; }
+// What stands on the disk: nothing without a file, null in an empty one.
+std::optional<json> readdocument(const std::string& xuid) {
+    const auto text = host().files->read(shopfile(xuid));
+    if (!text) {
+        // A file that is there, but cannot be opened just now, must not be taken for a missing one and replaced.
+        if (host().files->exists(shopfile(xuid))) throw std::runtime_error("Can't read file " + shopfile(xuid));
+        return std::nullopt;
+    }
+    json document;
+    // As a stream, since text behind the first complete value is ignored.
+    if (!text->empty()) namingfile(xuid, [&] { std::istringstream(*text) >> document; });
+    return document;
+}
 
 bool writedocument(const std::string& xuid, const json& document) {
+    host().files->makeDirectory(ordomart::paths::data);
     return host().files->replace(shopfile(xuid), document.dump(4, ' ', false, json::error_handler_t::ignore));
 }
 
@@ -36,57 +56,85 @@ json defaultdocument() {
     return document;
 }
 
-json readdocument(const std::string& xuid) {
+loadedsection loaddocument(const std::string& xuid) {
     if (xuid.empty() || xuid == "0") logger.error("use wrong nullxuid ");
     ordomart::ensuredirectory(ordomart::paths::data, LogLevel::warn);
-    const auto text = host().files->read(shopfile(xuid));
-    if (!text) {
-        // A file that is there, but cannot be opened just now, must not be taken for a missing one and replaced.
-        if (host().files->exists(shopfile(xuid))) throw std::runtime_error("Can't read file " + shopfile(xuid));
-        logger.warn("Can't open file {}.json,try load default json...", xuid);
-        writedefaultshopfile(xuid);
-        return nullptr;
-    }
-    json document;
-    // As a stream, since text behind the first complete value is ignored.
-    if (!text->empty()) std::istringstream(*text) >> document;
-    if (document.is_null()) {
+    const auto isthere = [](const std::optional<json>& document) { return document && !document->is_null(); };
+    auto document = readdocument(xuid);
+    if (isthere(document)) return {std::move(*document), false};
+
+    const std::lock_guard alone(gate(xuid));
+    document = readdocument(xuid);
+    if (isthere(document)) return {std::move(*document), false};
+    if (document)
         logger.warn("The file {}.json is NULL,try load default json...", xuid);
-        writedefaultshopfile(xuid);
-        document = defaultdocument();
+    else
+        logger.warn("Can't open file {}.json,try load default json...", xuid);
+    writedefaultshopfile(xuid);
+    return {document ? defaultdocument() : json(), true};
+}
+
+// Whether the disk has the section.
+bool stands(const std::optional<json>& document, const char* key) {
+    return document && document->is_object() && document->contains(key) && !document->at(key).is_null();
+}
+
+// The document with one section changed. `other` stands in for the other one where the disk has none.
+json changed(const std::string& xuid, std::optional<json> document, int section, const json& value, json other) {
+    const char* const key = sectionkey(section);
+    if (key == nullptr) return value;
+    const char* const otherkey = sectionkeys[1 - section];
+    const bool isgone = !document || document->is_null();
+    if (isgone) document = json::object();
+    if (!document->is_object()) throw shopfileerror(shopfile(xuid), "the file holds no object");
+    if (!stands(document, otherkey)) {
+        if (isgone && other.is_null()) {
+            logger.warn("The file {} had gone or was empty: its section {} begins anew", shopfile(xuid), otherkey);
+            other = defaultdocument()[otherkey];
+        }
+        if (!other.is_null()) (*document)[otherkey] = std::move(other);
     }
-    return document;
+    (*document)[key] = value;
+    return std::move(*document);
 }
 
 }  // namespace
 
-shopfileerror::shopfileerror(const std::string& xuid, const std::string& what)
-    : exception(0, (shopfile(xuid) + ": " + what).c_str()) {}
+std::string shopfile(const std::string& xuid) { return ordomart::paths::data + xuid + std::string(suffix); }
 
-json loadshopdata(const std::string& xuid, int section) {
-    return namingfile(xuid, [&]() -> json {
-        json document = readdocument(xuid);
-        const char* key = sectionkey(section);
-        if (key == nullptr || document.is_null()) return document;
-        json member = std::move(document[key]);
+const char* sectionkey(int section) {
+    return section == shoptype::sell || section == shoptype::recycle ? sectionkeys[section] : nullptr;
+}
+
+json loadshopdata(const std::string& xuid, int section) { return loadsection(xuid, section).content; }
+
+loadedsection loadsection(const std::string& xuid, int section) {
+    auto loaded = loaddocument(xuid);
+    const char* const key = sectionkey(section);
+    if (key == nullptr || loaded.content.is_null()) return loaded;
+    return namingfile(xuid, [&]() -> loadedsection {
+        json member = std::move(loaded.content[key]);
         // Taken as an empty section, it would be overwritten by the next save.
-        if (!member.is_null() && !member.is_object())
-            throw shopfileerror(xuid, std::string("the member ") + key + " is no object");
-        return member;
+        if (!member.is_null() && !member.is_object()) throw fielderror(key, "is no object");
+        return {std::move(member), loaded.isnewfile};
     });
 }
 
-bool saveshopdata(const std::string& xuid, const json& value, int section) {
-    constexpr int whole = -1;
-    json document = loadshopdata(xuid, whole);
-    if (document.is_null()) document = defaultdocument();  // the file had gone
-    if (const char* key = sectionkey(section))
-        namingfile(xuid, [&] { document[key] = value; });
-    else
-        document = value;
-    const bool written = writedocument(xuid, document);
-    if (!written) logger.error("Can't write file {}", shopfile(xuid));
-    return written;
+void saveshopdata(const std::string& xuid, const json& value, int section, const knownsection& known) {
+    const char* const otherkey = sectionkey(1 - section);
+    json other;
+    for (bool isasked = !known || otherkey == nullptr;; isasked = true) {
+        {
+            const std::lock_guard alone(gate(xuid));
+            auto document = readdocument(xuid);
+            if (isasked || stands(document, otherkey)) {
+                if (writedocument(xuid, changed(xuid, std::move(document), section, value, std::move(other)))) return;
+                throw std::runtime_error("Can't write file " + shopfile(xuid));
+            }
+        }
+        // Not at the gate: it takes a turn, and whoever has the turn may be waiting there.
+        other = known(1 - section);
+    }
 }
 
 void writedefaultshopfile(const std::string& xuid) {
@@ -96,7 +144,7 @@ void writedefaultshopfile(const std::string& xuid) {
 std::vector<std::string> shopfilekeys() {
     std::vector<std::string> keys;
     for (const std::string& name : GetFileNameList(ordomart::paths::data))
-        if (const auto end = name.find(".json"); end != std::string::npos) keys.push_back(name.substr(0, end));
+        if (name.ends_with(suffix)) keys.push_back(name.substr(0, name.size() - suffix.size()));
     return keys;
 }
 

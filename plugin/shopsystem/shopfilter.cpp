@@ -20,7 +20,7 @@ bool passes(const minimum& demanded) { return demanded.first <= demanded.second;
 template <class Rows>
 bool passfields(const shopfilter& filter, const typename Rows::row& row, int mode) {
     const auto& shop = Rows::shop(row.xuid);
-    if (shop.revision != static_cast<std::uint16_t>(row.revision) || row.*Rows::left == 0) return false;
+    if (shop.revision != row.revision || row.*Rows::left == 0) return false;
 
     const std::pair<const std::string&, const std::string&> texts[] = {{filter.ownernamefilter, shop.ownername},
                                                                        {filter.shopdescfilter, shop.describe},

@@ -36,15 +36,20 @@ void recyclefields(Item& item, Visit visit) {
     visit("recycleditemnbtlist", item.recycleditemnbtlist);
 }
 
+fieldreader recordreader(const json& record) {
+    if (!record.is_object()) throw fielderror({}, std::string("is no record, but ") + record.type_name());
+    return {record};
+}
+
 }  // namespace
 
 void tojson(const shopitem& item, json& out) { sellfields(item, fieldwriter{out}); }
 void tojson(const recycleshopitem& item, json& out) { recyclefields(item, fieldwriter{out}); }
 
 void fromjson(const json& record, shopitem& item) {
-    sellfields(item, fieldreader{record});
+    sellfields(item, recordreader(record));
     item.realprice = item.price;
 }
-void fromjson(const json& record, recycleshopitem& item) { recyclefields(item, fieldreader{record}); }
+void fromjson(const json& record, recycleshopitem& item) { recyclefields(item, recordreader(record)); }
 
 }  // namespace shopsystem

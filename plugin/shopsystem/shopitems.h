@@ -20,7 +20,7 @@ struct shopitem {
 struct globalsellshopitem : shopitem {
     std::string xuid, shopname;
     std::int32_t index = 0;
-    std::uint32_t revision = 0;  // only the low 16 bits are compared
+    std::uint32_t revision = 0;
     bool isopshop = false;
 };
 
@@ -43,7 +43,7 @@ struct globalrecycleshopitem : recycleshopitem {
 void tojson(const shopitem& item, nlohmann::json& out);         // all seven keys
 void tojson(const recycleshopitem& item, nlohmann::json& out);  // all twelve keys
 
-// A missing key keeps the field's value; a wrong JSON type throws the library's type error.
+// A missing key keeps the field's value; a record that is no object, and a wrong type in it, throw fielderror.
 void fromjson(const nlohmann::json& record, shopitem& item);  // realprice is the list price
 void fromjson(const nlohmann::json& record, recycleshopitem& item);
 

@@ -71,7 +71,7 @@ std::int64_t handback(ServerPlayer* player, recycleshopitem& item) {
 }
 
 // The two tests of an answer about a commission that was on the player's screen.
-refusal staleness(const recycleshop& shop, int index, std::uint16_t revision) {
+refusal staleness(const recycleshop& shop, int index, std::uint32_t revision) {
     if (shop.revision != revision) return refusal::shopchanged;
     return shop.holds(index) ? refusal::none : refusal::recordgone;
 }
@@ -163,7 +163,7 @@ commissionresult publishcommission(ServerPlayer* player, const std::string& shop
     return result;
 }
 
-commissionresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint16_t revision,
+commissionresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision,
                                   const recycleshopitem& form) {
     if (!numberspass(form, INT32_MIN)) return refused(refusal::badnumbers);
     recycleshopitem wanted = form;
@@ -189,7 +189,7 @@ commissionresult adjustcommission(ServerPlayer* player, const std::string& shopx
 }
 
 commissionresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index,
-                                  std::uint16_t revision) {
+                                  std::uint32_t revision) {
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (const refusal why = staleness(shop, index, revision); why != refusal::none) return refused(why);
     recycleshopitem item = shop.getrecycleitem(index);

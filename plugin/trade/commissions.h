@@ -45,8 +45,8 @@ commissionresult publishcommission(ServerPlayer* player, const std::string& shop
 commissionresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recycleshopitem working,
                              const std::vector<slotcount>& slots, const std::vector<int>& asked);
 // `form`: name, describe, tag, offer, leftwanna, the four toggles are taken from it; a count of 0 or less ends it.
-commissionresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint16_t revision,
+commissionresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision,
                                   const recycleshopitem& form);
-commissionresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint16_t revision);
+commissionresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision);
 
 }  // namespace shopsystem

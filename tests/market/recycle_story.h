@@ -57,7 +57,7 @@ struct picture {
     std::vector<std::int64_t> money;
     std::map<std::string, int> items;  // pieces by what they are: in hands, on the ground and in the stores
     std::vector<json> shops;
-    std::vector<std::uint16_t> revisions;
+    std::vector<std::uint32_t> revisions;
     bool operator==(const picture&) const = default;
 };
 
@@ -211,7 +211,8 @@ private:
         });
         for (int tick = 0; tick < 4; ++tick) stage_.onserver([] { globalruntimeshopmanager.tick(); });
         const picture after = look();
-        if (s.what == act::forget) now_.revisions = std::vector<std::uint16_t>(players);
+        // A shop that is read again is never at a revision that an open form may have.
+        for (auto& revision : now_.revisions) revision += s.what == act::forget ? 1 : 0;
         for (std::size_t i = 0; i < players; ++i)
             if (json::parse(stage_.file("plugins/Ordomart/data/" + xuids_[i] + ".json"))["recycles"] != after.shops[i])
                 return fmt::format("the file of shop {} is not the shop", i);
@@ -224,7 +225,7 @@ private:
         stage_.onserver([&] {
             auto* who = player(s.who);
             const std::size_t whose = s.who == theoperator ? s.shop : s.who;
-            const auto revision = static_cast<std::uint16_t>(shop(whose).revision - (isold(s) ? 1 : 0));
+            const auto revision = shop(whose).revision - (isold(s) ? 1 : 0);
             recycleshopitem wish{.recycleitemname = "wish",
                                  .recycleitemleftwanna = s.b % 90 - (s.what == act::adjust ? 25 : 3),
                                  .offer = s.a == 0 ? 100000000 : s.a % 8,
@@ -275,8 +276,7 @@ private:
         for (std::size_t i = 0; i < players; ++i) {
             if (i != s.who && now_.money[i] != before.money[i]) return "somebody else's money moved";
             if (now_.revisions[i] == before.revisions[i]) continue;
-            if (changed != players || static_cast<std::uint16_t>(before.revisions[i] + 1) != now_.revisions[i])
-                return "more than one change";
+            if (changed != players || before.revisions[i] + 1 != now_.revisions[i]) return "more than one change";
             changed = i;
         }
         if (result && result->ok() != (changed != players)) return "the outcome is not what happened";

@@ -38,8 +38,8 @@ struct Scene {
         stage.onserver([&] { copy = shop().recycleitems.at(0); });
         return copy;
     }
-    std::uint16_t revision() {
-        std::uint16_t now = 0;
+    std::uint32_t revision() {
+        std::uint32_t now = 0;
         stage.onserver([&] { now = shop().revision; });
         return now;
     }
@@ -156,7 +156,7 @@ TEST(Commissions, AdjustingMovesTheDifference) {
                                    .offer = c.offer,
                                    .filterench = true};
         const auto result = scene.does(who, [&](ServerPlayer* player) {
-            return adjustcommission(player, scene.owner, 0, static_cast<std::uint16_t>(c.revision), form);
+            return adjustcommission(player, scene.owner, 0, static_cast<std::uint32_t>(c.revision), form);
         });
         EXPECT_EQ(result.why, c.why) << c.name;
         EXPECT_EQ(who.money(), c.left) << c.name;
@@ -188,7 +188,7 @@ TEST(Commissions, PickingUpEmptiesTheStore) {
     scene.opens("pickup", full);
     const auto picks = [&](int index, int revision) {
         return scene.does(scene.ada, [&](ServerPlayer* player) {
-            return pickupcommission(player, scene.owner, index, static_cast<std::uint16_t>(revision));
+            return pickupcommission(player, scene.owner, index, static_cast<std::uint32_t>(revision));
         });
     };
     EXPECT_EQ(picks(0, 1).why, refusal::shopchanged);
