@@ -20,6 +20,8 @@ public:
     // Replaces the file as a whole or not at all: written beside under a name without ".json", flushed to the disk,
     // renamed. False, with the old content untouched, when any of that fails.
     virtual bool replace(const std::string& path, std::string_view content) = 0;
+    // True when there is no such file afterwards. A directory stays.
+    virtual bool remove(const std::string& path) = 0;
     // Names (not paths) of the plain files in a directory, sorted; empty when it is missing.
     [[nodiscard]] virtual std::vector<std::string> list(const std::string& directory) const = 0;
 };

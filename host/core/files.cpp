@@ -52,6 +52,12 @@ bool writewhole(const fs::path& path, std::string_view content, const fs::path& 
     return file.write(content) && ::fsync(file.number()) == 0 && file.close();
 }
 
+// What was done to the file's name is in force; without this a power failure could still undo it.
+void flushdirectory(const fs::path& file) {
+    const Descriptor directory(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY);
+    if (directory.isopen()) ::fsync(directory.number());
+}
+
 }  // namespace
 
 bool DiskFiles::exists(const std::string& path) const {
@@ -85,9 +91,14 @@ bool DiskFiles::replace(const std::string& path, std::string_view content) {
         ::unlink(beside.c_str());
         return false;
     }
-    // The new name is in force; only a power failure could still bring the old one back.
-    const Descriptor directory(target->parent_path().c_str(), O_RDONLY | O_DIRECTORY);
-    if (directory.isopen()) ::fsync(directory.number());
+    flushdirectory(*target);
+    return true;
+}
+
+bool DiskFiles::remove(const std::string& path) {
+    const auto target = below(root_, path);
+    if (!target || (::unlink(target->c_str()) != 0 && errno != ENOENT)) return false;
+    flushdirectory(*target);
     return true;
 }
 

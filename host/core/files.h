@@ -19,6 +19,7 @@ public:
     [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
     [[nodiscard]] std::optional<std::string> readtail(const std::string& path, std::size_t most) const override;
     bool replace(const std::string& path, std::string_view content) override;
+    bool remove(const std::string& path) override;
     [[nodiscard]] std::vector<std::string> list(const std::string& directory) const override;
 
 private:

@@ -37,6 +37,10 @@ TEST_P(Conformance, FilesAreReplacedWholeReadAndListed) {
     EXPECT_FALSE(files.replace("conformance/deep", "new")) << "a directory has the name";
     EXPECT_FALSE(files.makeDirectory("conformance/a.json"));
     EXPECT_EQ(files.list("conformance"), (Names{"a.json", "b.json"})) << "a failure leaves nothing beside";
+    EXPECT_FALSE(files.remove("conformance/deep"));
+    for (const char* gone : {"conformance/a.json", "conformance/a.json", "nowhere/a.json"})
+        EXPECT_TRUE(files.remove(gone)) << gone;
+    EXPECT_EQ(files.list("conformance"), (Names{"b.json"}));
 
     const std::string contents[] = {std::string(200'000, 'a'), std::string(100'000, 'b')};
     std::vector<std::thread> writers;

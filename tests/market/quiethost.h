@@ -38,6 +38,10 @@ public:
         if (writable) contents[path] = content;
         return writable;
     }
+    bool remove(const std::string& path) override {
+        if (writable) contents.erase(path);
+        return !contents.contains(path);
+    }
     std::vector<std::string> list(const std::string&) const override { return {}; }
 };
 
