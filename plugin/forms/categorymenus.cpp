@@ -3,6 +3,8 @@
 // and no menu, and is never overwritten.
 #include <exception>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
 
 #include "platform/files.h"
 #include "platform/host.h"
@@ -16,12 +18,10 @@ namespace ordomart {
 
 namespace {
 
-// The entries as they were last read; `given` replaces them.
+// The entries that are given, or the default ones.
 template <json (*defaults)()>
-const json& formdata(const json* given) {
-    static json held = defaults();
-    if (given != nullptr) held = *given;
-    return held;
+json formdata(std::optional<json> given) {
+    return given ? *std::move(given) : defaults();
 }
 constexpr auto sellformdata = formdata<defaultsellcategories>;
 constexpr auto recycleformdata = formdata<defaultrecyclecategories>;
@@ -31,17 +31,15 @@ struct categorymenu {
     const char* file;
     const char* titlekey;
     shoptype searchtype;
-    const json& (*data)(const json*);
-    json (*defaults)();
+    json (*data)(std::optional<json>);
     const char* errorplace;
 };
 
-constexpr categorymenu sellmenu{
-    "readandopensellFormmenu",  "sellform.json", "sellmenu", sell, sellformdata, defaultsellcategories,
-    "readandopenOrdoformsemenu"};
+constexpr categorymenu sellmenu{"readandopensellFormmenu",  "sellform.json", "sellmenu", sell, sellformdata,
+                                "readandopenOrdoformsemenu"};
 constexpr categorymenu recyclemenu{
-    "readandopenrecycleFormmenu", "recycleform.json",         "recyclemenu", recycle, recycleformdata,
-    defaultrecyclecategories,     "readandopenOrdoformremenu"};
+    "readandopenrecycleFormmenu", "recycleform.json", "recyclemenu", recycle, recycleformdata,
+    "readandopenOrdoformremenu"};
 
 // The bits of searchlvl.
 enum searchlevel { initemname = 1, initemdesc = 2, initemtag = 4 };
@@ -51,33 +49,29 @@ struct category {
     int level;
 };
 
-// False when the file can neither be opened nor made; the player has been told.
-bool readcategories(ServerPlayer* player, const categorymenu& menu) {
+// Nothing when the file can neither be opened nor made; the player has been told.
+std::optional<json> readcategories(ServerPlayer* player, const categorymenu& menu) {
     const auto path = paths::base + menu.file;
-    if (const auto content = host().files->read(path)) {
-        const json read = json::parse(*content);
-        menu.data(&read);
-        return true;
-    }
+    if (const auto content = host().files->read(path)) return menu.data(json::parse(*content));
     logger.warn("Can't open file{},try load default setting...", path);
-    const json standard = menu.defaults();
+    json standard = menu.data({});
     // A file that is there, but cannot be opened just now, must not be taken for a missing one and replaced.
     if (host().files->exists(path) || !host().files->replace(path, standard.dump(4))) {
         logger.error("Can't open file {}", path);
         player->sendText("failed to open" + path);
-        return false;
+        return {};
     }
-    menu.data(&standard);
-    return true;
+    return standard;
 }
 
 opresult readandopen(ServerPlayer* player, const categorymenu& menu) {
     try {
-        if (!readcategories(player, menu)) return opresult::refused;
+        const auto entries = readcategories(player, menu);
+        if (!entries) return opresult::refused;
 
         Form::SimpleForm form(tr(player, menu.titlekey), "");
         std::vector<category> categories;
-        for (const auto& entry : menu.data(nullptr)) {
+        for (const auto& entry : *entries) {
             if (entry.contains("example") && entry["example"] == true) continue;
             categories.push_back({entry.at("searchtaginfo"), entry.at("searchlvl")});
             const std::string image = entry.at("imagepath");
