@@ -1,6 +1,8 @@
 // The player's standing filter, and the search of one list. A search always looks at item names; its result is shown in
 // the chest lists, whose next prepare step takes it.
 #include <nlohmann/json.hpp>
+#include <tuple>
+#include <utility>
 
 #include "plugin/base/effects.h"
 #include "plugin/base/language.h"
@@ -92,20 +94,18 @@ opresult opensearchitemform(ServerPlayer* player, int type, bool descdefault) {
 
 opresult searchbyfilter(ServerPlayer* player, int type, const std::string& text, bool indesc, bool intag,
                         bool initemname) {
+    if (type != sell && type != recycle) return opresult::refused;
     auto& state = getplayershopstate(player->getXuid());
+    const auto earlier = std::pair(state.searchfilter, state.searchmode);
     state.searchfilter = {};
     if (initemname) state.searchfilter.itemnamefilter = text;
     if (intag) state.searchfilter.itemtagfilter = text;
     if (indesc) state.searchfilter.itemdescfilter = text;
     state.searchmode = true;
-    switch (type) {
-        case sell:
-            return openscreen(screen::sellshops, player);
-        case recycle:
-            return openscreen(screen::recycleshops, player);
-        default:
-            return opresult::refused;
-    }
+    const auto result = openscreen(type == sell ? screen::sellshops : screen::recycleshops, player);
+    // Without a list of its own, the search would narrow the next one.
+    if (result != opresult::opened) std::tie(state.searchfilter, state.searchmode) = earlier;
+    return result;
 }
 
 }  // namespace ordomart
