@@ -56,6 +56,11 @@ std::string managelistentry(const std::string& xuid) {
     return (shop.shopname.empty() ? shop.xuid : shop.shopname) + "§c(Fake)";
 }
 
+// Asked at each answer: rights may have gone since the form was sent.
+bool isoperator(const ServerPlayer* player) {
+    return player->getCommandPermissionLevel() > CommandPermissionLevel::Any;
+}
+
 void managechosen(ServerPlayer* player, const std::string& xuid) {
     auto& state = getplayershopstate(player->getXuid());
     if (xuid == player->getXuid()) {
@@ -63,6 +68,8 @@ void managechosen(ServerPlayer* player, const std::string& xuid) {
         player->sendText("resetsuccessfully");
     } else if (xuid.empty()) {
         player->sendText("cant find player");
+    } else if (!isoperator(player)) {
+        systemtoast(player, tr(player, "permission.deny"));
     } else {
         state.manage(xuid);
         openscreen(screen::myshop, player);
@@ -116,7 +123,7 @@ opresult openmanagesetstateform(const std::string& playerxuid) {
 }
 
 opresult openswitchsystemshop(ServerPlayer* player) {
-    if (player->getCommandPermissionLevel() == CommandPermissionLevel::Any) {
+    if (!isoperator(player)) {
         systemtoast(player, tr(player, "permission.deny"));
         return opresult::refused;
     }

@@ -39,8 +39,10 @@ playershopstate& getplayershopstate(const std::string& xuid) {
 }
 
 std::string effectiveshop(const Player* player) {
-    const std::string& managed = getplayershopstate(player->getXuid()).managedid;
-    return managed == ordomart::managesnobody ? player->getXuid() : managed;
+    playershopstate& state = getplayershopstate(player->getXuid());
+    const bool mayyet = player->getCommandPermissionLevel() > CommandPermissionLevel::Any;
+    if (state.managedid != ordomart::managesnobody && !mayyet) state.manage(ordomart::managesnobody);
+    return state.managedid == ordomart::managesnobody ? player->getXuid() : state.managedid;
 }
 
 }  // namespace shopsystem

@@ -35,7 +35,8 @@ struct playershopstate {
 
 // A missing record is made.
 [[nodiscard]] playershopstate& getplayershopstate(const std::string& xuid);
-// The shop that the player's owner views act on.
+// The shop that the player's owner views act on. Who manages somebody else's without being an operator any more stops
+// managing it.
 [[nodiscard]] std::string effectiveshop(const Player* player);
 
 }  // namespace shopsystem
