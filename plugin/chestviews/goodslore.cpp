@@ -3,6 +3,7 @@
 
 #include "plugin/base/language.h"
 #include "plugin/economy/economymanager.h"
+#include "plugin/formparts/commissionflags.h"
 #include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/rowkinds.h"
 
@@ -37,16 +38,6 @@ struct writer {
     }
 };
 
-struct commissionflag {
-    bool recycleshopitem::*set;
-    const char* key;
-};
-constexpr commissionflag commissionflags[] = {
-    {&recycleshopitem::filterauxordamage, "recycleshopitem.filterauxdamage"},
-    {&recycleshopitem::filterench, "recycleshopitem.filterench"},
-    {&recycleshopitem::filteritemnbt, "recycleshopitem.filteritemnbt"},
-};
-
 }  // namespace
 
 void addgoodlore(ServerPlayer* player, falsestack& good, const globalsellshopitem& row) {
@@ -73,11 +64,10 @@ void addgoodlore(ServerPlayer* player, falsestack& good, const globalrecycleshop
     w.line("§f§r{}:{}", w.T("recycleshopitem.hasrecyclenum"), row.nowhasrecyclenum);
     w.line("§f§r§g{} {}/{}", row.offer, getmoneyname(), w.T("measurement.entries"));
     for (const auto& flag : commissionflags) {
-        const bool set = row.*flag.set;
         if (w.detailed)
-            w.line("§f§r{}:{}", w.T(flag.key), set ? " \uE0A0" : " \uE0A1");
-        else if (set)
-            w.line("§f§r{}", w.T(flag.key));
+            w.line("§f§r{}:{}", w.T(flag.labelkey), flag.glyph(row));
+        else if (row.*flag.set)
+            w.line("§f§r{}", w.T(flag.labelkey));
     }
     w.source();
 }

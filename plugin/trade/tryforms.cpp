@@ -5,6 +5,7 @@
 
 #include "plugin/base/language.h"
 #include "plugin/economy/economymanager.h"
+#include "plugin/formparts/commissionflags.h"
 #include "plugin/trade/trade.h"
 
 namespace ordomart {
@@ -59,21 +60,13 @@ Form::CustomForm buildtrybuyform(const std::string& language, const globalsellsh
 Form::CustomForm buildtryrecycleform(const std::string& language, const globalrecycleshopitem& item,
                                      const std::string& hovertext, const std::vector<slotcount>& slots,
                                      std::pair<int, int> damagepair, const std::string& playerxuid) {
-    const struct {
-        const char* name;
-        const char* key;
-        bool set;
-    } filters[] = {{"filter1", "recycleshopitem.filterauxdamage", item.filterauxordamage},
-                   {"filter2", "recycleshopitem.filterench", item.filterench},
-                   {"filter3", "recycleshopitem.filteritemnbt", item.filteritemnbt}};
-
     Form::CustomForm form(tr(language, "recycleshop.trysell.form.menutitle"));
     addmoneyinfo(form, language, playerxuid);
     form.addLabel("Iteminfo", hovertext);
-    for (const auto& filter : filters) {
-        form.addLabel(filter.name,
-                      fmt::format("§f§r{}:{}", tr(language, filter.key), filter.set ? " \uE0A0" : " \uE0A1"));
-    }
+    int number = 0;
+    for (const auto& flag : commissionflags)
+        form.addLabel(fmt::format("filter{}", ++number),
+                      fmt::format("§f§r{}:{}", tr(language, flag.labelkey), flag.glyph(item)));
     form.addLabel("Iteminfosplit", splitline);
     form.addLabel("combineinfo",
                   headlines(language, item.recycleitemname, item.recycleitemdescribe, item.recycleitemtag, damagepair) +
