@@ -5,7 +5,7 @@
 #include "platform/host.h"
 #include "platform/network.h"
 #include "plugin/base/hooking.h"
-#include "plugin/base/langtables.h"
+#include "plugin/base/owntexts.h"
 
 namespace ordomart {
 
@@ -21,7 +21,7 @@ void* serverschoice = nullptr;
 void chooselanguage(const std::string& code) {
     if (serverlanguage.empty()) serverlanguage = code;
     if (!langloaded) {
-        plugintranslation = Translation::loadI18nImpl(paths::langs, defaultlocale, defaultlangdata());
+        plugintranslation = Translation::loadI18nImpl(paths::langs, defaultlocale, alllangdata());
         langloaded = plugintranslation != nullptr;
         if (!langloaded) logger.error("langfile load failed");
     }
@@ -31,7 +31,7 @@ void chooselanguage(const std::string& code) {
 // What a player reads as long as the language file cannot be loaded.
 std::string builtintext(const std::string& locale, const std::string& key) {
     for (const std::string& table : {locale, std::string(defaultlocale)})
-        if (const auto texts = defaultlangdata().find(table); texts != defaultlangdata().end())
+        if (const auto texts = alllangdata().find(table); texts != alllangdata().end())
             if (const auto text = texts->second.find(key); text != texts->second.end()) return text->second;
     return key;
 }

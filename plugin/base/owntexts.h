@@ -1,0 +1,20 @@
+// The texts that came to the market behind its two fixed tables. They are merged into the language file with those, so
+// that operators translate and change them there like any other.
+#pragma once
+
+#include "platform/text.h"
+
+namespace ordomart {
+
+namespace owntext {
+inline constexpr const char* paymentrefused = "money.refused";
+inline constexpr const char* cannotsave = "market.cannotsave";
+inline constexpr const char* slotschanged = "recycleshop.error.slotchanged";
+inline constexpr const char* stackskept = "myrecycleshop.pickupitem.kept";  // {0}: how many
+inline constexpr const char* offmoneystays = "getoffmoney.refused";
+}  // namespace owntext
+
+// The fixed tables and these rows. Any thread.
+[[nodiscard]] const platform::LangData& alllangdata();
+
+}  // namespace ordomart
