@@ -1,15 +1,18 @@
-// Both back ends of taking and giving are rows of one table. A failure in the middle of a transfer is logged and the
-// transfer goes on.
+// A transfer has two halves, and the first is taken back when the second is refused. Where there is a choice, the half
+// that can be refused for want of money comes first, so that there is seldom anything to take back.
 #include "plugin/economy/economymanager.h"
 
+#include <algorithm>
+#include <functional>
+
 #include "platform/host.h"
-#include "platform/level.h"
 #include "plugin/base/directories.h"
+#include "plugin/base/guards.h"
 #include "plugin/base/language.h"
 #include "plugin/economy/moneylibrary.h"
 #include "plugin/economy/objectives.h"
-#include "plugin/economy/offlinemoney.h"
 #include "plugin/economy/paynotes.h"
+#include "plugin/economy/scoreaccount.h"
 
 namespace ordomart {
 
@@ -19,41 +22,102 @@ namespace {
 
 bool issystem(const std::string& xuid) { return xuid.empty() || xuid == "0"; }
 
-ServerPlayer* onlineplayer(const std::string& xuid) {
-    return host().level != nullptr ? host().level->getPlayerByXuid(xuid) : nullptr;
+scoreaccount accountof(const std::string& xuid, const char* operation, const char* verb) {
+    scoreaccount account(xuid);
+    if (offlinenbtlookup && account.isofabsent())
+        logger.warn("cant find {}'s nbt scoreboardid in {}, now {} offlineaccount...", xuid, operation, verb);
+    return account;
 }
 
-// An absent player has no score that could be reached: his offline account stands for it.
-std::string accountofabsent(const std::string& xuid, const char* operation, const char* verb) {
-    if (offlinenbtlookup)
-        logger.warn("cant find {}'s nbt scoreboardid in {}, now {} offlineaccount...", xuid, operation, verb);
-    std::string account = offlineaccount(xuid);
-    ensureofflineaccount(account);
-    return account;
+struct payment {
+    std::string from, to;  // empty: the system
+    std::int64_t amount;
+    std::string note = {};
+    std::int64_t fee = 0;
+};
+
+std::string named(const std::string& xuid) { return issystem(xuid) ? "SYSTEM" : xuid; }
+
+// Whether it moved.
+bool moved(const payment& asked, const std::function<moneyrefusal(const payment&)>& move) {
+    const auto refused = tried([&]() -> moneyrefusal {
+        ensureobjectives();
+        if (asked.amount < 0) return "it is less than nothing";
+        return move(asked);
+    });
+    if (refused)
+        logger.error("The payment of {} from {} to {} is refused: {}{}", asked.amount, named(asked.from),
+                     named(asked.to), *refused, asked.note.empty() ? "" : "\nnote:" + asked.note);
+    return !refused;
+}
+
+// The first half of a refused payment goes back to the payer.
+template <class Move>
+void giveback(const payment& of, std::int64_t amount, const Move& move) {
+    if (const auto refused = tried(move))
+        logger.fatal("{} LOST: taken from {} for a payment to {} that was refused, and it cannot be given back: {}",
+                     amount, named(of.from), named(of.to), *refused);
 }
 
 // How taking and giving differ.
 struct movement {
     const char* operation;
-    bool (*inlibrary)(const std::string&, std::int64_t);
-    bool (Scoreboard::*online)(Player&, const std::string&, int);
-    bool (Scoreboard::*absent)(const std::string&, const std::string&, int);
+    moneyrefusal (*inlibrary)(const std::string&, std::int64_t);
+    moneyrefusal (scoreaccount::*inscores)(std::int64_t) const;
 };
 
-constexpr movement taking = {"MCGLOBALECONOMYMANAGER::reduceMoneyhas", &moneylibrary::reduce, &Scoreboard::reduceScore,
-                             &Scoreboard::reduceScore};
-constexpr movement giving = {"MCGLOBALECONOMYMANAGER::addMoney", &moneylibrary::add, &Scoreboard::addScore,
-                             &Scoreboard::addScore};
+constexpr movement taking = {"MCGLOBALECONOMYMANAGER::reduceMoneyhas", &moneylibrary::reduce, &scoreaccount::take};
+constexpr movement giving = {"MCGLOBALECONOMYMANAGER::addMoney", &moneylibrary::add, &scoreaccount::give};
 
-bool changebalance(const movement& how, const std::string& xuid, std::int64_t amount) {
-    ensureobjectives();
-    if (issystem(xuid)) return false;
+moneyrefusal changebalance(const movement& how, const std::string& xuid, std::int64_t amount) {
+    if (issystem(xuid)) return "the system has no account";
     if (moneymode == 1) return how.inlibrary(xuid, amount);
-    const int score = static_cast<int>(amount);
-    if (ServerPlayer* const player = onlineplayer(xuid))
-        return (scoreboard().*how.online)(*player, scoremoneyname, score);
-    (scoreboard().*how.absent)(offlineobjective, accountofabsent(xuid, how.operation, "operator"), score);
-    return true;
+    return (accountof(xuid, how.operation, "operator").*how.inscores)(amount);
+}
+
+// What the payer is asked for beside the receiver's share. Where the fee is more than the whole amount, there is no
+// share: he pays of it what he has, but the amount at least.
+std::int64_t feeinlibrary(const payment& p) {
+    if (issystem(p.from) || p.fee <= 0) return 0;
+    if (p.fee <= p.amount) return p.fee;
+    return std::min(p.fee, std::max(p.amount, moneylibrary::get(p.from)));
+}
+
+moneyrefusal transferinlibrary(const payment& p) {
+    const auto party = [](const std::string& xuid) { return issystem(xuid) ? std::string() : xuid; };
+    const std::int64_t fee = feeinlibrary(p), rest = p.amount - p.fee;
+    if (fee != 0)
+        if (auto refused = moneylibrary::reduce(p.from, fee)) return refused;
+    if (rest < 0) return {};
+    auto refused = tried([&] { return moneylibrary::trans(party(p.from), party(p.to), rest, p.note); });
+    if (refused && fee != 0) giveback(p, fee, [&] { return moneylibrary::add(p.from, fee); });
+    return refused;
+}
+
+// A half that is refused has a line of its own.
+template <class Move>
+moneyrefusal half(const char* what, std::int64_t amount, const std::string& xuid, const std::string& note,
+                  const Move& move) {
+    auto refused = tried(move);
+    if (refused)
+        logger.error("error at createmoneyTrans when {} {} money for {} when use scoreboard ecc,\nnote:{}", what,
+                     amount, xuid, note);
+    return refused;
+}
+
+moneyrefusal transferinscores(const payment& p) {
+    // Both accounts are there before either is changed.
+    std::optional<scoreaccount> payer, payee;
+    if (!issystem(p.from)) payer = accountof(p.from, taking.operation, "operator");
+    if (!issystem(p.to)) payee = accountof(p.to, giving.operation, "operator");
+    if (payer)
+        if (auto refused = half("reduce", p.amount, p.from, p.note, [&] { return payer->take(p.amount); }))
+            return refused;
+    if (!payee) return {};
+    const std::int64_t rest = p.amount - p.fee;
+    auto refused = half("add", rest, p.to, p.note, [&] { return payee->give(rest); });
+    if (refused && payer) giveback(p, p.amount, [&] { return payer->untake(p.amount); });
+    return refused;
 }
 
 }  // namespace
@@ -79,17 +143,15 @@ std::string getmoneyname() {
 std::int64_t MCGLOBALECONOMYMANAGER::queryMoneyhas(const std::string& xuid) {
     ensureobjectives();
     if (moneymode == 1) return moneylibrary::get(xuid);
-    if (ServerPlayer* const player = onlineplayer(xuid)) return scoreboard().getScore(*player, scoremoneyname);
-    return scoreboard().getScore(offlineobjective,
-                                 accountofabsent(xuid, "MCGLOBALECONOMYMANAGER::queryMoneyhas", "return"));
+    return accountof(xuid, "MCGLOBALECONOMYMANAGER::queryMoneyhas", "return").score();
 }
 
 bool MCGLOBALECONOMYMANAGER::reduceMoneyhas(const std::string& xuid, std::int64_t amount) {
-    return changebalance(taking, xuid, amount);
+    return moved({xuid, "", amount}, [](const payment& p) { return changebalance(taking, p.from, p.amount); });
 }
 
 bool MCGLOBALECONOMYMANAGER::addMoney(const std::string& xuid, std::int64_t amount) {
-    return changebalance(giving, xuid, amount);
+    return moved({"", xuid, amount}, [](const payment& p) { return changebalance(giving, p.to, p.amount); });
 }
 
 std::int64_t transferfee(std::int64_t amount, int percent) {
@@ -100,25 +162,11 @@ std::int64_t transferfee(std::int64_t amount, int percent) {
 }
 
 bool createmoneyTrans(const std::string& from, const std::string& to, std::int64_t amount, const std::string& note) {
-    ensureobjectives();
-    const std::int64_t fee = transferfee(amount, tax);
-    if (moneymode == 1) {
-        const auto party = [](const std::string& xuid) { return issystem(xuid) ? std::string() : xuid; };
-        MCGLOBALECONOMYMANAGER::reduceMoneyhas(from, fee);
-        return moneylibrary::trans(party(from), party(to), amount - fee, note);
-    }
-    // A trade that has begun is finished: neither failure stops the transfer.
-    if (!issystem(from) && !MCGLOBALECONOMYMANAGER::reduceMoneyhas(from, amount))
-        logger.error("error at createmoneyTrans when reduce {} money for {} when use scoreboard ecc,\nnote:{}", amount,
-                     from, note);
-    if (!issystem(to)) {
-        if (MCGLOBALECONOMYMANAGER::addMoney(to, amount - fee))
-            writepayline(from, amount, to, note);
-        else
-            logger.error("error at createmoneyTrans when add {} money for {} when use scoreboard ecc,\nnote:{}",
-                         amount - fee, to, note);
-    }
-    return true;
+    const bool done = moved({from, to, amount, note, transferfee(amount, tax)},
+                            moneymode == 1 ? &transferinlibrary : &transferinscores);
+    // The money has moved, whatever becomes of the line.
+    if (done && moneymode != 1 && !issystem(to)) envelope([&] { writepayline(from, amount, to, note); });
+    return done;
 }
 
 }  // namespace ordomart

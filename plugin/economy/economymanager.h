@@ -1,6 +1,7 @@
 // The one road by which money is read and moved, over LLMoney or a scoreboard objective. Money is addressed by xuid;
 // "0" and the empty string are the system, which has no account. Server thread. Amounts are signed 64 bits; a
-// scoreboard keeps 32.
+// scoreboard keeps 32. What moves money says whether it moved: false means that everybody has what he had, and that an
+// error line tells from whom to whom, how much and why not. Nothing here throws because money could not be moved.
 #pragma once
 
 #include <cstdint>
@@ -18,8 +19,9 @@ bool ensureobjectives();
 
 struct MCGLOBALECONOMYMANAGER {
     static std::int64_t queryMoneyhas(const std::string& xuid);
-    static bool reduceMoneyhas(const std::string& xuid, std::int64_t amount);
-    static bool addMoney(const std::string& xuid, std::int64_t amount);
+    // A negative amount is refused, as the library does: it would move money the other way.
+    [[nodiscard]] static bool reduceMoneyhas(const std::string& xuid, std::int64_t amount);
+    [[nodiscard]] static bool addMoney(const std::string& xuid, std::int64_t amount);
 };
 
 // Whether the saved data of an absent player is asked for his score before his offline account is used. Nothing sets
@@ -29,7 +31,8 @@ extern bool offlinenbtlookup;
 // `percent` of the amount, towards zero; at least 1 with any tax, for an amount of 0 too.
 [[nodiscard]] std::int64_t transferfee(std::int64_t amount, int percent);
 
-// Moves the amount, less the tax. Does not check the balance.
-bool createmoneyTrans(const std::string& from, const std::string& to, std::int64_t amount, const std::string& note);
+// Moves the amount, less the tax. Does not check the balance, which the library does and a scoreboard does not.
+[[nodiscard]] bool createmoneyTrans(const std::string& from, const std::string& to, std::int64_t amount,
+                                    const std::string& note);
 
 }  // namespace ordomart

@@ -1,4 +1,5 @@
-// The binding asks for each entry point by name and does not test it; only a call finds out that one is missing.
+// The binding asks for each entry point by name and does not test it; only a call finds out that one is missing. The
+// last one is not every library's: without it a refusal has no reason that could be told.
 #include "plugin/economy/moneylibrary.h"
 
 #include <tuple>
@@ -33,6 +34,18 @@ entrypoint<platform::llmoney::Get> llmoneyget{"LLMoneyGet"};
 entrypoint<platform::llmoney::Trans> llmoneytrans{"LLMoneyTrans"};
 entrypoint<platform::llmoney::Reduce> llmoneyreduce{"LLMoneyReduce"};
 entrypoint<platform::llmoney::Add> llmoneyadd{"LLMoneyAdd"};
+entrypoint<platform::llmoney::LastError> llmoneylasterror{"LLMoneyLastError"};
+
+std::string reason() {
+    const char* const text = llmoneylasterror.function != nullptr ? llmoneylasterror() : nullptr;
+    return text != nullptr && *text != '\0' ? text : "no reason given";
+}
+
+template <class Function, class... A>
+moneyrefusal refusalof(const entrypoint<Function>& operation, const A&... arguments) {
+    if (operation(arguments...)) return {};
+    return operation.function != nullptr ? reason() : fmt::format("there is no {}", operation.name);
+}
 
 }  // namespace
 
@@ -48,14 +61,15 @@ bool bind() {
     llmoneyadd.bind(library);
     drop("LLMoneyGetHist");
     drop("LLMoneyClearHist");
+    llmoneylasterror.bind(library);
     return true;
 }
 
 std::int64_t get(const std::string& xuid) { return llmoneyget(xuid); }
-bool trans(const std::string& from, const std::string& to, std::int64_t value, const std::string& note) {
-    return llmoneytrans(from, to, value, note);
+moneyrefusal trans(const std::string& from, const std::string& to, std::int64_t value, const std::string& note) {
+    return refusalof(llmoneytrans, from, to, value, note);
 }
-bool reduce(const std::string& xuid, std::int64_t value) { return llmoneyreduce(xuid, value); }
-bool add(const std::string& xuid, std::int64_t value) { return llmoneyadd(xuid, value); }
+moneyrefusal reduce(const std::string& xuid, std::int64_t value) { return refusalof(llmoneyreduce, xuid, value); }
+moneyrefusal add(const std::string& xuid, std::int64_t value) { return refusalof(llmoneyadd, xuid, value); }
 
 }  // namespace ordomart::moneylibrary

@@ -1,16 +1,19 @@
 // The LLMoney library, bound by name. An entry point that the library turns out to lack, or a call while nothing is
-// bound, gives 0 or false and an error line that names it.
+// bound, gives 0 or a refusal, and an error line that names it.
 #pragma once
 
 #include <cstdint>
 #include <string>
 
+#include "plugin/economy/moneyrefusal.h"
+
 namespace ordomart::moneylibrary {
 
 [[nodiscard]] bool bind();  // false when the library cannot be loaded
 [[nodiscard]] std::int64_t get(const std::string& xuid);
-bool trans(const std::string& from, const std::string& to, std::int64_t value, const std::string& note);
-bool reduce(const std::string& xuid, std::int64_t value);
-bool add(const std::string& xuid, std::int64_t value);
+[[nodiscard]] moneyrefusal trans(const std::string& from, const std::string& to, std::int64_t value,
+                                 const std::string& note);
+[[nodiscard]] moneyrefusal reduce(const std::string& xuid, std::int64_t value);
+[[nodiscard]] moneyrefusal add(const std::string& xuid, std::int64_t value);
 
 }  // namespace ordomart::moneylibrary

@@ -1,4 +1,4 @@
-// A collection moves the whole waiting sum or, where it does not fit into a score, nothing.
+// A collection moves the whole waiting sum or nothing.
 #include "plugin/economy/offlinemoney.h"
 
 #include <cstdint>
@@ -6,9 +6,11 @@
 
 #include "plugin/base/effects.h"
 #include "plugin/base/language.h"
+#include "plugin/base/owntexts.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/objectives.h"
 #include "plugin/economy/paynotes.h"
+#include "plugin/economy/scoreaccount.h"
 
 namespace ordomart {
 
@@ -28,12 +30,6 @@ bool ensureofflineaccount(const std::string& name) {
 }
 
 namespace {
-
-// Whether the 32-bit sum leaves its range.
-bool overflows(std::int32_t current, std::int32_t added) {
-    const auto sum = static_cast<std::int32_t>(static_cast<std::uint32_t>(current) + static_cast<std::uint32_t>(added));
-    return added < 0 ? current < 0 && sum > 0 : current >= 0 && sum < 0;
-}
 
 // Makes what a balance needs, one piece at a time: an id that had to be made gets its score at the next attempt.
 template <class Whose>
@@ -55,9 +51,26 @@ void repair(const ServerPlayer& player, const std::string& account) {
     repairscore<Player>(player, player.getRealName(), scoremoneyname);
 }
 
+// The account is emptied behind the score, and the score set back where that fails.
+moneyrefusal move(ServerPlayer* player, const std::string& account, std::int32_t offline) {
+    const scoreaccount score(player);
+    if (auto refused = tried([&] { return score.give(offline); })) return refused;
+    auto refused = tried([&]() -> moneyrefusal {
+        if (scoreboard().setScore(offlineobjective, account, 0)) return {};
+        return "the account cannot be emptied";
+    });
+    if (!refused) return refused;
+    if (const auto twice = tried([&] { return score.ungive(offline); }))
+        logger.fatal("{} TWICE: paid out to {} and still in {}, and it cannot be taken back: {}", offline,
+                     player->getRealName(), account, *twice);
+    return refused;
+}
+
 void payout(ServerPlayer* player, const std::string& account, std::int32_t offline) {
-    scoreboard().addScore(*player, scoremoneyname, offline);
-    scoreboard().setScore(offlineobjective, account, 0);
+    if (const auto refused = move(player, account, offline)) {
+        logger.error("{} for {} stay in {}: {}", offline, player->getRealName(), account, *refused);
+        return player->sendText(tr(player, owntext::offmoneystays));
+    }
     const std::string success = tr(player, "getoffmoney.success");
     playsound(player, "mob.villager.yes");
     player->sendText(success + ":" + std::to_string(offline));
@@ -79,7 +92,7 @@ void getoffmoney(ServerPlayer* player, bool verbose) {
         return repair(*player, account);
     }
     if (offline != 0) {
-        if (overflows(current, offline))
+        if (!isscore(std::int64_t{current} + offline))
             return player->sendText(
                 "ERROR:DATAOVERFLOW! FAILURE OF DEAL! THE NUMBER IS TOO BIG!\n"
                 "数据溢出，你的离线金钱太多了！请联系管理员调查解决");

@@ -24,6 +24,16 @@ void levelout(CompoundTag& templatetag, CompoundTag& itemtag) {
         itemtag.erase("WasPickedUp");
 }
 
+// A byte holds counts above 127 in its sign; a text written by hand may hold a wider number, or none, which is one.
+std::int64_t piecesin(const CompoundTag& itemtag) {
+    const Tag* const count = itemtag.get("Count");
+    if (count == nullptr) return 1;
+    if (const auto* byte = count->as<std::int8_t>()) return static_cast<std::uint8_t>(*byte);
+    const std::int64_t wide =
+        std::max<std::int64_t>({itemtag.getShort("Count"), itemtag.getInt("Count"), itemtag.getInt64("Count"), 0});
+    return std::min<std::int64_t>(wide, INT32_MAX);
+}
+
 }  // namespace
 
 std::string itemtosnbt(const ItemStack& stack) {
@@ -40,6 +50,14 @@ ItemStack itemfromsnbt(const std::string& text) {
 }
 
 bool checkrawitemvalid(const ItemStack& stack) { return !stack.isNull() && stack.getId() != 0; }
+
+storedstack readstored(const std::string& text) {
+    auto tag = CompoundTag::fromSNBT(text);
+    if (!tag) return {};
+    const std::int64_t pieces = piecesin(*tag);
+    tag->putByte("Count", 1);
+    return {ItemStack::fromTag(*tag), pieces};
+}
 
 enchlist getenchlist(const CompoundTag& itemtag) {
     enchlist enchantments;

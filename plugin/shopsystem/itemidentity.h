@@ -22,6 +22,13 @@ inline constexpr std::int32_t nodamage = -114514;
 [[nodiscard]] ItemStack itemfromsnbt(const std::string& text);     // an invalid stack for a text that does not parse
 [[nodiscard]] bool checkrawitemvalid(const ItemStack& stack);
 
+// A stack out of a commission's store.
+struct storedstack {
+    ItemStack item;           // a single piece; invalid when this server cannot make it
+    std::int64_t pieces = 0;  // as many as the text says, in whatever width; 0 for a text that does not parse
+};
+[[nodiscard]] storedstack readstored(const std::string& text);
+
 using enchlist = std::vector<std::pair<std::int16_t, std::int16_t>>;  // id, level
 [[nodiscard]] enchlist getenchlist(const CompoundTag& itemtag);
 [[nodiscard]] std::int32_t gettagdamage(const CompoundTag& itemtag);  // nodamage when missing

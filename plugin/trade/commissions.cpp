@@ -1,18 +1,23 @@
 // What the owner does with his commissions. The deposit, offer times wanted count, leaves him when he publishes or
-// raises and comes back when he lowers or ends; operators pay and get nothing. Every test comes before the first
-// change, and a failure of the money back end does not stop what has begun.
+// raises and comes back when he lowers or ends; operators pay and get nothing.
 #include "plugin/trade/commissions.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "plugin/base/guards.h"
+#include "plugin/base/language.h"
+#include "plugin/base/owntexts.h"
 #include "plugin/economy/economymanager.h"
+#include "plugin/economy/marketopen.h"
 #include "plugin/economy/paynotes.h"
+#include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/trade/commissionsteps.h"
 
 namespace shopsystem {
 
-using ordomart::MCGLOBALECONOMYMANAGER;
+using namespace ordomart;
 
 namespace {
 
@@ -21,20 +26,13 @@ constexpr std::int32_t countlimit = 1000000000;
 
 bool isoperator(const Player& player) { return player.getCommandPermissionLevel() > CommandPermissionLevel::Any; }
 
-// In 64 bits. Of a commission published with a negative count it is negative.
+// In 64 bits. Of a record that has a negative count, as old ones may, it is negative.
 std::int64_t deposit(const recycleshopitem& item) {
     return static_cast<std::int64_t>(item.recycleitemleftwanna) * item.offer;
 }
 
-bool numberspass(const recycleshopitem& item, std::int32_t leastcount) {
-    return static_cast<std::uint32_t>(item.offer) < offerlimit && item.recycleitemleftwanna < countlimit &&
-           item.recycleitemleftwanna >= leastcount;
-}
-
-commissionresult refused(refusal why) {
-    commissionresult result;
-    result.why = why;
-    return result;
+bool numberspass(const recycleshopitem& item) {
+    return static_cast<std::uint32_t>(item.offer) < offerlimit && item.recycleitemleftwanna < countlimit;
 }
 
 // Nothing, or the refusal with both numbers.
@@ -48,31 +46,60 @@ commissionresult mustown(const std::string& xuid, std::int64_t needed, refusal w
 
 bool paysfee(const Player& player, const recycleshop& shop) {
     return !isoperator(player) && shop.recycleitems.is_array() &&
-           static_cast<std::int64_t>(shop.recycleitems.size()) > ordomart::maxfreeslot;
+           static_cast<std::int64_t>(shop.recycleitems.size()) > maxfreeslot;
 }
 
-void pay(const std::string& xuid, std::int64_t amount, const char* note) {
-    takemoney(xuid, amount);
-    ordomart::writepayline(xuid, amount, "SYSTEM", note);
+// Two lines of one payment, the second also for a fee of nothing.
+void writepublishlines(const std::string& xuid, std::int64_t deposited, std::int64_t fee) {
+    envelope([&] {
+        writepayline(xuid, deposited, "SYSTEM", "pay for upload recycleitem");
+        writepayline(xuid, fee, "SYSTEM", "pay for extraslot");
+    });
 }
 
-// Hands over all stacks that came in and returns the sum of their counts. What is no item of this server any more
-// cannot be given, but counts.
-std::int64_t handback(ServerPlayer* player, recycleshopitem& item) {
-    std::int64_t total = 0;
+// The stacks that came in, parted by whether this server can make them.
+struct store {
+    std::vector<storedstack> here;
+    std::int64_t pieces = 0;  // of those
+    std::vector<std::string> elsewhere;
+    std::int64_t elsewherepieces = 0;
+    bool allread = true;  // else the count of what stays is not in its texts alone
+};
+
+store partstore(const recycleshopitem& item) {
+    store parted;
     for (const std::string& text : item.recycleditemnbtlist) {
-        const auto tag = CompoundTag::fromSNBT(text);
-        if (!tag) continue;
-        total += static_cast<std::uint8_t>(tag->getByte("Count", 1));
-        givetoplayer(player, ItemStack::fromTag(*tag));
+        storedstack stack = readstored(text);
+        if (checkrawitemvalid(stack.item)) {
+            parted.pieces += stack.pieces;
+            parted.here.push_back(std::move(stack));
+        } else {
+            parted.elsewherepieces += stack.pieces;
+            parted.allread &= stack.pieces != 0;
+            parted.elsewhere.push_back(text);
+        }
     }
-    item.recycleditemnbtlist.clear();
-    return total;
+    return parted;
 }
 
-// The two tests of an answer about a commission that was on the player's screen.
+// What stays in the record when the rest is handed over.
+void keepelsewhere(recycleshopitem& item, const store& parted) {
+    std::int64_t waiting = parted.elsewherepieces;
+    if (!parted.allread) waiting = std::max(waiting, item.nowhasrecyclenum - parted.pieces);
+    item.nowhasrecyclenum = static_cast<std::int32_t>(std::min<std::int64_t>(waiting, INT32_MAX));
+    item.recycleditemnbtlist = parted.elsewhere;
+}
+
+void handover(ServerPlayer* player, const store& parted, commissionresult& result) {
+    for (const storedstack& stack : parted.here) givepieces(player, stack.item, stack.pieces);
+    result.pieces = parted.pieces;
+    result.keptstacks = static_cast<std::int64_t>(parted.elsewhere.size());
+    if (result.keptstacks != 0) player->sendText(filled(tr(player, owntext::stackskept), result.keptstacks));
+}
+
+// The tests of an answer about a commission that was on the player's screen.
 refusal staleness(const recycleshop& shop, int index, std::uint32_t revision) {
-    if (shop.revision != revision) return refusal::shopchanged;
+    if (!isatrevision(shop, revision)) return refusal::shopchanged;
     return shop.holds(index) ? refusal::none : refusal::recordgone;
 }
 
@@ -90,30 +117,23 @@ commissionresult settle(ServerPlayer* player, std::int64_t before, std::int64_t 
     if (isoperator(*player) || before == after) return result;
     const std::string& xuid = player->getXuid();
     if (after < before) {
-        result.refunded = before - after;
-        givemoney(xuid, result.refunded);
+        if (!MCGLOBALECONOMYMANAGER::addMoney(xuid, before - after)) return refused(refusal::paymentrefused);
+        result.received = before - after;
         return result;
     }
     result = mustown(xuid, after - before, refusal::moneyshort);
     if (!result.ok()) return result;
+    if (!MCGLOBALECONOMYMANAGER::reduceMoneyhas(xuid, after - before)) return refused(refusal::paymentrefused);
     result.charged = after - before;
-    takemoney(xuid, result.charged);
     return result;
-}
-
-void reportmoney(bool moved, const char* what, std::int64_t amount, const std::string& xuid) {
-    if (!moved && amount != 0)
-        ordomart::logger.error("error at a commission when {} {} money for {}", what, amount, xuid);
 }
 
 }  // namespace
 
-void givemoney(const std::string& xuid, std::int64_t amount) {
-    reportmoney(MCGLOBALECONOMYMANAGER::addMoney(xuid, amount), "add", amount, xuid);
-}
-
-void takemoney(const std::string& xuid, std::int64_t amount) {
-    reportmoney(MCGLOBALECONOMYMANAGER::reduceMoneyhas(xuid, amount), "reduce", amount, xuid);
+commissionresult refused(refusal why) {
+    commissionresult result;
+    result.why = why;
+    return result;
 }
 
 void writeback(recycleshop& shop, int index, const recycleshopitem& item) {
@@ -123,16 +143,17 @@ void writeback(recycleshop& shop, int index, const recycleshopitem& item) {
 }
 
 void finish(ServerPlayer* player, recycleshop& shop) {
-    player->refreshInventory();
     shop.markshopchanged();
+    envelope([&] { player->refreshInventory(); });
 }
 
 std::int64_t publishfee(const Player& player, const recycleshop& shop) {
-    return paysfee(player, shop) ? ordomart::extraslotcost : 0;
+    return paysfee(player, shop) ? extraslotcost : 0;
 }
 
 commissionresult publishcommission(ServerPlayer* player, const std::string& shopxuid, const recycleshopitem& wanted,
                                    const publishrules& rules) {
+    if (!marketopen()) return refused(refusal::marketclosed);
     const std::string xuid = player->getXuid();
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (rules.banfirst && shop.isbanned()) return refused(refusal::banned);
@@ -140,7 +161,7 @@ commissionresult publishcommission(ServerPlayer* player, const std::string& shop
     if (paysfee(*player, shop))
         if (const auto result = mustown(xuid, fee, refusal::feeshort); !result.ok()) return result;
     if (!rules.banfirst && shop.isbanned()) return refused(refusal::banned);
-    if (!numberspass(wanted, rules.leastcount)) return refused(refusal::badnumbers);
+    if (!numberspass(wanted) || wanted.recycleitemleftwanna < 1) return refused(refusal::badnumbers);
 
     recycleshopitem published = wanted;
     published.nowhasrecyclenum = 0;
@@ -150,53 +171,63 @@ commissionresult publishcommission(ServerPlayer* player, const std::string& shop
 
     commissionresult result;
     if (!isoperator(*player)) {
+        // Deposit and fee in one payment, so that neither can be refused behind the other.
         const std::int64_t price = deposit(wanted) + fee;
         result = mustown(xuid, price, refusal::moneyshort);
         if (!result.ok()) return result;
-        pay(xuid, deposit(wanted), "pay for upload recycleitem");
-        pay(xuid, fee, "pay for extraslot");
+        if (price != 0 && !MCGLOBALECONOMYMANAGER::reduceMoneyhas(xuid, price)) return refused(refusal::paymentrefused);
         result.charged = price;
     }
     if (!shop.recycleitems.is_array()) shop.recycleitems = json::array();
     shop.recycleitems.push_back(std::move(record));
     finish(player, shop);
+    if (!isoperator(*player)) writepublishlines(xuid, deposit(wanted), fee);
     return result;
 }
 
 commissionresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision,
                                   const recycleshopitem& form) {
-    if (!numberspass(form, INT32_MIN)) return refused(refusal::badnumbers);
+    if (!marketopen()) return refused(refusal::marketclosed);
+    if (!numberspass(form)) return refused(refusal::badnumbers);
     recycleshopitem wanted = form;
     wanted.recycleitemleftwanna = std::max(wanted.recycleitemleftwanna, 0);
 
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (const refusal why = staleness(shop, index, revision); why != refusal::none) return refused(why);
     recycleshopitem item = shop.getrecycleitem(index);
+    const bool ends = wanted.recycleitemleftwanna == 0;
+    const store parted = ends ? partstore(item) : store();
     commissionresult result = settle(player, deposit(item), deposit(wanted));
     if (!result.ok()) return result;
 
-    if (wanted.recycleitemleftwanna == 0) {
-        result.pieces = handback(player, item);
+    if (!ends) {
+        takeform(item, wanted);
+        writeback(shop, index, item);
+    } else if (parted.elsewhere.empty()) {
         result.ended = true;
         result.name = item.recycleitemname;
         shop.recycleitems.erase(static_cast<std::size_t>(index));
     } else {
-        takeform(item, wanted);
+        item.recycleitemleftwanna = 0;
+        keepelsewhere(item, parted);
         writeback(shop, index, item);
     }
+    if (ends) handover(player, parted, result);
     finish(player, shop);
     return result;
 }
 
 commissionresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index,
                                   std::uint32_t revision) {
+    if (!marketopen()) return refused(refusal::marketclosed);
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (const refusal why = staleness(shop, index, revision); why != refusal::none) return refused(why);
     recycleshopitem item = shop.getrecycleitem(index);
-    commissionresult result;
-    result.pieces = handback(player, item);
-    countup(item.nowhasrecyclenum, -result.pieces);
+    const store parted = partstore(item);
+    keepelsewhere(item, parted);
     writeback(shop, index, item);
+    commissionresult result;
+    handover(player, parted, result);
     finish(player, shop);
     return result;
 }

@@ -1,21 +1,17 @@
 // Steps that the operations on commissions have in common. Server thread.
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "platform/player.h"
 #include "plugin/shopsystem/recycleshop.h"
+#include "plugin/trade/commissions.h"
 
 namespace shopsystem {
 
-// A failure is logged and does not stop the operation.
-void givemoney(const std::string& xuid, std::int64_t amount);
-void takemoney(const std::string& xuid, std::int64_t amount);
+[[nodiscard]] commissionresult refused(refusal why);
 
 // The record takes the place of the one at the index, which holds.
 void writeback(recycleshop& shop, int index, const recycleshopitem& item);
-// Ends every operation: the player sees his real inventory, the shop counts as changed.
+// Ends every operation: the shop counts as changed, the player sees his real inventory.
 void finish(ServerPlayer* player, recycleshop& shop);
 
 }  // namespace shopsystem

@@ -20,13 +20,16 @@ std::string hovertextfor(const facerecord& face, const ItemStack& stack, const s
     return face.manner.showscustomlore ? getitemhovertext(stack, language) : itemhovertext(stack, language);
 }
 
-void tellrefusal(const facerecord& face, ServerPlayer* player, const std::string& shopxuid, const std::string& text) {
-    if (face.manner.chest) {
+void tell(const facerecord& face, ServerPlayer* player, const std::string& text) {
+    if (face.manner.chest)
         systemtoast(player, text);
-        reopen(player, face.closed, shopxuid);
-    } else {
+    else
         player->sendText(text);
-    }
+}
+
+void tellrefusal(const facerecord& face, ServerPlayer* player, const std::string& shopxuid, const std::string& text) {
+    tell(face, player, text);
+    if (face.manner.chest) reopen(player, face.closed, shopxuid);
 }
 
 void tellsuccess(const facerecord& face, ServerPlayer* player, const std::string& shopxuid, const std::string& language,

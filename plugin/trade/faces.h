@@ -46,6 +46,8 @@ struct tradesuccess {
 [[nodiscard]] std::string answerlanguage(const facerecord& face, const ServerPlayer* player,
                                          const std::string& formlanguage);
 [[nodiscard]] std::string hovertextfor(const facerecord& face, const ItemStack& stack, const std::string& language);
+// In the chat, or by a toast.
+void tell(const facerecord& face, ServerPlayer* player, const std::string& text);
 void tellrefusal(const facerecord& face, ServerPlayer* player, const std::string& shopxuid, const std::string& text);
 void tellsuccess(const facerecord& face, ServerPlayer* player, const std::string& shopxuid, const std::string& language,
                  const tradesuccess& success);

@@ -1,16 +1,20 @@
-// The purchase of goods: one confirm step for its four faces. Everything is tested before anything changes; the one
-// failure that changes the shop is a stored item that is no item any more, whose entry goes. The form keeps copies of
-// the row and no reference to the shop: a shop that has changed since is known by its revision.
+// The purchase of goods: one confirm step for its four faces. Everything is tested before anything changes, and payment
+// is the first change: where it is refused, nothing has happened. The one failure that changes the shop is a stored
+// item that is no item any more, whose entry goes. The form keeps copies of the row and no reference to the shop: a
+// shop that has changed since is known by its revision.
 #include <nlohmann/json.hpp>
 
 #include "platform/text.h"
 #include "plugin/base/effects.h"
+#include "plugin/base/guards.h"
 #include "plugin/base/language.h"
 #include "plugin/economy/economymanager.h"
+#include "plugin/economy/marketopen.h"
 #include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/tradelog.h"
 #include "plugin/trade/faces.h"
+#include "plugin/trade/refusal.h"
 #include "plugin/trade/trade.h"
 #include "plugin/trade/tryforms.h"
 
@@ -30,34 +34,21 @@ constexpr facerecord faces[] = {
     {{.chest = true}, "opensinglesellshopshopsmenu", {screen::singlesellshop}, {screen::singlesellshop}},
 };
 
-enum class outcome { bought, badquantity, shopchanged, entrygone, notenoughmoney, itembroken };
-
-struct refusaltext {
-    outcome why;
-    const char* prefix;
-    const char* key;
-};
-constexpr refusaltext refusaltexts[] = {
-    {outcome::badquantity, "", "sellshop.error.invalid"},
-    {outcome::shopchanged, "", "myshop.error.shopinfoupdate"},
-    {outcome::entrygone, "catch checkexist error:", "myshop.error.itemchanged"},
-    {outcome::notenoughmoney, "", "money.notenough"},
-    {outcome::itembroken, "catch checkrawitemvalid error:", "myshop.error.itemchanged"},
-};
-
-std::string textof(outcome why, const std::string& language) {
-    for (const auto& text : refusaltexts) {
-        if (text.why == why) return text.prefix + tr(language, text.key);
-    }
-    return {};
+// What stands in front of a text, where something stands in front of it.
+std::string textof(refusal why, const std::string& language) {
+    const char* const prefix = why == refusal::recordgone   ? "catch checkexist error:"
+                               : why == refusal::itembroken ? "catch checkrawitemvalid error:"
+                                                            : "";
+    return prefix + refusaltext(why, language);
 }
 
 struct purchase {
     std::string shopxuid;
     std::uint32_t revision;
-    std::int32_t stock, index, price;
+    std::int32_t index;
+    shopitem offered;  // as the form shows it
+    std::string language;
     std::int32_t quantity = 0;
-    std::string language = {};
     std::int64_t total = 0;
     std::string shopname = {}, message = {};
 };
@@ -73,52 +64,61 @@ json recordof(const ServerPlayer* player, const purchase& bought, const shopitem
     return record;
 }
 
-// Moves stock, money and goods. All tests have passed; what fails from here on does not stop the trade.
-void settle(ServerPlayer* player, sellshop& shop, purchase& bought, const shopitem& entry, const ItemStack& item) {
-    if (!shop.isopshop) {
-        shop.items[static_cast<std::size_t>(bought.index)]["shopitemleftnum"] = bought.stock - bought.quantity;
-    }
-    countup(shop.sellcount, bought.quantity);
-    countup(shop.salesvolume, bought.total);
-    createmoneyTrans(player->getXuid(), shop.isopshop ? "0" : bought.shopxuid, bought.total,
-                     "buy item :" + itemtext(item, I18n::currentlanguage(), bought.quantity));
-    shop.writetradelog(recordof(player, bought, entry, item));
-    bought.shopname = shop.shopname;
-    bought.message = tradesentence(shop.ownerlang, purchasesentence, player->getRealName(), bought.total,
-                                   itemtext(item, bought.language, bought.quantity), shop.shopname);
-    givepieces(player, item, bought.quantity);
-    player->refreshInventory();
-    shop.markshopchanged();
-    playsound(player, "mob.villager.yes");
+// Beside the revision, so that nothing is sold but what was on the form. A discount is no part of it: the price seen is
+// the price paid.
+bool isasoffered(const shopitem& entry, const shopitem& offered) {
+    return entry.shopitemleftnum == offered.shopitemleftnum && entry.price == offered.price;
 }
 
-outcome buy(ServerPlayer* player, purchase& wanted) {
-    if (wanted.quantity < 1 || wanted.quantity > wanted.stock) return outcome::badquantity;
-    auto& shop = globalruntimeshopmanager.getsellshop(wanted.shopxuid);
-    if (!isatrevision(shop, wanted.revision)) return outcome::shopchanged;
-    if (!shop.holds(wanted.index)) return outcome::entrygone;
-    wanted.total = std::int64_t{wanted.price} * wanted.quantity;
-    if (MCGLOBALECONOMYMANAGER::queryMoneyhas(player->getXuid()) < wanted.total) return outcome::notenoughmoney;
+// Behind the payment: stock and counters, then the goods, and what can only be told last.
+void settle(ServerPlayer* player, sellshop& shop, const purchase& bought, const ItemStack& item, const json& record) {
+    if (!shop.isopshop)
+        shop.items[static_cast<std::size_t>(bought.index)]["shopitemleftnum"] =
+            bought.offered.shopitemleftnum - bought.quantity;
+    countup(shop.sellcount, bought.quantity);
+    countup(shop.salesvolume, bought.total);
+    shop.markshopchanged();
+    givepieces(player, item, bought.quantity);
+    envelope([&] { shop.writetradelog(record); });
+    envelope([&] { player->refreshInventory(); });
+}
 
+refusal buy(ServerPlayer* player, purchase& wanted) {
+    if (!marketopen()) return refusal::marketclosed;
+    if (wanted.quantity < 1 || wanted.quantity > wanted.offered.shopitemleftnum) return refusal::badquantity;
+    auto& shop = globalruntimeshopmanager.getsellshop(wanted.shopxuid);
+    if (!isatrevision(shop, wanted.revision)) return refusal::shopchanged;
+    if (!shop.holds(wanted.index)) return refusal::recordgone;
     const auto entry = shop.getshopitem(wanted.index);
+    if (!isasoffered(entry, wanted.offered)) return refusal::shopchanged;
+    wanted.total = std::int64_t{wanted.offered.realprice} * wanted.quantity;
+    if (MCGLOBALECONOMYMANAGER::queryMoneyhas(player->getXuid()) < wanted.total) return refusal::moneyshort;
+
     const auto item = itemfromsnbt(entry.itemnbt);
     if (!checkrawitemvalid(item)) {
         shop.items.erase(static_cast<std::size_t>(wanted.index));
         shop.markshopchanged();
-        return outcome::itembroken;
+        return refusal::itembroken;
     }
-    settle(player, shop, wanted, entry, item);
-    return outcome::bought;
+    if (entry.itemnbt != wanted.offered.itemnbt) return refusal::shopchanged;
+
+    const auto record = recordof(player, wanted, entry, item);
+    wanted.shopname = shop.shopname;
+    wanted.message = tradesentence(shop.ownerlang, purchasesentence, player->getRealName(), wanted.total,
+                                   itemtext(item, wanted.language, wanted.quantity), shop.shopname);
+    const auto note = "buy item :" + itemtext(item, I18n::currentlanguage(), wanted.quantity);
+    if (!createmoneyTrans(player->getXuid(), shop.isopshop ? "0" : wanted.shopxuid, wanted.total, note))
+        return refusal::paymentrefused;
+    settle(player, shop, wanted, item, record);
+    return refusal::none;
 }
 
 void confirm(ServerPlayer* player, const facerecord& face, purchase wanted, const Form::Elements& answer) {
     wanted.language = answerlanguage(face, player, wanted.language);
     wanted.quantity = buyquantity.number(answer);
     const auto result = buy(player, wanted);
-    if (result != outcome::bought) {
-        tellrefusal(face, player, wanted.shopxuid, textof(result, wanted.language));
-        return;
-    }
+    if (result != refusal::none) return tellrefusal(face, player, wanted.shopxuid, textof(result, wanted.language));
+    playsound(player, "mob.villager.yes");
     tellsuccess(face, player, wanted.shopxuid, wanted.language,
                 {"sellshop.purchase.success", true, wanted.message, wanted.shopname, '-', wanted.total});
 }
@@ -140,12 +140,8 @@ void offertrade(ServerPlayer* player, const globalsellshopitem& row, tradeface w
     const auto language = player->getLanguageCode();
     const auto form = buildtrybuyform(language, row, hovertextfor(face, item, language),
                                       {item.getDamageValue(), item.getMaxDamage()}, player->getXuid());
-    const purchase wanted{.shopxuid = row.xuid,
-                          .revision = row.revision,
-                          .stock = row.shopitemleftnum,
-                          .index = row.index,
-                          .price = row.realprice,
-                          .language = language};
+    const purchase wanted{
+        .shopxuid = row.xuid, .revision = row.revision, .index = row.index, .offered = row, .language = language};
     sendform(player, form, {face.place, [&face, id = row.xuid](ServerPlayer* who) { reopen(who, face.closed, id); }},
              [&face, wanted](ServerPlayer* who, const Form::Elements& answer) { confirm(who, face, wanted, answer); });
 }

@@ -8,6 +8,7 @@
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/tradelog.h"
 #include "plugin/trade/commissions.h"
+#include "plugin/trade/commissionsteps.h"
 #include "plugin/trade/faces.h"
 #include "plugin/trade/trade.h"
 #include "plugin/trade/tryforms.h"
@@ -31,7 +32,7 @@ constexpr facerecord faces[] = {
 struct recyclesale {
     std::string shopxuid;
     std::uint32_t revision;
-    std::int32_t index;
+    std::int32_t index, offer;
     std::vector<slotcount> slots;
     std::string language;
 };
@@ -47,22 +48,23 @@ void confirm(ServerPlayer* player, const facerecord& face, const recyclesale& sa
     const bool isread = face.manner.chest || formenvelope(face.place, [&] {
                             (void)shop.recycleitems.at(static_cast<std::size_t>(sale.index));
                         });
-    if (!isread || !isatrevision(shop, sale.revision)) {
-        tellrefusal(face, player, sale.shopxuid, tr(language, "myshop.error.shopinfoupdate"));
-        return;
-    }
+    if (!isread || !isatrevision(shop, sale.revision))
+        return tellrefusal(face, player, sale.shopxuid, refusaltext(refusal::shopchanged, language));
     if (!shop.holds(sale.index)) {
-        player->sendText("catcherror for recycle:" + tr(language, "myshop.error.itemchanged"));
+        player->sendText("catcherror for recycle:" + refusaltext(refusal::recordgone, language));
         return;
     }
     const auto commission = shop.getrecycleitem(sale.index);
-    const auto taken =
-        takeinitems(player, shop, sale.index, commission, sale.slots, sellamounts.values(answer, sale.slots));
-    const auto message = tradesentence(shop.ownerlang, recyclesentence, player->getRealName(), taken.refunded,
+    const auto taken = commission.offer == sale.offer ? takeinitems(player, shop, sale.index, commission, sale.slots,
+                                                                    sellamounts.values(answer, sale.slots))
+                                                      : refused(refusal::shopchanged);
+    if (!taken.ok()) return tellrefusal(face, player, sale.shopxuid, refusaltext(taken.why, language));
+    if (taken.slotschanged) tell(face, player, refusaltext(refusal::slotschanged, language));
+    const auto message = tradesentence(shop.ownerlang, recyclesentence, player->getRealName(), taken.received,
                                        fmt::format("{}*{}", templatename(commission), taken.pieces), shop.shopname);
     playsound(player, "mob.villager.yes");
     tellsuccess(face, player, sale.shopxuid, language,
-                {"recycleshop.recycle.success", false, message, shop.shopname, '+', taken.refunded});
+                {"recycleshop.recycle.success", false, message, shop.shopname, '+', taken.received});
 }
 
 }  // namespace
@@ -81,7 +83,7 @@ void offertrade(ServerPlayer* player, const globalrecycleshopitem& row, tradefac
     }
     const auto language = player->getLanguageCode();
     const auto hovertext = hovertextfor(face, item, language);
-    const recyclesale sale{row.xuid, row.revision, row.index, findrecycleitems(*player, row), language};
+    const recyclesale sale{row.xuid, row.revision, row.index, row.offer, findrecycleitems(*player, row), language};
     const auto form = buildtryrecycleform(language, row, hovertext, sale.slots,
                                           {item.getDamageValue(), item.getMaxDamage()}, player->getXuid());
     sendform(player, form, {face.place, [&face, id = row.xuid](ServerPlayer* who) { reopen(who, face.closed, id); }},

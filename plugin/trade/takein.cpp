@@ -1,7 +1,12 @@
 // A sale into a commission. The owner has paid when he published, so the seller's money comes from nobody now and
-// bears no tax. The shop of an operator pays without end, keeps its numbers and stores nothing.
+// bears no tax. The shop of an operator pays without end, keeps its numbers and stores nothing. What is taken is put
+// down first, without taking it; when the seller has been paid, it is taken.
 #include <algorithm>
 
+#include "plugin/base/guards.h"
+#include "plugin/economy/economymanager.h"
+#include "plugin/economy/marketopen.h"
+#include "plugin/formparts/rememberedslots.h"
 #include "plugin/shopsystem/tradelog.h"
 #include "plugin/trade/commissions.h"
 #include "plugin/trade/commissionsteps.h"
@@ -10,24 +15,29 @@ namespace shopsystem {
 
 namespace {
 
-// What leaves one slot. Only its count is read again: whatever lies there by now is taken as it is.
-int takeslot(PlayerInventory& inventory, int slot, int asked, bool stored, recycleshopitem& working) {
-    ItemStack stack = inventory.getItem(slot);
-    int taken = std::clamp(asked, 0, stack.getCount());
-    if (stored) taken = std::min(taken, working.recycleitemleftwanna);
-    if (stored && taken != 0) {
-        working.recycleitemleftwanna -= taken;
-        countup(working.nowhasrecyclenum, taken);
-        stack.set(taken);
-        working.recycleditemnbtlist.push_back(itemtosnbtasis(stack));
-    }
-    inventory.removeItem(slot, taken);
+// What leaves one slot, put down in the record. At most what is still wanted, where that is counted.
+int putdown(ItemStack stack, int offered, bool stored, recycleshopitem& working) {
+    if (!stored) return offered;
+    const int taken = std::min(offered, working.recycleitemleftwanna);
+    working.recycleitemleftwanna -= taken;
+    countup(working.nowhasrecyclenum, taken);
+    stack.set(taken);
+    working.recycleditemnbtlist.push_back(itemtosnbtasis(stack));
     return taken;
 }
 
+ordomart::slotsnow wantedslots(const PlayerInventory& inventory, const recycleshopitem& working,
+                               const std::vector<slotcount>& slots, const std::vector<int>& asked) {
+    auto templatetag = CompoundTag::fromSNBT(working.itemnbt);
+    return ordomart::matchagain(inventory, slots, asked, [&](const ItemStack& stack) {
+        std::int32_t count = 0;
+        return templatetag && matchrecycleitem(working, *templatetag, stack, count);
+    });
+}
+
 // The item fields are those of the template. A test that the commission does not make has nothing to tell.
-json recyclingrecord(const Player& player, const recycleshopitem& working, const CompoundTag& templatetag,
-                     std::int64_t pieces, std::int64_t money) {
+json recyclingrecord(const Player& player, const recycleshopitem& working, std::int64_t pieces, std::int64_t money) {
+    const CompoundTag templatetag = CompoundTag::fromSNBT(working.itemnbt).value_or(CompoundTag());
     json record = traderecord(templatetag, working.itemnbt, pieces, money);
     record["replayername"] = player.getRealName();
     if (!working.filterauxordamage && !working.filteritemnbt) record["itemdamage"] = record["itemunbreakvalue"] = -1;
@@ -39,21 +49,30 @@ json recyclingrecord(const Player& player, const recycleshopitem& working, const
 
 commissionresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recycleshopitem working,
                              const std::vector<slotcount>& slots, const std::vector<int>& asked) {
-    commissionresult result;
+    if (!ordomart::marketopen()) return refused(refusal::marketclosed);
     PlayerInventory& inventory = player->getSupplies();
-    for (std::size_t i = 0; i < std::min(slots.size(), asked.size()) && working.recycleitemleftwanna >= 1; ++i)
-        result.pieces += takeslot(inventory, slots[i].slot, asked[i], !shop.isopshop, working);
+    const auto now = wantedslots(inventory, working, slots, asked);
+    if (now.held.empty() && now.changed) return refused(refusal::slotschanged);
 
-    result.refunded = result.pieces * working.offer;
-    givemoney(player->getXuid(), result.refunded);
+    commissionresult result;
+    result.slotschanged = now.changed;
+    std::vector<slotcount> leaving;
+    for (const auto& [slot, offered] : now.held) {
+        if (working.recycleitemleftwanna < 1) break;
+        leaving.push_back({slot, putdown(inventory.getItem(slot), offered, !shop.isopshop, working)});
+        result.pieces += leaving.back().count;
+    }
+    result.received = result.pieces * working.offer;
+    const json record = recyclingrecord(*player, working, result.pieces, result.received);
 
-    const CompoundTag templatetag = CompoundTag::fromSNBT(working.itemnbt).value_or(CompoundTag());
-    shop.writetradelog(recyclingrecord(*player, working, templatetag, result.pieces, result.refunded));
-
+    if (result.received != 0 && !ordomart::MCGLOBALECONOMYMANAGER::addMoney(player->getXuid(), result.received))
+        return refused(refusal::paymentrefused);
+    for (const auto& [slot, count] : leaving) inventory.removeItem(slot, count);
     writeback(shop, index, working);
     countup(shop.recycleamount, result.pieces);
-    countup(shop.recyclecost, result.refunded);
+    countup(shop.recyclecost, result.received);
     finish(player, shop);
+    ordomart::envelope([&] { shop.writetradelog(record); });
     return result;
 }
 

@@ -178,7 +178,7 @@ TEST_F(Transfer, ScoresMoveByTheWholeAmountAndTheRest) {
                        {5, "0", bob, 1000, 0, 950, true},      {5, "", bob, 1000, 0, 950, true},
                        {5, bob, ada, 1000, 950, -1000, true},  {5, ada, "0", 1000, -1000, 0, false},
                        {5, bob, "", 1000, 0, -1000, false}};
-    createmoneyTrans("0", bob, 0, "makes the account");
+    EXPECT_TRUE(createmoneyTrans("0", bob, 0, "makes the account"));
     for (const auto& c : cases) {
         SCOPED_TRACE(fmt::format("{} % of {} from {} to {}", c.percent, c.amount, c.from, c.to));
         host.log.lines.clear();

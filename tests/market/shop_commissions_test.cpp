@@ -160,7 +160,7 @@ TEST(Commissions, AdjustingMovesTheDifference) {
         });
         EXPECT_EQ(result.why, c.why) << c.name;
         EXPECT_EQ(who.money(), c.left) << c.name;
-        EXPECT_EQ(result.refunded - result.charged, c.left - c.money) << c.name;
+        EXPECT_EQ(result.received - result.charged, c.left - c.money) << c.name;
         EXPECT_EQ(result.ended, c.ended) << c.name;
         EXPECT_EQ(who.counts("minecraft:apple") - apples, c.ended ? 3 : 0) << c.name;
         if (c.ended) {

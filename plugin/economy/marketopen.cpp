@@ -1,0 +1,7 @@
+#include "plugin/economy/marketopen.h"
+
+namespace ordomart {
+
+bool marketopen() { return true; }
+
+}  // namespace ordomart

@@ -1,0 +1,38 @@
+// One row for each reason.
+#include "plugin/trade/refusal.h"
+
+#include "plugin/base/language.h"
+#include "plugin/base/owntexts.h"
+
+namespace shopsystem {
+
+namespace {
+
+using namespace ordomart;
+
+constexpr struct {
+    refusal why;
+    const char* key;
+} texts[] = {
+    {refusal::marketclosed, owntext::cannotsave},
+    {refusal::badquantity, "sellshop.error.invalid"},
+    {refusal::badnumbers, "myshop.error.invalidprice"},
+    {refusal::banned, "shop.banned"},
+    {refusal::feeshort, "money.notenough"},
+    {refusal::moneyshort, "money.notenough"},
+    {refusal::shopchanged, "myshop.error.shopinfoupdate"},
+    {refusal::recordgone, "myshop.error.itemchanged"},
+    {refusal::itembroken, "myshop.error.itemchanged"},
+    {refusal::slotschanged, owntext::slotschanged},
+    {refusal::paymentrefused, owntext::paymentrefused},
+};
+
+}  // namespace
+
+std::string refusaltext(refusal why, const std::string& language) {
+    for (const auto& text : texts)
+        if (text.why == why) return tr(language, text.key);
+    return {};
+}
+
+}  // namespace shopsystem
