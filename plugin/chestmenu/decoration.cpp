@@ -5,6 +5,7 @@
 #include "platform/packets/containers.h"
 #include "platform/packets/messages.h"
 #include "plugin/base/language.h"
+#include "plugin/chestmenu/fitting.h"
 #include "plugin/chestmenu/templates.h"
 
 namespace ordomart {
@@ -80,12 +81,16 @@ void falsestack::sendto(ServerPlayer* player, std::uint32_t containerid, std::ui
 
 void sendcontainercontent(ServerPlayer* player, std::uint32_t containerid, const std::vector<ItemStack>& stacks) {
     InventoryContentPacket content{containerid, {}};
-    for (const auto& stack : stacks) content.items.push_back(tonetwork(stack));
+    for (const auto& stack : stacks) content.items.push_back(fitted(stack));
     player->sendNetworkPacket(topacket(content));
 }
 
 void sendcontainerslot(ServerPlayer* player, std::uint32_t containerid, std::uint32_t slot, const ItemStack& stack) {
-    player->sendNetworkPacket(topacket(InventorySlotPacket{containerid, slot, tonetwork(stack)}));
+    player->sendNetworkPacket(topacket(InventorySlotPacket{containerid, slot, fitted(stack)}));
+}
+
+void sendcontainerclose(ServerPlayer* player, std::uint8_t containerid) {
+    player->sendNetworkPacket(topacket(ContainerClosePacket{containerid, true}));
 }
 
 void sendplayergametype(ServerPlayer* player, int gametype) {

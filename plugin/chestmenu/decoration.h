@@ -52,6 +52,7 @@ struct falsestack {
 // ---- one client's screen
 void sendcontainercontent(ServerPlayer* player, std::uint32_t containerid, const std::vector<ItemStack>& stacks);
 void sendcontainerslot(ServerPlayer* player, std::uint32_t containerid, std::uint32_t slot, const ItemStack& stack);
+void sendcontainerclose(ServerPlayer* player, std::uint8_t containerid);  // asks for it: the client answers
 void sendplayergametype(ServerPlayer* player, int gametype);
 void clearplayerview(ServerPlayer* player);
 void clearplayerviewcontainers(ServerPlayer* player, std::initializer_list<std::uint32_t> containerids);

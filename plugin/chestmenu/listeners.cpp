@@ -4,10 +4,13 @@
 #include <algorithm>
 #include <limits>
 
+#include "platform/host.h"
+#include "platform/level.h"
 #include "platform/packets/containers.h"
 #include "plugin/base/effects.h"
 #include "plugin/base/globals.h"
 #include "plugin/chestmenu/blocks.h"
+#include "plugin/chestmenu/decoration.h"
 #include "plugin/chestmenu/later.h"
 
 namespace containermenuguihelper {
@@ -35,21 +38,49 @@ bool isfromcursortohotbar(const ItemStackRequestAction& action) {
            action.destination.container == static_cast<std::uint8_t>(ContainerName::hotbar);
 }
 
+// A copy of the handler, since it may put another menu's in its place.
+bool call(handler run, ServerPlayer* player, ItemStackRequestAction* action, ListenRecorder* record) {
+    bool result = false;
+    ordomart::envelope([&] { result = run(player, action, record); });
+    return result;
+}
+
 }  // namespace
+
+bool menupicture::takes(const ItemStackRequestAction& click) const {
+    if (menu == ordomart::screen::none) return false;
+    const auto pressed = click.is(ActionType::swap) ? click.destination.container : click.source.container;
+    return complete || pressed == static_cast<std::uint8_t>(ContainerName::offhand) ||
+           pressed == static_cast<std::uint8_t>(ContainerName::cursor);
+}
+
+std::uint64_t newpicturenumber() {
+    static std::uint64_t last = 0;
+    return ++last;
+}
 
 void BlockcontainerItemRequestListermanager::addnewblockcontainerpacketlistener(
     ServerPlayer* player, unsigned char containerid, const ListenRecorder& record,
     const newblockcontainerlistenersconfig& config) {
-    if (auto* known = find(player, containerid)) {
+    auto* kept = find(player, containerid);
+    if (kept != nullptr) {
         logger.info("warning:notemptyrecordfix tryoverwrite");
-        *known = record;
+        *kept = record;
     } else {
         entries_.push_back({{player->sessionid(), containerid}, std::make_unique<ListenRecorder>(record)});
+        kept = entries_.back().record.get();
     }
+    kept->picture.number = newpicturenumber();
     if (!config.delayopen) return;
     ordomart::later(player->sessionid(), wholeticks(config.delayticks),
-                    [position = record.blockpos, containerid, type = record.containertype](ServerPlayer* who) {
-                        who->sendNetworkPacket(topacket(ContainerOpenPacket{containerid, type, position}));
+                    [this, containerid, opening = kept->picture.number](ServerPlayer* who) {
+                        const auto* waiting = find(who, containerid);
+                        if (waiting == nullptr || waiting->picture.number != opening) return;
+                        if (who->isReadyForContainer())
+                            who->sendNetworkPacket(
+                                topacket(ContainerOpenPacket{containerid, waiting->containertype, waiting->blockpos}));
+                        else
+                            removecontainerlistener(who, containerid, containerid);
                     });
 }
 
@@ -61,10 +92,32 @@ ListenRecorder* BlockcontainerItemRequestListermanager::find(const ServerPlayer*
     return nullptr;
 }
 
+ListenRecorder* BlockcontainerItemRequestListermanager::infront(const ServerPlayer* player) const {
+    auto* const record = find(player, player->currentContainerCounter());
+    return record != nullptr && !record->selected ? record : nullptr;
+}
+
 bool BlockcontainerItemRequestListermanager::isusedbyanother(const ServerPlayer* player, BlockPos blockpos) const {
+    auto* const level = host().level;
     return std::any_of(entries_.begin(), entries_.end(), [&](const auto& held) {
-        return held.record->blockpos == blockpos && held.key.session != player->sessionid();
+        if (held.record->blockpos != blockpos || held.key.session == player->sessionid() || level == nullptr)
+            return false;
+        const auto* const holder = level->getPlayer(held.key.session);
+        return holder != nullptr && holder->isReadyForContainer();
     });
+}
+
+void BlockcontainerItemRequestListermanager::forgetsession(std::uint64_t session) {
+    std::erase_if(entries_, [&](const entry& each) { return each.key.session == session; });
+    std::erase(answered_, session);
+}
+
+void BlockcontainerItemRequestListermanager::answerclose(ServerPlayer* player) {
+    const auto session = player->sessionid();
+    if (std::find(answered_.begin(), answered_.end(), session) != answered_.end()) return;
+    answered_.push_back(session);
+    ordomart::later(session, 1, [this, session](ServerPlayer*) { std::erase(answered_, session); });
+    player->refreshInventory();
 }
 
 // ---- handlers
@@ -111,9 +164,12 @@ bool ChestInvontoryItemRequestListermanager::trylistenaction(ServerPlayer* playe
     if (action->is(ActionType::swap) && !isfromcursortohotbar(*action)) return false;
     auto* record = find(player, containerid);
     if (record == nullptr || record->selected) return false;
-    // A copy, since the handler may put another menu's handlers in its place.
-    const auto asked = record->prehandler;
-    if (!asked(player, action, record)) return false;
+    if (!player->isAlive()) {
+        // He looks at nothing any more; the menu ends with his client's answer.
+        ordomart::sendcontainerclose(player, containerid);
+        return false;
+    }
+    if (!record->picture.takes(*action) || !call(record->prehandler, player, action, record)) return false;
     record->selected = true;
     if (record->handleonclose) record->selection = selectionof(*action);
     return true;
@@ -131,24 +187,23 @@ bool ChestInvontoryItemRequestListermanager::runselectedaction(ServerPlayer* pla
         logger.info("error at NULL actioner");
         return false;
     }
-    bool result = false;
-    if (!record->handleonclose) {
-        const auto run = record->mainhandler;
-        result = run(player, action, record);
-    }
-    if (record->closeonselect || record->handleonclose)
-        player->sendNetworkPacket(topacket(ContainerClosePacket{containerid, true}));
+    const bool result = !record->handleonclose && call(record->mainhandler, player, action, record);
+    if (record->closeonselect || record->handleonclose) ordomart::sendcontainerclose(player, containerid);
     recoverrawblockenvir(player, record);
     return result;
 }
 
 void ChestInvontoryItemRequestListermanager::notifycontainerclose(ServerPlayer* player, unsigned char containerid) {
-    // Whatever the client showed, it shows its real stacks from here on.
-    player->refreshInventory();
-    auto* record = find(player, containerid);
-    if (record == nullptr || !record->handleonclose) return;
-    const auto run = record->mainhandler;
-    run(player, nullptr, record);
+    auto* const record = find(player, containerid);
+    const auto* const front = infront(player);
+    // A picture that stands in front of him is not painted over, whatever else he closes.
+    if (front == nullptr || front == record || front->picture.menu == ordomart::screen::none) {
+        if (record != nullptr)
+            player->refreshInventory();
+        else
+            answerclose(player);
+    }
+    if (record != nullptr && record->handleonclose) call(record->mainhandler, player, nullptr, record);
 }
 
 bool ChestInvontoryItemRequestListermanager::removecontainerlistener(ServerPlayer* player, unsigned char,
@@ -157,8 +212,9 @@ bool ChestInvontoryItemRequestListermanager::removecontainerlistener(ServerPlaye
     const auto held =
         std::find_if(entries_.begin(), entries_.end(), [&](const entry& each) { return each.key == wanted; });
     if (held == entries_.end()) return false;
-    recoverrawblockenvir(player, held->record.get());
+    const auto ended = std::move(held->record);
     entries_.erase(held);
+    recoverrawblockenvir(player, ended.get());
     return true;
 }
 

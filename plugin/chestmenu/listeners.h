@@ -2,18 +2,23 @@
 // means is told by the two handlers of the menu's record. A record belongs to a session and a container id, so that one
 // that a player left behind can never be taken for another's. Server thread only, no lock.
 //
-// A click: prehandler; true ends the menu, keeps the click as the selection and closes the client's screen.
+// A click: counts only on what the client was shown; prehandler; true ends the menu, keeps the click as the selection
+// and closes the client's screen.
 // A close: the client gets its real stacks back, then mainhandler, with a null action, then the record goes.
+//
+// What a handler throws is logged and goes no further: a click has done nothing then, a close goes on to its end.
 #pragma once
 
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "platform/packets/itemstackrequest.h"
 #include "platform/player.h"
 #include "platform/position.h"
+#include "plugin/base/screens.h"
 
 namespace containermenuguihelper {
 
@@ -37,6 +42,17 @@ struct acceptedclick {
     [[nodiscard]] bool isfrom(ContainerName name) const { return fromcontainer == static_cast<std::uint8_t>(name); }
 };
 
+// What the client sees of a menu.
+struct menupicture {
+    ordomart::screen menu = ordomart::screen::none;  // none before the first paint: no click counts
+    std::uint64_t number = 0;          // no two of a run are alike: tells opening, menu and painting in one
+    bool complete = false;             // until then only the way back counts, in the offhand and on the cursor
+    std::vector<std::string> entries;  // what stands in the listed slots, in a view's own words
+
+    [[nodiscard]] bool takes(const ItemStackRequestAction& click) const;
+};
+[[nodiscard]] std::uint64_t newpicturenumber();
+
 struct ListenRecorder {
     BlockPos blockpos;
     std::int32_t dimensionid = -1;
@@ -51,6 +67,7 @@ struct ListenRecorder {
     handler mainhandler;
     handler prehandler;
     acceptedclick selection;
+    menupicture picture;
 };
 
 struct newblockcontainerlistenersconfig {
@@ -72,15 +89,24 @@ public:
     // Tells the client which blocks really stand where a block-backed menu showed others.
     virtual void recoverrawblockenvir(ServerPlayer* player, ListenRecorder* record) = 0;
 
-    // Takes a copy of the record; an older one of the same key is overwritten, and its selection lost.
+    // Takes a copy of the record; an older one of the same key is overwritten, and its selection lost. With an opening
+    // that is delayed it goes again when by then the player cannot be served a screen.
     void addnewblockcontainerpacketlistener(ServerPlayer* player, unsigned char containerid,
                                             const ListenRecorder& record,
                                             const newblockcontainerlistenersconfig& config);
     // Null when there is none. The address is good until the record is removed.
     [[nodiscard]] ListenRecorder* find(const ServerPlayer* player, unsigned char containerid) const;
+    // The menu that the player's clicks go to, unless it has ended by one already.
+    [[nodiscard]] ListenRecorder* infront(const ServerPlayer* player) const;
+    // Of the absent and the dead, who look at nothing, no record counts.
     [[nodiscard]] bool isusedbyanother(const ServerPlayer* player, BlockPos blockpos) const;
+    // Whatever is kept of a session that ends.
+    void forgetsession(std::uint64_t session);
 
 protected:
+    // The client's real stacks, but once a tick at most: a close of three bytes costs it an inventory.
+    void answerclose(ServerPlayer* player);
+
     struct menukey {
         std::uint64_t session;
         std::uint8_t containerid;
@@ -92,7 +118,8 @@ protected:
         // A handler may open a menu, and its own record must stay where it is meanwhile.
         std::unique_ptr<ListenRecorder> record;
     };
-    std::vector<entry> entries_;  // in order of insertion
+    std::vector<entry> entries_;           // in order of insertion
+    std::vector<std::uint64_t> answered_;  // sessions, in this tick
 };
 
 // The start of a mainhandler: true, with "NULL selected " told, when the player closed the screen himself.

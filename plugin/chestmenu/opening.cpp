@@ -2,8 +2,8 @@
 #include "plugin/chestmenu/opening.h"
 
 #include "platform/clock.h"
-#include "platform/packets/containers.h"
 #include "plugin/chestmenu/blocks.h"
+#include "plugin/chestmenu/decoration.h"
 #include "plugin/chestmenu/later.h"
 #include "plugin/shopsystem/playershopstate.h"
 
@@ -45,7 +45,7 @@ bool openblockcontainerlistener(BlockcontainerItemRequestListermanager& manager,
         logger.info("BlockPos has been used by others!");
         return false;
     }
-    player->sendNetworkPacket(topacket(ContainerClosePacket{containerid, true}));
+    sendcontainerclose(player, containerid);
     if (blockbacked) showblocks(player, record, blocks);
     manager.addnewblockcontainerpacketlistener(player, containerid, record, listener);
     return true;
@@ -81,7 +81,8 @@ opresult guardopening(ServerPlayer* player) {
     if (!player->isReadyForContainer()) return opresult::notready;
     const std::int64_t now = unixseconds();
     auto& last = getplayershopstate(player->getXuid()).menuopentime;
-    if (last + 1 < now) {
+    // A time that is still to come was stored before the clock was set back.
+    if (last + 1 < now || last > now) {
         last = now;
         return opresult::opened;
     }
@@ -96,20 +97,21 @@ opresult openchestmenu(ServerPlayer* player, screen which, std::optional<std::st
     if (const auto guarded = guardopening(player); guarded != opresult::opened) return guarded;
     const auto position = player->getPosition();
     const auto containerid = player->_nextContainerCounter();
-    constexpr std::uint64_t paintticks = 5;
-    // An opening that was refused has no record to be looked for, and is painted all the same.
-    const auto wasrefused = std::make_shared<bool>(false);
-    later(player->sessionid(), paintticks,
-          [which, containerid, wasrefused, shop = std::move(shopxuid)](ServerPlayer* who) {
-              // Closed again already: what he sees by now are his real stacks.
-              if (!*wasrefused && listenermanager().find(who, containerid) == nullptr) return;
-              if (shop) getplayershopstate(who->getXuid()).viewedshopid = *shop;
-              paint(who, which);
-          });
     const auto& menu = menuof(which);
-    *wasrefused = !containermenuguihelper::opencontainerlistener(listenermanager(), player, containerid,
-                                                                 {player->getDimensionId(), position.toBlockPos()},
-                                                                 position, blocks, menu.mainhandler, menu.prehandler);
+    if (!containermenuguihelper::opencontainerlistener(listenermanager(), player, containerid,
+                                                       {player->getDimensionId(), position.toBlockPos()}, position,
+                                                       blocks, menu.mainhandler, menu.prehandler))
+        return opresult::refused;
+    constexpr std::uint64_t paintticks = 5;
+    later(player->sessionid(), paintticks,
+          [which, opening = listenermanager().find(player, containerid)->picture.number,
+           shop = std::move(shopxuid)](ServerPlayer* who) {
+              if (!isawaited(who, opening)) return;
+              auto& record = *listenermanager().infront(who);
+              if (!who->isReadyForContainer()) return sendcontainerclose(who, record.containerid);
+              if (shop) getplayershopstate(who->getXuid()).viewedshopid = *shop;
+              showmenu(who, record, which);
+          });
     return opresult::opened;
 }
 

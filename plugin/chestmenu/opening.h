@@ -1,11 +1,12 @@
 // How a fake chest comes to stand before a client: in one of two forms, the client's own inventory screen or a block
 // that only he sees. The packets of an opening and their order:
 //
-//   tick 0  first the paint is scheduled; ContainerClose goes out; the record is kept; the open packet is scheduled
+//   tick 0  ContainerClose goes out; the record is kept
 //   tick 1  ContainerOpen
-//   tick 5  the paint
+//   tick 5  the paint; from here on clicks count
 //
-// A block-backed opening shows its blocks behind the close packet. Server thread.
+// Whoever has closed it meanwhile, has opened another or has died is shown no more of it. A block-backed opening shows
+// its blocks behind the close packet. Server thread.
 #pragma once
 
 #include <memory>

@@ -70,18 +70,27 @@ void drawpage(ServerPlayer* player, const goodsview& view) {
     if (view.lostpageisfirst && page > lastpage) page = 0;
 
     falsestack goods;
+    std::vector<std::string> entries(pagesize);
     auto slot = layout::firstlisted;
     for (auto i = std::int64_t{page} * pagesize; i < count && slot <= layout::lastlisted; ++i, ++slot) {
         // One good that cannot be shown must not take the rest of the page with it.
         envelopeat(view.plan.place, [&] {
-            view.row(player, goods, static_cast<std::size_t>(i));
+            auto entry = view.row(player, goods, static_cast<std::size_t>(i));
             goods.sendto(player, layout::inventory, static_cast<std::uint32_t>(slot));
+            entries.at(static_cast<std::size_t>(slot - layout::firstlisted)) = std::move(entry);
         });
     }
 
     falsestack buttons;
     drawpagebuttons(player, buttons, page, lastpage);
     for (const auto& button : view.buttons) drawbutton(player, buttons, button);
+    completepage(player, std::move(entries));
+}
+
+std::string shownentry(const ListenRecorder& record, int slot) {
+    const auto& shown = record.picture.entries;
+    const auto place = static_cast<std::size_t>(slot - layout::firstlisted);
+    return place < shown.size() ? shown[place] : std::string();
 }
 
 void drawsign(ServerPlayer* player, const goodsview& view) { sendhelpsign(player, view.helpkey); }

@@ -66,6 +66,7 @@ struct viewer {
     std::string xuid, realname, language;
     std::string viewedshop, ownshop;  // the single shop in view; the one that his owner views act on
     bool reload;
+    std::uint64_t picture;  // what the page is fetched for; painted only as long as it is awaited
 };
 
 // How a view's rows are fetched and its picture comes back to the server thread.
@@ -89,8 +90,8 @@ struct goodsview {
     const char* helpkey;
     std::int32_t playershopstate::*page;
     std::size_t (*count)(ServerPlayer*);
-    // Puts entry i on the builder's stack.
-    void (*row)(ServerPlayer*, falsestack& builder, std::size_t i);
+    // Puts entry i on the builder's stack, and names it as no other entry is named, nor this one in another state.
+    std::string (*row)(ServerPlayer*, falsestack& builder, std::size_t i);
     std::span<const viewbutton> buttons;  // in the order of drawing
     screen back;
     bool backblankstwice = false;
@@ -100,8 +101,12 @@ struct goodsview {
     refreshplan plan;
 };
 
-// Shows the present page of the list as it is.
+// Shows the present page of the list as it is. From here on clicks on it count.
 void drawpage(ServerPlayer* player, const goodsview& view);
+
+// The name of the entry that a slot shows; empty where none is. The list behind a picture may have changed since: a
+// choice compares.
+[[nodiscard]] std::string shownentry(const ListenRecorder& record, int slot);
 
 // ---- heads
 void drawsign(ServerPlayer* player, const goodsview& view);

@@ -17,10 +17,10 @@ void drawheadandpage(ServerPlayer* player, const goodsview& view) {
     drawpage(player, view);
 }
 
-// A picture that comes late is dropped: by then the player may look at another menu, or at his real stacks.
+// A picture that is not awaited any more is dropped.
 void drawlater(const goodsview& view, const viewer& who, drawing draw) {
-    later(who.session, view.plan.ticks, [&view, draw](ServerPlayer* player) {
-        if (!isinfront(player, view.menu)) return;
+    later(who.session, view.plan.ticks, [&view, draw, picture = who.picture](ServerPlayer* player) {
+        if (!isawaited(player, picture)) return;
         envelopeat(view.plan.place, [&] { draw(player, view); });
     });
 }
@@ -49,7 +49,8 @@ void refresh(const goodsview& view, ServerPlayer* player, bool reload) {
                      player->getLanguageCode(),
                      getplayershopstate(player->getXuid()).viewedshopid,
                      effectiveshop(player),
-                     reload};
+                     reload,
+                     beginpage(player)};
     const auto safely = [](const std::function<void()>& body) { envelope(body, nullptr, refreshenvelope); };
     safely([&] { Background::start([&view, who, safely] { safely([&] { fetch(view, who); }); }); });
 }

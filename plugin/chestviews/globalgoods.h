@@ -3,6 +3,7 @@
 
 #include "plugin/chestmenu/pageview.h"
 #include "plugin/chestviews/goodslore.h"
+#include "plugin/chestviews/tradechoice.h"
 #include "plugin/shopsystem/rowkinds.h"
 
 namespace ordomart {
@@ -14,15 +15,16 @@ std::size_t countgoods(ServerPlayer* player) {
 
 // The prepare step lets no private row in; one that comes all the same is told in the log and shown bare.
 template <class Rows, const char* const& privateline>
-void drawpublicgood(ServerPlayer* player, falsestack& good, std::size_t i) {
+std::string drawpublicgood(ServerPlayer* player, falsestack& good, std::size_t i) {
     const auto row = (getplayershopstate(player->getXuid()).*Rows::list).row(i);
     good.startgood(row.itemnbt);
-    if (!row.allowbesearched) {
+    if (row.allowbesearched) {
+        addgoodlore(player, good, row);
+        good.finishgood();
+    } else {
         logger.put(LogLevel::error, privateline);
-        return;
     }
-    addgoodlore(player, good, row);
-    good.finishgood();
+    return entryname(row);
 }
 
 // Names what the next press turns to, and so runs one step ahead of the order in force.

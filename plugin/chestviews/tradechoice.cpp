@@ -4,7 +4,7 @@
 #include "plugin/base/effects.h"
 #include "plugin/base/guards.h"
 #include "plugin/base/language.h"
-#include "plugin/chestmenu/decoration.h"
+#include "plugin/chestmenu/pageview.h"
 #include "plugin/shopsystem/rowkinds.h"
 
 namespace ordomart {
@@ -20,13 +20,15 @@ void telllostrow(ServerPlayer* player, const tradechoice& view) {
 }
 
 template <class Rows>
-void chooserow(ServerPlayer* player, int slot, screen menu, const tradechoice& view) {
+void chooserow(ServerPlayer* player, const ListenRecorder& record, screen menu, const tradechoice& view) {
     const auto& state = getplayershopstate(player->getXuid());
     const auto& list = state.*Rows::list;
+    const int slot = record.selection.fromslot;
     const auto index = std::int64_t{state.*Rows::page} * pagesize + slot - layout::firstlisted;
-    if (!list.holds(index)) return telllostrow(player, view);
+    const auto shown = shownentry(record, slot);
+    if (shown.empty() || !list.holds(index)) return telllostrow(player, view);
     const auto row = list.row(static_cast<std::size_t>(index));
-    if (!isfresh(row)) {
+    if (!isfresh(row) || shown != entryname(row)) {
         systemtoast(player, tr(player, "myshop.error.shopinfoupdate"));
         openscreen(menu, player, {.shop = row.xuid});
         return;
@@ -44,7 +46,7 @@ bool followchoice(ServerPlayer* player, const ListenRecorder& record, screen men
     if (isrow || !view.soundforrows) playsound(player, "mob.villager.haggle");
     envelope([&] {
         if (isrow)
-            chooserow<Rows>(player, chosen.fromslot, menu, view);
+            chooserow<Rows>(player, record, menu, view);
         else if (view.searches && chosen.isfrom(ContainerName::hotbar) && chosen.fromslot == searchslot)
             openscreen(screen::searchform, player, {.type = Rows::type, .indescription = true});
     });

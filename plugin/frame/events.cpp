@@ -4,6 +4,7 @@
 #include "platform/host.h"
 #include "platform/player.h"
 #include "platform/scoreboard.h"
+#include "plugin/chestmenu/listeners.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/objectives.h"
 #include "plugin/economy/offlinemoney.h"
@@ -37,6 +38,7 @@ bool onplayerjoin(const Event::PlayerJoinEvent& event) {
 
 bool onplayerleft(const Event::PlayerLeftEvent& event) {
     getplayershopstate(event.player->getXuid()).resetatleave();
+    ChestInvontorymenuguihelper::listenermanager().forgetsession(event.player->sessionid());
     return true;
 }
 
