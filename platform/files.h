@@ -1,6 +1,7 @@
 // Files below the server directory. Paths are relative to it, with forward slashes. Any thread.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -8,17 +9,27 @@
 
 namespace platform {
 
+// By which a file that has changed is known without reading it, as well as its file system can tell.
+struct FileStamp {
+    std::uint64_t file = 0, size = 0;  // which file has the name, and its length
+    std::int64_t modified = 0, changed = 0;
+    bool operator==(const FileStamp&) const = default;
+};
+
 class Files {
 public:
     virtual ~Files() = default;
     [[nodiscard]] virtual bool exists(const std::string& path) const = 0;
+    // Nothing when there is no such file, and from a host that has no stamps.
+    [[nodiscard]] virtual std::optional<FileStamp> stamp(const std::string&) const { return std::nullopt; }
     virtual bool makeDirectory(const std::string& path) = 0;  // true when it is there afterwards
-    // The whole content, or nothing when the file cannot be opened.
+    // The whole content, or nothing when the file cannot be read. What is no plain file or absurdly large cannot.
     [[nodiscard]] virtual std::optional<std::string> read(const std::string& path) const = 0;
     // The last `most` bytes (all of a shorter file), or nothing when it cannot be opened.
     [[nodiscard]] virtual std::optional<std::string> readtail(const std::string& path, std::size_t most) const = 0;
     // Replaces the file as a whole or not at all: written beside under a name without ".json", flushed to the disk,
-    // renamed. False, with the old content untouched, when any of that fails.
+    // renamed. False, with the old content untouched, when any of that fails. A symbolic link stays one: the file that
+    // it leads to is replaced, there where it lies.
     virtual bool replace(const std::string& path, std::string_view content) = 0;
     // True when there is no such file afterwards. A directory stays.
     virtual bool remove(const std::string& path) = 0;

@@ -34,7 +34,8 @@ public:
 class KnownPlayers {
 public:
     virtual ~KnownPlayers() = default;
-    [[nodiscard]] virtual std::string getXuid(const std::string& name) const = 0;   // empty when unknown
+    // Empty when unknown. Names are compared as at a join: where the server takes "bob" for Bob, his xuid is found.
+    [[nodiscard]] virtual std::string getXuid(const std::string& name) const = 0;
     [[nodiscard]] virtual std::string fromXuid(const std::string& xuid) const = 0;  // name, empty when unknown
 };
 

@@ -15,13 +15,17 @@ namespace host {
 
 namespace {
 
-// Only plain files are read: a pipe put there would hold the server up.
+constexpr std::size_t mostbytes = std::size_t{256} << 20;
+constexpr int mostlinks = 40;
+
+// Only plain files are read, and none of a size that cannot be meant: a pipe or a gigabyte would hold the server up.
 std::optional<std::string> readfrom(const std::optional<fs::path>& path, std::size_t most) {
     if (!path) return std::nullopt;
     const Descriptor file(path->c_str(), O_RDONLY | O_NONBLOCK);
     struct stat status {};
     if (!file.isopen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
     const auto size = static_cast<std::size_t>(status.st_size);
+    if (std::min(size, most) > mostbytes) return std::nullopt;
     auto at = static_cast<off_t>(size > most ? size - most : 0);
     std::string content(size - static_cast<std::size_t>(at), '\0');
     std::size_t have = 0;
@@ -43,6 +47,23 @@ fs::path namebeside(const fs::path& target) {
     for (std::size_t at; (at = name.find(".json")) != std::string::npos;) name.erase(at, 5);
     return target.parent_path() / ("." + name + ".part");
 }
+
+// The file that is meant by a name that may be a symbolic link, also by one to a file that does not exist yet. By the
+// real name of its directory, so that whoever writes the file writes it beside under one name.
+std::optional<fs::path> behindlinks(fs::path path) {
+    std::error_code nolink;
+    for (int links = 0; links < mostlinks; ++links) {
+        const auto target = fs::read_symlink(path, nolink);
+        if (nolink) {
+            const auto directory = fs::canonical(path.parent_path(), nolink);
+            return nolink ? std::nullopt : std::optional(directory / path.filename());
+        }
+        path = path.parent_path() / target;
+    }
+    return std::nullopt;
+}
+
+std::int64_t nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
 
 bool writewhole(const fs::path& path, std::string_view content, const fs::path& modelof) {
     Descriptor file(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
@@ -66,6 +87,14 @@ bool DiskFiles::exists(const std::string& path) const {
     return target && fs::exists(*target, error);
 }
 
+std::optional<platform::FileStamp> DiskFiles::stamp(const std::string& path) const {
+    const auto target = below(root_, path);
+    struct stat status {};
+    if (!target || ::stat(target->c_str(), &status) != 0) return std::nullopt;
+    return platform::FileStamp{status.st_ino, static_cast<std::uint64_t>(status.st_size), nanoseconds(status.st_mtim),
+                               nanoseconds(status.st_ctim)};
+}
+
 bool DiskFiles::makeDirectory(const std::string& path) {
     const auto target = below(root_, path);
     if (!target) return false;
@@ -83,8 +112,10 @@ std::optional<std::string> DiskFiles::readtail(const std::string& path, std::siz
 }
 
 bool DiskFiles::replace(const std::string& path, std::string_view content) {
-    const auto target = below(root_, path);
-    if (!target || !target->has_filename()) return false;
+    const auto named = below(root_, path);
+    if (!named || !named->has_filename()) return false;
+    const auto target = behindlinks(*named);
+    if (!target) return false;
     const auto beside = namebeside(*target);
     const std::lock_guard lock(writing_[fs::hash_value(beside) % writing_.size()]);
     if (!writewhole(beside, content, *target) || ::rename(beside.c_str(), target->c_str()) != 0) {

@@ -1,6 +1,6 @@
 // Files below the server directory, as platform/files.h promises them. A file is replaced by way of a file beside it
 // that is renamed, so that a reader and a crash see the old content or the new one. Paths that leave the directory are
-// refused. Any thread.
+// refused; a symbolic link is the operator's word that its target belongs here, wherever it lies. Any thread.
 #pragma once
 
 #include <array>
@@ -15,6 +15,7 @@ class DiskFiles : public platform::Files {
 public:
     explicit DiskFiles(std::filesystem::path root) : root_(std::move(root)) {}
     [[nodiscard]] bool exists(const std::string& path) const override;
+    [[nodiscard]] std::optional<platform::FileStamp> stamp(const std::string& path) const override;
     bool makeDirectory(const std::string& path) override;  // with the directories above it
     [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
     [[nodiscard]] std::optional<std::string> readtail(const std::string& path, std::size_t most) const override;

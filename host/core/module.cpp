@@ -14,8 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* configfile = "plugins/Ordomart/config.json";
-
 void* load(const fs::path& file, const fs::path& original) {
     void* handle = ::dlopen(fs::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle != nullptr) return handle;
@@ -38,13 +36,6 @@ void* loadcopy(const fs::path& file, const fs::path& directory) {
     return load(copy, file);
 }
 
-// The parser tells line and column or the type that was wrong; which file that was, only the caller knows.
-std::string told(const std::string& text, const fs::path& file) {
-    const bool fromparser = text.find("[json.exception") != std::string::npos;
-    if (fromparser && text.find(configfile) == std::string::npos) return std::string(configfile) + ": " + text;
-    return fromparser ? text : file.filename().string() + ": " + text;
-}
-
 }  // namespace
 
 PluginModule::PluginModule(const fs::path& file, const fs::path& copyin)
@@ -57,7 +48,7 @@ void PluginModule::enter() {
     if (entry == nullptr) {
         throw StartError(file_.string() + ": this is no plug-in, it has no \"" + platform::entrypoint + "\"");
     }
-    if (const auto failure = failureof(entry)) throw StartError(told(*failure, file_));
+    if (const auto failure = failureof(entry)) throw StartError(file_.filename().string() + ": " + *failure);
 }
 
 }  // namespace host

@@ -1,12 +1,11 @@
 // A translation file is one JSON object: locale code to an object from text key to text. It belongs to the operator:
-// what he wrote stays, missing keys are added, and a file that does not read is left as it is.
+// what he wrote stays, missing keys are added, and a file that does not read is left as it is, until it has changed.
 #include "host/core/texts.h"
 
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
 #include "host/world/items.h"
-#include "platform/files.h"
 
 namespace host {
 
@@ -63,22 +62,31 @@ std::string GameTexts::gametext(const std::string& key, const std::string& local
     return text.empty() ? key : text;
 }
 
+std::optional<platform::LangData> GameTexts::read(const std::string& path) {
+    const auto& files = files_();
+    if (!files.exists(path)) return platform::LangData();
+    // Before the content, so that a change in between is seen the next time.
+    const auto stamp = files.stamp(path);
+    const auto known = broken_.find(path);
+    if (stamp && known != broken_.end() && known->second == *stamp) return std::nullopt;
+    const auto content = files.read(path);
+    platform::LangData data;
+    if (!content) complain_(path + ": cannot be read");
+    if (content && guarded(complain_, path, [&] { data = parse(*content); })) return data;
+    if (stamp) broken_[path] = *stamp;
+    return std::nullopt;
+}
+
 platform::I18nBase* GameTexts::loadI18n(const std::string& path, const std::string& defaultlocale,
                                         const platform::LangData& defaults) {
     auto& files = files_();
-    platform::LangData data;
-    const bool there = files.exists(path);
-    const auto content = files.read(path);
-    if (there && !content) {
-        complain_(path + ": cannot be read");
-        return nullptr;
-    }
-    if (content && !guarded(complain_, path, [&] { data = parse(*content); })) return nullptr;
-    if (complete(data, defaults) || !there) {
-        const bool written = files.makeDirectory(directoryof(path)) && files.replace(path, json(data).dump(4) + "\n");
+    auto data = read(path);
+    if (!data) return nullptr;
+    if (complete(*data, defaults) || !files.exists(path)) {
+        const bool written = files.makeDirectory(directoryof(path)) && files.replace(path, json(*data).dump(4) + "\n");
         if (!written) complain_(path + ": cannot be written; it stays without the texts that are new");
     }
-    return &loaded_.emplace_back(std::move(data), defaultlocale);
+    return &loaded_.emplace_back(std::move(*data), defaultlocale);
 }
 
 }  // namespace host

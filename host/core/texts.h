@@ -2,14 +2,12 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <string>
 
 #include "host/core/guarded.h"
+#include "platform/files.h"
 #include "platform/text.h"
-
-namespace platform {
-class Files;
-}
 
 namespace host {
 
@@ -39,10 +37,14 @@ public:
     void setlanguage(const std::string& code) { language_ = code; }
 
 private:
+    // Nothing when it does not read, which is told once for each content.
+    std::optional<platform::LangData> read(const std::string& path);
+
     const std::function<platform::Files&()> files_;
     const Complain complain_;
     std::string language_;
     std::deque<Translations> loaded_;
+    std::map<std::string, platform::FileStamp> broken_;  // by path
 };
 
 }  // namespace host

@@ -1,15 +1,8 @@
 #include "host/world/knownnames.h"
 
+#include "host/world/playerrecords.h"
+
 namespace host {
-
-namespace {
-
-std::string found(const std::map<std::string, std::string>& table, const std::string& key) {
-    const auto place = table.find(key);
-    return place == table.end() ? std::string() : place->second;
-}
-
-}  // namespace
 
 KnownNames::KnownNames(Database& file) {
     file.rows("SELECT xuid, name FROM knownnames",
@@ -19,21 +12,28 @@ KnownNames::KnownNames(Database& file) {
 
 std::string KnownNames::getXuid(const std::string& name) const {
     std::lock_guard guard(lock_);
-    return found(xuids_, name);
+    const std::string folded = foldedname(name);
+    auto found = xuids_.find({folded, name});
+    if (found == xuids_.end()) found = xuids_.lower_bound({folded, {}});
+    return found != xuids_.end() && found->first.first == folded ? found->second : std::string();
 }
 
 std::string KnownNames::fromXuid(const std::string& xuid) const {
     std::lock_guard guard(lock_);
-    return found(names_, xuid);
+    const auto found = names_.find(xuid);
+    return found == names_.end() ? std::string() : found->second;
 }
 
 void KnownNames::learn(const std::string& xuid, const std::string& name) {
     std::lock_guard guard(lock_);
     std::string& known = names_[xuid];
-    if (known == name && found(xuids_, name) == xuid) return;
-    if (found(xuids_, known) == xuid) xuids_.erase(known);
+    const auto place = [](const std::string& of) { return std::pair(foldedname(of), of); };
+    const auto before = xuids_.find(place(known));
+    const bool held = before != xuids_.end() && before->second == xuid;
+    if (held && known == name) return;
+    if (held) xuids_.erase(before);
     known = name;
-    xuids_[name] = xuid;
+    xuids_[place(name)] = xuid;
     unwritten_.insert(xuid);
 }
 

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <utility>
 
 #include "host/world/database.h"
 #include "platform/level.h"
@@ -15,6 +16,7 @@ class KnownNames : public platform::KnownPlayers, public Store {
 public:
     explicit KnownNames(Database& file);
 
+    // The name as it stands goes first; then its case does not count, as it does not when somebody joins.
     [[nodiscard]] std::string getXuid(const std::string& name) const override;
     [[nodiscard]] std::string fromXuid(const std::string& xuid) const override;
     // The name he bears from now on; a name that he bore before is forgotten.
@@ -27,8 +29,9 @@ public:
 private:
     mutable std::mutex lock_;
     std::map<std::string, std::string> names_;  // by xuid
-    std::map<std::string, std::string> xuids_;  // by name
-    std::set<std::string> unwritten_;           // xuids; server thread only
+    // By folded name and name: two that differ in case alone lie side by side.
+    std::map<std::pair<std::string, std::string>, std::string> xuids_;
+    std::set<std::string> unwritten_;  // xuids; server thread only
 };
 
 }  // namespace host

@@ -131,6 +131,7 @@ TEST_P(Conformance, PlayersAreFoundAndContainerIdsCounted) {
     platform::KnownPlayers& known = *server->services().knownplayers;
     server->leave(xuid);
     EXPECT_EQ(known.getXuid("Tester"), xuid);
+    EXPECT_EQ(known.getXuid("tESTER"), xuid);
     EXPECT_EQ(known.fromXuid(xuid), "Tester");
     EXPECT_EQ(known.getXuid("Nobody") + known.fromXuid("1"), "");
     server->join("Tester", xuid);

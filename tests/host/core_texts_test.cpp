@@ -68,6 +68,35 @@ TEST_F(CoreTexts, ABrokenFileIsLeftAsItIsAndTold) {
     EXPECT_EQ(load(), nullptr) << "something is there that cannot be read";
 }
 
+// Every text that is looked up while the file is broken asks for it again.
+TEST_F(CoreTexts, ABrokenFileIsReadAgainWhenItHasChangedAndNotBefore) {
+    struct Counting : host::DiskFiles {
+        using DiskFiles::DiskFiles;
+        [[nodiscard]] std::optional<std::string> read(const std::string& path) const override {
+            ++reads;
+            return DiskFiles::read(path);
+        }
+        mutable int reads = 0;
+    } counting(directory.path);
+    host::GameTexts counted([&]() -> platform::Files& { return counting; }, complaints.complain);
+    const auto loads = [&] { return counted.loadI18n(file, "en_US", defaults) != nullptr; };
+    const std::string broken = R"({"en_US": {"sell": 1}})", another = R"({"en_US": {"sell": 2}})";
+    directory.put(file, broken);
+    const auto time = std::filesystem::last_write_time(directory.path / file);
+    for (int i = 0; i < 5; ++i) EXPECT_FALSE(loads());
+    EXPECT_EQ(counting.reads, 1);
+    EXPECT_EQ(complaints.lines.size(), 1U);
+    // Another file with the same length and time takes its place.
+    directory.put("moved", another);
+    std::filesystem::last_write_time(directory.path / "moved", time);
+    std::filesystem::rename(directory.path / "moved", directory.path / file);
+    for (int i = 0; i < 5; ++i) EXPECT_FALSE(loads());
+    EXPECT_EQ(counting.reads, 2);
+    EXPECT_EQ(complaints.lines.size(), 2U);
+    directory.put(file, R"({"en_US": {"sell": "mended"}})");
+    EXPECT_TRUE(loads());
+}
+
 TEST_F(CoreTexts, AFileThatCannotBeWrittenStillGivesTexts) {
     directory.put("plugins", "a file where the directory should be");
     const auto* table = load();
