@@ -1,5 +1,6 @@
 // What the client does, as the packets that its kind of client sends for it.
 #include <algorithm>
+#include <limits>
 #include <stdexcept>
 
 #include "client/modelclient.h"
@@ -29,12 +30,29 @@ ItemStackRequest requestof(std::int32_t id, ItemStackRequestAction action) {
     return request;
 }
 
+std::int8_t amountof(int count) {
+    if (count < 1 || count > std::numeric_limits<std::int8_t>::max())
+        throw std::invalid_argument("a client cannot move " + std::to_string(count) + " pieces");
+    return static_cast<std::int8_t>(count);
+}
+
 }  // namespace
+
+template <class P>
+std::string ModelClient::sealed(const P& packet) {
+    const auto made = topacket(packet);
+    try {
+        (void)readpacket<P>(made.body());
+    } catch (const ReadError& e) {
+        throw std::invalid_argument(std::string("no client could say that: ") + e.what());
+    }
+    return sealpacket(made);
+}
 
 void ModelClient::command(const std::string& line) {
     CommandRequestPacket packet;
     packet.line = line.starts_with('/') ? line : "/" + line;
-    send_(sealpacket(topacket(packet)));
+    send_(sealed(packet));
 }
 
 // ---- the inventory
@@ -46,7 +64,10 @@ std::int32_t ModelClient::newrequestid() {
 }
 
 const NetworkItem& ModelClient::shown(ContainerName container, int slot) const {
-    const auto place = placeof(static_cast<std::uint8_t>(container), slot);
+    const auto name = static_cast<std::uint8_t>(container);
+    if (!isslot(name, slot))
+        throw std::invalid_argument("container " + std::to_string(name) + " has no slot " + std::to_string(slot));
+    const auto place = placeof(name, slot);
     return screen_.at(place.value_or(Place{inventoryid, -1}));
 }
 
@@ -58,7 +79,7 @@ ItemStackRequestSlotInfo ModelClient::slotinfo(ContainerName container, int slot
 ItemStackRequestAction ModelClient::transfer(ContainerName from, int fromslot, ContainerName to, int toslot,
                                              int count) const {
     auto action = actionof(to == cursorname ? ActionType::take : ActionType::place);
-    action.amount = static_cast<std::int8_t>(count);
+    action.amount = amountof(count);
     action.source = slotinfo(from, fromslot);
     action.destination = slotinfo(to, toslot);
     return action;
@@ -71,18 +92,16 @@ ItemStackRequestAction ModelClient::swap(ContainerName container, int slot) cons
     return action;
 }
 
-void ModelClient::transmit(std::vector<ItemStackRequest> requests) {
-    send_(sealpacket(topacket(ItemStackRequestPacket{0, std::move(requests)})));
-}
-
 std::vector<std::int32_t> ModelClient::request(std::vector<ItemStackRequest> requests) {
     std::vector<std::int32_t> ids;
     for (auto& one : requests) {
         if (one.id == 0) one.id = newrequestid();
         ids.push_back(one.id);
-        screen_.predict(one);
     }
-    transmit(std::move(requests));
+    const ItemStackRequestPacket packet{0, std::move(requests)};
+    auto bytes = sealed(packet);
+    for (const auto& one : packet.requests) screen_.predict(one);
+    send_(std::move(bytes));
     return ids;
 }
 
@@ -99,7 +118,7 @@ void ModelClient::click(ContainerName container, int slot) {
         const int count = shown(container, slot).count;
         auto second = requestof(newrequestid(), transfer(container, slot, cursorname, cursorslot, count));
         screen_.predict(second);
-        transmit({std::move(first), std::move(second)});
+        send_(sealed(ItemStackRequestPacket{0, {std::move(first), std::move(second)}}));
     }
 }
 
@@ -125,10 +144,12 @@ void ModelClient::rightclick(ContainerName container, int slot) {
 }
 
 void ModelClient::drop(ContainerName container, int slot) {
+    const int there = shown(container, slot).count;
+    if (there == 0) return;
     auto action = actionof(ActionType::drop);
-    action.amount = static_cast<std::int8_t>(shown(container, slot).count);
+    action.amount = amountof(there);
     action.source = slotinfo(container, slot);
-    if (action.amount != 0) request({requestof(0, std::move(action))});
+    request({requestof(0, std::move(action))});
 }
 
 void ModelClient::swapwithcursor(ContainerName container, int slot) { request({requestof(0, swap(container, slot))}); }
@@ -163,7 +184,7 @@ void ModelClient::close() {
     if (!container_) return;
     const ContainerClosePacket packet{container_->id, false};
     container_.reset();
-    send_(sealpacket(topacket(packet)));
+    send_(sealed(packet));
 }
 
 void ModelClient::openinventory() {
@@ -178,11 +199,12 @@ void ModelClient::answer(const std::string& json) {
 void ModelClient::answer(std::uint32_t formid, const std::string& json) {
     const auto form = std::find_if(forms_.begin(), forms_.end(), [&](const PendingForm& f) { return f.id == formid; });
     if (form == forms_.end()) throw std::invalid_argument("form " + std::to_string(formid) + " is not there");
-    forms_.erase(form);
     ModalFormResponsePacket packet{formid, {}, {}};
     if (json != "null") packet.json = json;
     if (!packet.json) packet.reason = ModalFormResponsePacket::closed;
-    send_(sealpacket(topacket(packet)));
+    auto bytes = sealed(packet);
+    forms_.erase(form);
+    send_(std::move(bytes));
 }
 
 }  // namespace client

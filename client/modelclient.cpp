@@ -31,7 +31,11 @@ struct ModelClient::Incoming {
         }
     }
     static void gametype(ModelClient& c, SetPlayerGameTypePacket& p) { c.gametype_ = p.gametype; }
-    static void form(ModelClient& c, ModalFormRequestPacket& p) { c.forms_.push_back({p.formid, std::move(p.json)}); }
+    static void form(ModelClient& c, ModalFormRequestPacket& p) {
+        if (std::ranges::find(c.forms_, p.formid, &PendingForm::id) != c.forms_.end())
+            throw ReadError("form " + std::to_string(p.formid) + " is open already");
+        c.forms_.push_back({p.formid, std::move(p.json)});
+    }
 
     static void open(ModelClient& c, ContainerOpenPacket& p) {
         c.container_ = OpenContainer{p.containerid, p.type, p.position.x, p.position.y, p.position.z};
@@ -95,6 +99,7 @@ ModelClient::ModelClient(ItemNames names, bool touch, Send send)
 
 void ModelClient::receive(std::string_view packet) {
     const auto envelope = openpacket(packet);
+    if (envelope.sender != 0 || envelope.target != 0) throw ReadError("a packet for a further player of this client");
     const auto route = std::find_if(std::begin(Incoming::routes), std::end(Incoming::routes),
                                     [&](const auto& r) { return static_cast<int>(r.id) == envelope.number; });
     if (route == std::end(Incoming::routes)) {

@@ -51,7 +51,8 @@ public:
     // `touch`: no pointer; a tap and a double tap instead of clicks.
     ModelClient(ItemNames names, bool touch, Send send);
 
-    // One packet from the server, header and body. A packet that does not decode throws platform::ReadError.
+    // One packet from the server, header and body. A packet that does not decode, or makes no sense to a client of one
+    // player, throws platform::ReadError and changes nothing.
     void receive(std::string_view packet);
 
     // ---- what is on the screen
@@ -90,6 +91,7 @@ public:
     bool recordpackets = false;
 
     // ---- what it does
+    // What no client could send, a slot that is none or a text that is not UTF-8, throws std::invalid_argument.
     void command(const std::string& line);
     // A click on a slot, as this kind of client sends it. Desktop: takes the stack to the cursor, or with a stack on
     // the cursor places, or swaps. Touch: a double tap; with a stack on the cursor the pair headed by a swap from it.
@@ -123,7 +125,9 @@ private:
                                                             platform::ContainerName to, int toslot, int count) const;
     [[nodiscard]] platform::ItemStackRequestAction swap(platform::ContainerName container, int slot) const;
     void putdown(platform::ContainerName container, int slot, int most);
-    void transmit(std::vector<platform::ItemStackRequest> requests);
+    // Seals what a server could read; throws std::invalid_argument for all else.
+    template <class P>
+    [[nodiscard]] static std::string sealed(const P& packet);
 
     ItemNames names_;
     bool touch_;

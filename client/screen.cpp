@@ -14,14 +14,13 @@ namespace {
 
 struct ContainerRule {
     ContainerName name;
-    int first, last;  // slots as requests count them
-    Place place;      // where the first one lies
+    Place place;  // where its first slot lies
 };
 constexpr ContainerRule containerrules[] = {
-    {ContainerName::hotbar, 0, 8, {inventoryid, 0}},    {ContainerName::inventory, 9, 35, {inventoryid, 9}},
-    {ContainerName::combined, 0, 35, {inventoryid, 0}}, {ContainerName::armor, 0, 3, {armorid, 0}},
-    {ContainerName::offhand, 1, 1, {offhandid, 0}},     {ContainerName::cursor, 0, 0, {uiid, 0}},
-    {ContainerName::createdoutput, 50, 50, {uiid, 50}},
+    {ContainerName::hotbar, {inventoryid, 0}},   {ContainerName::inventory, {inventoryid, 9}},
+    {ContainerName::combined, {inventoryid, 0}}, {ContainerName::armor, {armorid, 0}},
+    {ContainerName::offhand, {offhandid, 0}},    {ContainerName::cursor, {uiid, 0}},
+    {ContainerName::createdoutput, {uiid, 50}},
 };
 constexpr Place createdplace{uiid, 50};
 
@@ -30,11 +29,10 @@ const NetworkItem nothing;
 }  // namespace
 
 std::optional<Place> placeof(std::uint8_t containername, int slot) {
-    const auto rule = std::find_if(std::begin(containerrules), std::end(containerrules), [&](const ContainerRule& r) {
-        return static_cast<std::uint8_t>(r.name) == containername && slot >= r.first && slot <= r.last;
-    });
-    if (rule == std::end(containerrules)) return std::nullopt;
-    return Place{rule->place.container, rule->place.index + slot - rule->first};
+    const auto* own = platform::slotsof(containername);
+    if (own == nullptr || !own->holds(slot)) return std::nullopt;
+    const auto* rule = std::ranges::find(containerrules, own->name, &ContainerRule::name);
+    return Place{rule->place.container, rule->place.index + slot - own->first};
 }
 
 bool stackable(const NetworkItem& a, const NetworkItem& b) {

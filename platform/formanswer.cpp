@@ -1,10 +1,11 @@
-// The rules by which answers fit, one per kind of form and one per kind of element.
+// The rules by which answers fit, one per kind of element; the two forms of buttons are one element each.
 #include "platform/formanswer.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <string_view>
 
 namespace platform::Form {
@@ -19,70 +20,71 @@ std::optional<int> wholenumber(const json& value) {
     return static_cast<int>(number);
 }
 
-namespace {
-
-bool within(const json& value, int least, int most) {
+bool AnswerRule::Element::fits(const json& value) const {
+    if (kind == Kind::nothing) return value.is_null();
+    if (kind == Kind::text) return value.is_string();
+    if (kind == Kind::choice) return value.is_boolean();
     const auto number = wholenumber(value);
-    return number && *number >= least && *number <= most;
+    if (!number || *number < least || *number > most) return false;
+    // A slider's end can be reached, whether a step leads there or not.
+    return *number == most || (std::int64_t{*number} - least) % step == 0;
 }
 
-// A list without options is still answered with 0.
-bool isplaceof(const json& value, const json& list) {
-    return within(value, 0, std::max(static_cast<int>(list.size()) - 1, 0));
-}
-
-struct ElementRule {
-    std::string_view type;
-    bool (*fits)(const json& element, const json& value);
-};
-const ElementRule elementrules[] = {
-    {"label", [](const json&, const json& value) { return value.is_null(); }},
-    {"input", [](const json&, const json& value) { return value.is_string(); }},
-    {"toggle", [](const json&, const json& value) { return value.is_boolean(); }},
-    {"slider",
-     [](const json& element, const json& value) {
-         return within(value, element.at("min").get<int>(), element.at("max").get<int>());
-     }},
-    {"dropdown", [](const json& element, const json& value) { return isplaceof(value, element.at("options")); }},
-};
-
-bool elementfits(const json& element, const json& value) {
+AnswerRule::Element AnswerRule::elementof(const json& element) {
+    struct ElementRule {
+        std::string_view type;
+        Element (*rule)(const json& element);
+    };
+    // A list without options is still answered with 0.
+    static constexpr auto placein = [](const json& list) {
+        return Element{Kind::number, 0, std::max(static_cast<int>(list.size()) - 1, 0)};
+    };
+    static const ElementRule rules[] = {
+        {"label", [](const json&) { return Element{Kind::nothing}; }},
+        {"input", [](const json&) { return Element{Kind::text}; }},
+        {"toggle", [](const json&) { return Element{Kind::choice}; }},
+        {"slider",
+         [](const json& slider) {
+             return Element{Kind::number, slider.at("min").get<int>(), slider.at("max").get<int>(),
+                            std::max(slider.value("step", 1), 1)};
+         }},
+        {"dropdown", [](const json& dropdown) { return placein(dropdown.at("options")); }},
+        {"step_slider", [](const json& slider) { return placein(slider.at("steps")); }},
+    };
     const auto& type = element.at("type").get_ref<const std::string&>();
-    const auto rule = std::find_if(std::begin(elementrules), std::end(elementrules),
-                                   [&](const ElementRule& r) { return r.type == type; });
-    return rule != std::end(elementrules) && rule->fits(element, value);
+    const auto* rule = std::ranges::find(rules, type, &ElementRule::type);
+    if (rule == std::end(rules)) throw std::invalid_argument("a form with an element of unknown type: " + type);
+    return rule->rule(element);
 }
 
-struct FormRule {
-    std::string_view type;
-    bool (*fits)(const json& form, const json& value);
-};
-const FormRule formrules[] = {
-    {"form",
-     [](const json& form, const json& value) {
-         const auto number = wholenumber(value);
-         return number && *number >= 0 && static_cast<std::size_t>(*number) < form.at("buttons").size();
-     }},
-    {"modal", [](const json&, const json& value) { return value.is_boolean(); }},
-    {"custom_form",
-     [](const json& form, const json& value) {
-         const auto& content = form.at("content");
-         return value.is_array() && std::equal(content.begin(), content.end(), value.begin(), value.end(), elementfits);
-     }},
-};
+AnswerRule::AnswerRule(const json& form) try {
+    const auto& type = form.at("type").get_ref<const std::string&>();
+    if (type == "form") {
+        elements_.push_back({Kind::number, 0, static_cast<int>(form.at("buttons").size()) - 1});
+    } else if (type == "modal") {
+        elements_.push_back({Kind::choice});
+    } else if (type == "custom_form") {
+        islist_ = true;
+        for (const json& element : form.at("content")) elements_.push_back(elementof(element));
+    } else {
+        throw std::invalid_argument("a form of unknown type: " + type);
+    }
+} catch (const json::exception& e) {
+    throw std::invalid_argument(std::string("a form that no client could show: ") + e.what());
+}
 
-}  // namespace
-
-std::optional<json> readanswer(const json& form, const std::string& answer) {
+std::optional<json> AnswerRule::read(const std::string& answer) const {
     auto value = json::parse(answer, nullptr, false);
     if (value.is_discarded()) return std::nullopt;
     if (value.is_null()) return value;
-    const auto& type = form.at("type").get_ref<const std::string&>();
-    const auto rule =
-        std::find_if(std::begin(formrules), std::end(formrules), [&](const FormRule& r) { return r.type == type; });
-    if (rule == std::end(formrules) || !rule->fits(form, value)) return std::nullopt;
-    return value;
+    const auto fits = [](const Element& element, const json& one) { return element.fits(one); };
+    const bool good =
+        islist_ ? value.is_array() && std::equal(elements_.begin(), elements_.end(), value.begin(), value.end(), fits)
+                : elements_.front().fits(value);
+    return good ? std::optional(std::move(value)) : std::nullopt;
 }
+
+std::optional<json> readanswer(const json& form, const std::string& answer) { return AnswerRule(form).read(answer); }
 
 bool answerfits(const std::string& form, const std::string& answer) {
     return readanswer(json::parse(form), answer).has_value();

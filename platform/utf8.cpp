@@ -32,4 +32,17 @@ std::size_t utf8length(std::string_view text) {
     return follows ? rule->length : 0;
 }
 
+bool isutf8(std::string_view text) {
+    while (!text.empty()) {
+        const auto isascii = [](char c) { return (c & 0x80) == 0; };
+        text.remove_prefix(
+            static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isascii) - text.begin()));
+        if (text.empty()) break;
+        const std::size_t length = utf8length(text);
+        if (length == 0) return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
 }  // namespace platform

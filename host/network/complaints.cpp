@@ -19,7 +19,11 @@ void Complaints::add(std::string_view packet, std::string_view what) {
     }
     --left_;
     end();
-    platform::Logger("Server").warn("{}: {}: {}", player_, packet, what);
+    // What went wrong may quote the client, who would else write lines of his own.
+    std::string line = fmt::format("{}: {}: {}", player_, packet, what);
+    std::ranges::replace_if(
+        line, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, ' ');
+    platform::Logger("Server").put(platform::LogLevel::warn, line);
 }
 
 void Complaints::end() {

@@ -1,6 +1,7 @@
 // One client's connection as the server holds it: the way out, the open forms, and what there is to complain of.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -22,8 +23,15 @@ public:
     void send(const platform::Packet& packet) override;
     void sendform(const std::string& json, platform::ServerPlayer::FormAnswer answer) override;
     void close() { sink_ = nullptr; }
-    // Whether the server has asked the client to close the container, so that its close is only the answer. Asked once.
-    [[nodiscard]] bool takeclosing(std::uint8_t containerid);
+
+    enum class Close {
+        asked,    // the server wanted it, so that it is only the answer
+        own,      // of what the server has opened
+        stray,    // of the client's own inventory screen, which opens without a word, or of what is not open any more
+        toooften  // stray, and not the first of the tick
+    };
+    // What a client's close is, which is asked once for each.
+    [[nodiscard]] Close closes(std::uint8_t containerid, std::uint64_t tick);
 
     const ConnectionId id;
     ServerPlayerImpl* player = nullptr;  // while he is online
@@ -31,8 +39,10 @@ public:
     FormAnswers forms;
 
 private:
+    void note(const platform::Packet& packet);  // what the client is told of containers
     Sink sink_;
-    int closing_ = -1;  // the container that the client was last asked to close
+    int open_ = -1, closing_ = -1;            // the containers that the client was last asked to open and to close
+    std::optional<std::uint64_t> straytick_;  // when it last closed what was not open
 };
 
 }  // namespace host

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "platform/formanswer.h"
-
 namespace host {
 
 using nlohmann::json;
@@ -41,13 +39,10 @@ bool toolong(const json& value) {
 
 }  // namespace
 
-std::uint32_t FormAnswers::add(std::string form, Answer answer) {
-    const json read = json::parse(form, nullptr, false);
-    const auto type = read.is_object() ? read.find("type") : read.end();
-    if (type == read.end() || (*type != "form" && *type != "modal" && *type != "custom_form"))
-        throw std::invalid_argument("a form that no client could show");
+std::uint32_t FormAnswers::add(const std::string& form, Answer answer) {
+    Pending pending{platform::Form::AnswerRule(json::parse(form, nullptr, false)), std::move(answer)};
     if (pending_.size() >= mostopen) pending_.erase(pending_.begin());
-    pending_[++lastid_] = {std::move(form), std::move(answer)};
+    pending_.emplace(++lastid_, std::move(pending));
     return lastid_;
 }
 
@@ -55,7 +50,7 @@ FormAnswers::Taken FormAnswers::take(std::uint32_t id, const std::string& answer
     const auto found = pending_.find(id);
     if (found == pending_.end()) throw BadPacket(fmt::format("there is no open form {}", id));
     if (toodeep(answer)) throw BadPacket(fmt::format("the answer to form {} is nested too deep", id));
-    const auto value = platform::Form::readanswer(json::parse(found->second.form), answer);
+    const auto value = found->second.rule.read(answer);
     if (!value || toolong(*value)) throw BadPacket(fmt::format("the answer does not fit form {}", id));
     Taken taken{value->dump(), std::move(found->second.answer)};
     pending_.erase(found);

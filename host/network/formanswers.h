@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/formanswer.h"
 #include "platform/player.h"
 
 namespace host {
@@ -27,14 +28,14 @@ public:
 
     // The form's id. Throws std::invalid_argument when the text is no form. The oldest is forgotten when a client
     // leaves too many open.
-    std::uint32_t add(std::string form, Answer answer);
+    std::uint32_t add(const std::string& form, Answer answer);
     // Throws BadPacket when there is no such form or the answer does not fit; nothing is called.
     [[nodiscard]] Taken take(std::uint32_t id, const std::string& answer);
 
 private:
     static constexpr std::size_t mostopen = 100;
     struct Pending {
-        std::string form;
+        platform::Form::AnswerRule rule;
         Answer answer;
     };
     std::map<std::uint32_t, Pending> pending_;

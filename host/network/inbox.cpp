@@ -21,33 +21,32 @@ bool Inbox::put(ConnectionId connection, std::string packet) {
     const auto found = shares_.find(connection);
     if (found == shares_.end()) return false;
     Share& share = found->second;
-    if (packet.size() > longestpacket || share.packets >= mostpackets || share.bytes + packet.size() > mostbytes) {
+    const Sum& waiting = share.waiting;
+    if (packet.size() > longestpacket || waiting.packets >= mostpackets || waiting.bytes + packet.size() > mostbytes) {
         ++dropped_[connection];
         return false;
     }
-    ++share.packets;
-    share.bytes += packet.size();
+    share.waiting.add(packet);
     waiting_.push_back({connection, std::move(packet)});
-    return true;
+    return !share.usedup;
 }
 
-std::deque<Inbox::Arrival> Inbox::take() {
+bool Inbox::Share::takes(const std::string& packet) {
+    const bool first = taken.packets == 0;
+    taken.add(packet);
+    // The first that has to wait holds back what came behind it.
+    usedup = usedup || taken.packets > mostinaround || (!first && taken.bytes > bytesinaround);
+    if (!usedup) waiting.remove(packet);
+    return !usedup;
+}
+
+std::deque<Inbox::Arrival> Inbox::take(bool newround) {
     std::lock_guard guard(lock_);
+    if (newround)
+        for (auto& [connection, share] : shares_) share.taken = {}, share.usedup = false;
     std::deque<Arrival> now, later;
-    std::map<ConnectionId, Share> taken;
-    for (Arrival& arrival : waiting_) {
-        Share& part = taken[arrival.connection];
-        part.bytes += arrival.packet.size();
-        if (++part.packets > mostatonce || (part.packets > 1 && part.bytes > bytesatonce)) {
-            part.packets = mostatonce;
-            later.push_back(std::move(arrival));
-            continue;
-        }
-        Share& share = shares_.at(arrival.connection);
-        --share.packets;
-        share.bytes -= arrival.packet.size();
-        now.push_back(std::move(arrival));
-    }
+    for (Arrival& arrival : waiting_)
+        (shares_.at(arrival.connection).takes(arrival.packet) ? now : later).push_back(std::move(arrival));
     waiting_ = std::move(later);
     return now;
 }

@@ -18,18 +18,14 @@ using SlotInfo = platform::ItemStackRequestSlotInfo;
 
 namespace {
 
-// The client's numbers for the slots of one container name, and where they begin among ours.
+// Where the slots of a container name begin among ours.
 struct ContainerRule {
     ContainerName name;
-    int first, last, index;
+    int index;
 };
 constexpr ContainerRule containers[] = {
-    {ContainerName::hotbar, 0, 8, 0},
-    {ContainerName::inventory, 9, 35, 9},
-    {ContainerName::combined, 0, 35, 0},
-    {ContainerName::armor, 0, 3, armorfirst},
-    {ContainerName::offhand, 1, 1, offhandslot},
-    {ContainerName::cursor, 0, 0, cursorslot},
+    {ContainerName::hotbar, 0},         {ContainerName::inventory, 9},         {ContainerName::combined, 0},
+    {ContainerName::armor, armorfirst}, {ContainerName::offhand, offhandslot}, {ContainerName::cursor, cursorslot},
 };
 // Where a creative pick waits for the action that takes it; no slot of the player's.
 constexpr int createdindex = -1;
@@ -101,13 +97,12 @@ private:
 
     // The slot that is meant, if it holds what the client believes it to hold.
     [[nodiscard]] std::optional<Place> place(const SlotInfo& info) const {
-        if (info.container == static_cast<std::uint8_t>(ContainerName::createdoutput))
-            return info.slot == 50 && !created_.isNull() ? std::optional(Place()) : std::nullopt;
-        const auto* rule = std::ranges::find_if(containers, [&](const ContainerRule& r) {
-            return static_cast<std::uint8_t>(r.name) == info.container && info.slot >= r.first && info.slot <= r.last;
-        });
-        if (rule == std::end(containers)) return std::nullopt;
-        const int index = rule->index + info.slot - rule->first;
+        const auto* own = platform::slotsof(info.container);
+        if (own == nullptr || !own->holds(info.slot)) return std::nullopt;
+        if (own->name == ContainerName::createdoutput)
+            return !created_.isNull() ? std::optional(Place()) : std::nullopt;
+        const int index =
+            std::ranges::find(containers, own->name, &ContainerRule::name)->index + info.slot - own->first;
         const Inventory::Slot& slot = inventory_.slot(index);
         const bool known = info.stackid == slot.stackid || (info.stackid < 0 && info.stackid == slot.requestid);
         if (!known) return std::nullopt;

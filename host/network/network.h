@@ -36,7 +36,8 @@ public:
     ConnectionId join(const JoinRequest& request, Sink sink);
     void leave(ConnectionId connection);  // fires the leave event, saves, forgets; unknown ids are ignored
     void leaveall();
-    // Any thread. The packet is handled at the start of the server's next pass.
+    // Any thread. The packet is handled at the start of the server's next pass, or, of a client that says more than a
+    // tick's share, in a later tick.
     void receive(ConnectionId connection, std::string packet);
     // Handles what has come in, and shows and writes what has changed in the world since the last time; called by the
     // server in each pass. True when something had come in.

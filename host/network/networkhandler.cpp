@@ -29,7 +29,8 @@ void handleitemstackrequest(ServerNetworkHandler* handler, const NetworkIdentifi
 }
 
 // The client that closes by itself waits for the echo; one that was asked to close, which then stands in the packet,
-// does not. The server has no screens of its own, so that the id does not matter here.
+// does not. The server has no screens of its own, so that the id does not matter here. How often a client may ask for
+// this is decided before (packetroutes.cpp).
 void handlecontainerclose(ServerNetworkHandler* handler, const NetworkIdentifier& id,
                           const ContainerClosePacket& packet) {
     Connection* const from = sender(handler, id, 0);

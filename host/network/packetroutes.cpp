@@ -12,36 +12,25 @@
 #include "platform/packets/codec.h"
 #include "platform/packets/forms.h"
 #include "platform/packets/messages.h"
-#include "platform/utf8.h"
 
 namespace host {
 
+using platform::Envelope;
 using platform::PacketId;
 
 namespace {
 
-constexpr std::size_t mostrequests = 64, mostactions = 256;
 constexpr std::size_t longestline = 2048, longestchat = 512;
-
-bool isutf8(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t length = platform::utf8length(text);
-        if (length == 0) return false;
-        text.remove_prefix(length);
-    }
-    return true;
-}
 
 void demandtext(const std::string& text, std::size_t longest) {
     if (text.size() > longest) throw BadPacket(fmt::format("a text of {} bytes", text.size()));
-    if (!isutf8(text)) throw BadPacket("a text that is not UTF-8");
     // Neither a line end, with which one could speak in another's name, nor anything that a console would obey.
     if (std::ranges::any_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }))
         throw BadPacket("a text with control characters");
 }
 
-void handlecommand(const PacketContext& context, std::string_view body) {
-    const auto request = platform::readpacket<platform::CommandRequestPacket>(body);
+void handlecommand(const PacketContext& context, const Envelope& envelope) {
+    const auto request = platform::readpacket<platform::CommandRequestPacket>(envelope.body);
     demandtext(request.line, longestline);
     ServerPlayerImpl& player = *context.from.player;
     const CommandResult result =
@@ -54,30 +43,50 @@ void handlecommand(const PacketContext& context, std::string_view body) {
     context.from.send(platform::topacket(output));
 }
 
-void handlerequest(const PacketContext& context, std::string_view body) {
-    const auto packet = platform::readpacket<platform::ItemStackRequestPacket>(body);
-    std::size_t actions = 0;
-    for (const platform::ItemStackRequest& request : packet.requests) actions += request.actions.size();
-    if (packet.requests.size() > mostrequests || actions > mostactions)
-        throw BadPacket(fmt::format("{} requests with {} actions", packet.requests.size(), actions));
+void demandslots(const platform::ItemStackRequestPacket& packet) {
+    for (const platform::ItemStackRequest& request : packet.requests)
+        for (const platform::ItemStackRequestAction& action : request.actions)
+            for (const auto& named : {action.source, action.destination})
+                if (!platform::isslot(named.container, named.slot))
+                    throw BadPacket(fmt::format("slot {} of container {}, which is none", named.slot, named.container));
+}
+
+void handlerequest(const PacketContext& context, const Envelope& envelope) {
+    const auto packet = platform::readpacket<platform::ItemStackRequestPacket>(envelope.body, envelope.sender);
+    try {
+        demandslots(packet);
+    } catch (const BadPacket&) {
+        platform::ItemStackResponsePacket refusal;
+        for (const platform::ItemStackRequest& request : packet.requests)
+            refusal.responses.push_back({platform::ItemStackResponse::refused, request.id, {}});
+        context.from.send(platform::topacket(refusal));
+        throw;
+    }
     context.handlers.handle(context.from.id, packet);
 }
 
-void handleclose(const PacketContext& context, std::string_view body) {
-    auto packet = platform::readpacket<platform::ContainerClosePacket>(body);
+void handleclose(const PacketContext& context, const Envelope& envelope) {
+    auto packet = platform::readpacket<platform::ContainerClosePacket>(envelope.body);
     // Settled before anything is done about it: a plug-in may ask for the next close on the way.
-    if (context.from.takeclosing(packet.containerid)) packet.serverside = true;
+    const auto kind = context.from.closes(packet.containerid, context.server.tickcount());
+    if (kind == Connection::Close::asked) packet.serverside = true;
+    if (kind == Connection::Close::toooften) {
+        // An answer shows the whole inventory anew, so that a few bytes must not call for it at will.
+        context.from.player->putcursorback();
+        throw BadPacket(
+            fmt::format("container {} is not open, and not the first such close of the tick", packet.containerid));
+    }
     context.handlers.handle(context.from.id, packet);
 }
 
-void handleformanswer(const PacketContext& context, std::string_view body) {
-    const auto packet = platform::readpacket<platform::ModalFormResponsePacket>(body);
+void handleformanswer(const PacketContext& context, const Envelope& envelope) {
+    const auto packet = platform::readpacket<platform::ModalFormResponsePacket>(envelope.body);
     const auto [json, answer] = context.from.forms.take(packet.formid, packet.json.value_or("null"));
     answer(context.from.player, json);
 }
 
-void handlechat(const PacketContext& context, std::string_view body) {
-    const auto packet = platform::readpacket<platform::TextPacket>(body);
+void handlechat(const PacketContext& context, const Envelope& envelope) {
+    const auto packet = platform::readpacket<platform::TextPacket>(envelope.body);
     if (packet.type != platform::TextType::chat) throw BadPacket("a client's text that is no chat");
     demandtext(packet.message, longestchat);
     if (packet.message.empty()) return;
@@ -90,7 +99,7 @@ struct Route {
     int number;
     const char* name;
     std::size_t longest;  // bytes of the body
-    void (*handle)(const PacketContext&, std::string_view body);
+    void (*handle)(const PacketContext&, const Envelope&);
 };
 
 constexpr int numberof(PacketId id) { return static_cast<int>(id); }
@@ -131,15 +140,16 @@ std::string nameof(int number) {
     return route == std::end(routes) ? fmt::format("packet {}", number) : route->name;
 }
 
-void dispatch(const PacketContext& context, const platform::Envelope& envelope) {
+void dispatch(const PacketContext& context, const Envelope& envelope) {
     const auto* route = std::ranges::find(routes, envelope.number, &Route::number);
-    if (route == std::end(routes)) {
-        if (std::ranges::find(ignored, envelope.number) == std::end(ignored)) throw BadPacket("unknown");
-        return;
-    }
-    if (envelope.sender != 0) throw BadPacket(fmt::format("from sub-client {}, which has no player", envelope.sender));
+    const bool handled = route != std::end(routes);
+    if (!handled && std::ranges::find(ignored, envelope.number) == std::end(ignored)) throw BadPacket("unknown");
+    if (context.handlers.connection(context.from.id, envelope.sender) == nullptr)
+        throw BadPacket(fmt::format("from sub-client {}, which has no player", envelope.sender));
+    if (envelope.target != 0) throw BadPacket(fmt::format("to sub-client {} of the server", envelope.target));
+    if (!handled) return;
     if (envelope.body.size() > route->longest) throw BadPacket(fmt::format("{} bytes long", envelope.body.size()));
-    route->handle(context, envelope.body);
+    route->handle(context, envelope);
 }
 
 }  // namespace
@@ -147,7 +157,7 @@ void dispatch(const PacketContext& context, const platform::Envelope& envelope) 
 void routepacket(const PacketContext& context, std::string_view packet) {
     std::string name = "packet";
     try {
-        const platform::Envelope envelope = platform::openpacket(packet);
+        const Envelope envelope = platform::openpacket(packet);
         name = nameof(envelope.number);
         dispatch(context, envelope);
     } catch (const BadPacket& e) {

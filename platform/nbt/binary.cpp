@@ -51,7 +51,7 @@ public:
 
     [[nodiscard]] CompoundTag root() {
         if (in_.getByte() != roottype) throw ReadError("a tag does not begin with a compound");
-        static_cast<void>(text());
+        if (!text().empty()) throw ReadError("a tag's root bears a name");
         CompoundTag tag;
         entries(tag, 1);
         return tag;

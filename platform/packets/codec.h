@@ -1,6 +1,7 @@
 // Packets to bytes and back. A packet describes its body once, as `template <class IO> void fields(IO& io)`, a row of
 // calls in wire order; run over a PacketWriter it appends, run over a PacketReader it fills. Reading refuses with
-// ReadError what is truncated, has bytes left over, or holds a value that its kind does not allow.
+// ReadError what is truncated, has bytes left over, or holds a value that its kind does not allow: a number that the
+// wire does not know, a text that is not UTF-8. Writing takes what it is given.
 #pragma once
 
 #include <array>
@@ -15,8 +16,13 @@
 #include "platform/packets/networkitem.h"
 #include "platform/packets/packet.h"
 #include "platform/position.h"
+#include "platform/utf8.h"
 
 namespace platform {
+
+struct AnyCount {
+    void operator()(std::size_t) const {}
+};
 
 class PacketWriter {
 public:
@@ -40,17 +46,19 @@ public:
     void fixedtag(const CompoundTag& v) { out_.writeFixedTag(v); }
     void shorttext(const std::string& v);
 
-    // A varint count and the elements. `least`: the fewest bytes that one element can have.
-    template <class T, class Each>
-    void list(std::vector<T>& items, std::size_t least, Each each) {
-        static_cast<void>(least);
+    // What must hold of the value before it; looked at by a reader only.
+    void demand(bool, const char*) {}
+
+    // A varint count and the elements. `least`: the fewest bytes that one element can have. `allow`: throws for a count
+    // that is too high, before anything is made of it.
+    template <class T, class Each, class Allow = AnyCount>
+    void list(std::vector<T>& items, std::size_t, Each each, Allow = {}) {
         varint(static_cast<std::uint32_t>(items.size()));
         for (auto& item : items) each(*this, item);
     }
     // The same with an i32 count.
     template <class T, class Each>
-    void fixedlist(std::vector<T>& items, std::size_t least, Each each) {
-        static_cast<void>(least);
+    void fixedlist(std::vector<T>& items, std::size_t, Each each) {
         i32(static_cast<std::int32_t>(items.size()));
         for (auto& item : items) each(*this, item);
     }
@@ -89,17 +97,25 @@ public:
     void varint(std::uint32_t& v) { v = in_.getUnsignedVarInt(); }
     void zigzag32(std::int32_t& v) { v = in_.getVarInt(); }
     void zigzag64(std::int64_t& v) { v = in_.getVarInt64(); }
-    void text(std::string& v) { v = in_.getString(); }
+    void text(std::string& v) {
+        v = in_.getString();
+        demand(isutf8(v), "a text that is not UTF-8");
+    }
     void bytes(std::array<std::uint8_t, 16>& v) {
         for (auto& b : v) u8(b);
     }
     void networktag(CompoundTag& v) { v = in_.getCompoundTag(); }
     void fixedtag(CompoundTag& v) { v = in_.getFixedTag(); }
     void shorttext(std::string& v) { v = in_.getRaw(in_.getUnsignedShort()); }
+    void demand(bool holds, const char* complaint) {
+        if (!holds) throw ReadError(complaint);
+    }
 
-    template <class T, class Each>
-    void list(std::vector<T>& items, std::size_t least, Each each) {
-        elements(items, in_.getCount(least), each);
+    template <class T, class Each, class Allow = AnyCount>
+    void list(std::vector<T>& items, std::size_t least, Each each, Allow allow = {}) {
+        const auto n = in_.getCount(least);
+        allow(n);
+        elements(items, n, each);
     }
     template <class T, class Each>
     void fixedlist(std::vector<T>& items, std::size_t least, Each each) {
@@ -141,6 +157,19 @@ void blockposition(IO& io, BlockPos& pos) {
     io.varint(y);
     pos.y = static_cast<std::int32_t>(y);
     io.zigzag32(pos.z);
+}
+
+// An open container's number, in one byte or as a varint. The wire knows numbers below zero, for screens that nobody
+// here has.
+template <class IO>
+void containernumber(IO& io, std::uint8_t& id) {
+    io.u8(id);
+    io.demand(id <= 127, "a container id above 127");
+}
+template <class IO>
+void containernumber(IO& io, std::uint32_t& id) {
+    io.varint(id);
+    io.demand(id <= 127, "a container id above 127");
 }
 
 inline constexpr auto textelement = [](auto& io, std::string& text) { io.text(text); };

@@ -14,7 +14,7 @@ struct ContainerOpenPacket {
     std::int64_t entity = -1;
     template <class IO>
     void fields(IO& io) {
-        io.u8(containerid);
+        containernumber(io, containerid);
         io.i8(type);
         blockposition(io, position);
         io.zigzag64(entity);
@@ -27,7 +27,7 @@ struct InventoryContentPacket {
     std::vector<NetworkItem> items;
     template <class IO>
     void fields(IO& io) {
-        io.varint(containerid);
+        containernumber(io, containerid);
         io.list(items, 1, itemelement);
     }
 };
@@ -38,7 +38,7 @@ struct InventorySlotPacket {
     NetworkItem item;
     template <class IO>
     void fields(IO& io) {
-        io.varint(containerid);
+        containernumber(io, containerid);
         io.varint(slot);
         itemelement(io, item);
     }

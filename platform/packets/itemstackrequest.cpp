@@ -1,6 +1,8 @@
 // Requests and responses on the wire.
 #include "platform/packets/itemstackrequest.h"
 
+#include <algorithm>
+
 #include "platform/packets/codec.h"
 
 namespace platform {
@@ -29,7 +31,6 @@ void ingredient(IO& io, ItemStackRequestIngredient& item) {
             io.u8(item.version);
             break;
         case 3:
-        case 5:
             io.text(item.text);
             break;
         case 4:
@@ -158,10 +159,24 @@ void actionfields(IO& io, ItemStackRequestAction& action) {
     actionbodies<IO>[action.type](io, action);
 }
 
+// Counts are looked at before anything is made of them: an action may be one byte on the wire and is far more here.
+struct RequestCounts {
+    std::size_t requests = 0, actions = 0;
+    void allow() const {
+        if (requests <= ItemStackRequestPacket::mostrequests && actions <= ItemStackRequestPacket::mostactions) return;
+        throw ReadError(std::to_string(requests) + " requests with " + std::to_string(actions) + " actions");
+    }
+};
+
 template <class IO>
-void requestfields(IO& io, ItemStackRequest& request) {
+void requestfields(IO& io, ItemStackRequest& request, RequestCounts& counts) {
     io.zigzag32(request.id);
-    io.list(request.actions, 1, [](auto& inner, auto& action) { actionfields(inner, action); });
+    io.list(
+        request.actions, 1, [](auto& inner, auto& action) { actionfields(inner, action); },
+        [&](std::size_t n) {
+            counts.actions += n;
+            counts.allow();
+        });
     io.list(request.filterstrings, 1, textelement);
     io.i32(request.cause);
 }
@@ -185,15 +200,41 @@ void responsefields(IO& io, ItemStackResponse& response) {
     if (response.result != ItemStackResponse::accepted) return;
     io.list(response.containers, 2, [](auto& inner, ItemStackResponseContainer& container) {
         inner.u8(container.container);
-        inner.list(container.slots, leastresponseslot, [](auto& slots, auto& slot) { responseslot(slots, slot); });
+        inner.list(container.slots, leastresponseslot, [&](auto& slots, auto& slot) {
+            responseslot(slots, slot);
+            slots.demand(isslot(container.container, slot.slot), "an answer about a slot that is none");
+        });
     });
 }
 
 }  // namespace
 
+const ContainerSlots* slotsof(std::uint8_t container) {
+    const auto* found = std::ranges::find(ownslots, static_cast<ContainerName>(container), &ContainerSlots::name);
+    return found == std::end(ownslots) ? nullptr : found;
+}
+
+bool isslot(std::uint8_t container, int slot) {
+    const auto* own = slotsof(container);
+    const bool known = container <= static_cast<std::uint8_t>(ContainerName::createdoutput);
+    return own != nullptr ? own->holds(slot) : known && slot >= 0 && slot <= 255;
+}
+
 template <class IO>
 void ItemStackRequestPacket::fields(IO& io) {
-    io.list(requests, leastrequest, [](auto& inner, auto& request) { requestfields(inner, request); });
+    RequestCounts counts;
+    io.list(
+        requests, leastrequest,
+        [&](auto& inner, auto& request) {
+            requestfields(inner, request, counts);
+            const auto same = [&](const ItemStackRequest& r) { return &r != &request && r.id == request.id; };
+            if (IO::reads && std::ranges::any_of(requests, same))
+                throw ReadError("two requests of the number " + std::to_string(request.id));
+        },
+        [&](std::size_t n) {
+            counts.requests = n;
+            counts.allow();
+        });
 }
 
 template <class IO>
@@ -203,7 +244,7 @@ void ItemStackResponsePacket::fields(IO& io) {
 
 template <class IO>
 void ContainerClosePacket::fields(IO& io) {
-    io.u8(containerid);
+    containernumber(io, containerid);
     io.boolean(serverside);
 }
 

@@ -19,8 +19,25 @@ enum class ContainerName : std::uint8_t {
     inventory = 29,      // slots 9 to 35
     offhand = 34,        // slot 1
     cursor = 59,         // slot 0
-    createdoutput = 60,  // slot 50
+    createdoutput = 60,  // slot 50; no name is above it
 };
+
+// The slots of the player's own, by container name; how many other screens have, no request tells.
+struct ContainerSlots {
+    ContainerName name;
+    std::uint8_t first, last;
+    [[nodiscard]] constexpr bool holds(int slot) const { return slot >= first && slot <= last; }
+};
+inline constexpr ContainerSlots ownslots[] = {
+    {ContainerName::armor, 0, 3},           {ContainerName::combined, 0, 35}, {ContainerName::hotbar, 0, 8},
+    {ContainerName::inventory, 9, 35},      {ContainerName::offhand, 1, 1},   {ContainerName::cursor, 0, 0},
+    {ContainerName::createdoutput, 50, 50},
+};
+// Null for a name that is not the player's own.
+[[nodiscard]] const ContainerSlots* slotsof(std::uint8_t container);
+// Whether there is such a slot on any screen. A reader takes whatever a request names: a request for what is not there
+// is to be refused by an answer, or the client would wait for one.
+[[nodiscard]] bool isslot(std::uint8_t container, int slot);
 
 enum class ActionType : std::uint8_t {
     take = 0,
@@ -54,7 +71,7 @@ struct ItemStackRequestSlotInfo {
 
 // What an automatic recipe is fed with.
 struct ItemStackRequestIngredient {
-    std::uint8_t kind = 0;  // 0 none, 1 item, 2 expression, 3 item tag, 4 name and aux, 5 alias
+    std::uint8_t kind = 0;  // 0 none, 1 item, 2 expression, 3 item tag, 4 name and aux
     std::uint16_t networkid = 0, aux = 0;
     std::string text;
     std::uint8_t version = 0;  // of an expression
@@ -83,8 +100,10 @@ struct ItemStackRequest {
     std::int32_t cause = 0;
 };
 
+// No client asks for more at once, and each request bears a number of its own.
 struct ItemStackRequestPacket {
     static constexpr PacketId number = PacketId::ItemStackRequest;
+    static constexpr std::size_t mostrequests = 64, mostactions = 256;
     std::uint8_t subclient = 0;  // from the packet header
     std::vector<ItemStackRequest> requests;
     template <class IO>

@@ -36,7 +36,7 @@ struct TextPacket {
     void fields(IO& io) {
         auto kind = static_cast<std::uint8_t>(type);
         io.u8(kind);
-        if (kind > static_cast<std::uint8_t>(TextType::jsonannouncement)) throw ReadError("a text of unknown type");
+        io.demand(kind <= static_cast<std::uint8_t>(TextType::jsonannouncement), "a text of unknown type");
         type = static_cast<TextType>(kind);
         io.boolean(needstranslation);
         if (type == TextType::chat || type == TextType::whisper || type == TextType::announcement) io.text(source);
@@ -90,15 +90,17 @@ private:
 
 struct SetPlayerGameTypePacket {
     static constexpr PacketId number = PacketId::SetPlayerGameType;
+    static constexpr std::int32_t lasttype = 6;
     std::int32_t gametype = 0;
     template <class IO>
     void fields(IO& io) {
         io.zigzag32(gametype);
+        io.demand(gametype >= 0 && gametype <= lasttype, "an unknown game type");
     }
 };
 
 struct CommandOriginData {
-    static constexpr std::uint32_t player = 0, dedicatedserver = 7;
+    static constexpr std::uint32_t player = 0, dedicatedserver = 7, lastkind = 15;
     std::uint32_t kind = player;
     std::array<std::uint8_t, 16> uuid{};
     std::string requestid;
@@ -106,6 +108,7 @@ struct CommandOriginData {
     template <class IO>
     void fields(IO& io) {
         io.varint(kind);
+        io.demand(kind <= lastkind, "a command of unknown origin");
         io.bytes(uuid);
         io.text(requestid);
         if (kind == 3 || kind == 4) io.zigzag64(actor);
@@ -142,6 +145,7 @@ struct CommandOutputPacket {
     void fields(IO& io) {
         origin.fields(io);
         io.u8(type);
+        io.demand(type <= dataset, "a command's output of unknown type");
         io.varint(successcount);
         io.list(messages, 3, [](auto& inner, Message& message) {
             inner.boolean(message.success);

@@ -144,7 +144,9 @@ TEST_P(Conformance, AFormIsAnsweredOnceAndOnlyByWhatFits) {
         return sent ? sent->formid : 0;
     };
     const auto answer = [&](std::uint32_t id, std::optional<std::string> json) {
-        server->says(xuid, sealed(platform::ModalFormResponsePacket{id, std::move(json), std::nullopt}));
+        platform::ModalFormResponsePacket packet{id, std::move(json), {}};
+        if (!packet.json) packet.reason = packet.closed;
+        server->says(xuid, sealed(packet));
         server->ticks(0);
     };
     const auto first = ask(), second = ask();
