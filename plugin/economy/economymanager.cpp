@@ -80,7 +80,7 @@ moneyrefusal changebalance(const movement& how, const std::string& xuid, std::in
 std::int64_t feeinlibrary(const payment& p) {
     if (issystem(p.from) || p.fee <= 0) return 0;
     if (p.fee <= p.amount) return p.fee;
-    return std::min(p.fee, std::max(p.amount, moneylibrary::get(p.from)));
+    return std::min(p.fee, std::max(p.amount, moneylibrary::get(p.from).value_or(0)));
 }
 
 moneyrefusal transferinlibrary(const payment& p) {
@@ -140,11 +140,19 @@ std::string getmoneyname() {
     return moneymode == 1 ? "LLmoney" : moneyobjective().getDisplayName();
 }
 
-std::int64_t MCGLOBALECONOMYMANAGER::queryMoneyhas(const std::string& xuid) {
-    ensureobjectives();
-    if (moneymode == 1) return moneylibrary::get(xuid);
-    return accountof(xuid, "MCGLOBALECONOMYMANAGER::queryMoneyhas", "return").score();
+std::optional<std::int64_t> moneyof(const std::string& xuid) {
+    std::optional<std::int64_t> balance;
+    const auto refused = tried([&]() -> moneyrefusal {
+        ensureobjectives();
+        balance = moneymode == 1 ? moneylibrary::get(xuid)
+                                 : accountof(xuid, "MCGLOBALECONOMYMANAGER::queryMoneyhas", "return").score();
+        return {};
+    });
+    if (refused) logger.error("The balance of {} cannot be read: {}", xuid, *refused);
+    return balance;
 }
+
+std::int64_t MCGLOBALECONOMYMANAGER::queryMoneyhas(const std::string& xuid) { return moneyof(xuid).value_or(0); }
 
 bool MCGLOBALECONOMYMANAGER::reduceMoneyhas(const std::string& xuid, std::int64_t amount) {
     return moved({xuid, "", amount}, [](const payment& p) { return changebalance(taking, p.from, p.amount); });

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "plugin/base/globals.h"
@@ -17,7 +18,11 @@ void bindeconomy();
 bool ensureobjectives();
 [[nodiscard]] std::string getmoneyname();
 
+// The balance; nothing, with an error line, when whoever keeps it cannot tell.
+[[nodiscard]] std::optional<std::int64_t> moneyof(const std::string& xuid);
+
 struct MCGLOBALECONOMYMANAGER {
+    // For a look: 0 for a balance that cannot be told.
     static std::int64_t queryMoneyhas(const std::string& xuid);
     // A negative amount is refused, as the library does: it would move money the other way.
     [[nodiscard]] static bool reduceMoneyhas(const std::string& xuid, std::int64_t amount);

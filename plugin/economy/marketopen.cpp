@@ -1,7 +1,9 @@
 #include "plugin/economy/marketopen.h"
 
+#include "platform/stores.h"
+
 namespace ordomart {
 
-bool marketopen() { return true; }
+bool marketopen() { return platform::Stores::writable(); }
 
 }  // namespace ordomart

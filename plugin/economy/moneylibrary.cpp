@@ -36,15 +36,18 @@ entrypoint<platform::llmoney::Reduce> llmoneyreduce{"LLMoneyReduce"};
 entrypoint<platform::llmoney::Add> llmoneyadd{"LLMoneyAdd"};
 entrypoint<platform::llmoney::LastError> llmoneylasterror{"LLMoneyLastError"};
 
+// Why the last call did not work; empty when it did, or when the library does not tell.
 std::string reason() {
     const char* const text = llmoneylasterror.function != nullptr ? llmoneylasterror() : nullptr;
-    return text != nullptr && *text != '\0' ? text : "no reason given";
+    return text != nullptr ? text : "";
 }
 
 template <class Function, class... A>
 moneyrefusal refusalof(const entrypoint<Function>& operation, const A&... arguments) {
     if (operation(arguments...)) return {};
-    return operation.function != nullptr ? reason() : fmt::format("there is no {}", operation.name);
+    if (operation.function == nullptr) return fmt::format("there is no {}", operation.name);
+    const std::string why = reason();
+    return why.empty() ? "no reason given" : why;
 }
 
 }  // namespace
@@ -65,7 +68,14 @@ bool bind() {
     return true;
 }
 
-std::int64_t get(const std::string& xuid) { return llmoneyget(xuid); }
+std::optional<std::int64_t> get(const std::string& xuid) {
+    const std::int64_t balance = llmoneyget(xuid);
+    if (llmoneyget.function == nullptr) return {};
+    const std::string why = balance == 0 ? reason() : "";
+    if (why.empty()) return balance;
+    logger.error("The balance of {} cannot be read: {}", xuid, why);
+    return {};
+}
 moneyrefusal trans(const std::string& from, const std::string& to, std::int64_t value, const std::string& note) {
     return refusalof(llmoneytrans, from, to, value, note);
 }

@@ -1,5 +1,5 @@
 // The LLMoney library, bound by name. An entry point that the library turns out to lack, or a call while nothing is
-// bound, gives 0 or a refusal, and an error line that names it.
+// bound, gives no balance or a refusal, and an error line that names it.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,8 @@
 namespace ordomart::moneylibrary {
 
 [[nodiscard]] bool bind();  // false when the library cannot be loaded
-[[nodiscard]] std::int64_t get(const std::string& xuid);
+// Nothing, with an error line, for a balance that cannot be read.
+[[nodiscard]] std::optional<std::int64_t> get(const std::string& xuid);
 [[nodiscard]] moneyrefusal trans(const std::string& from, const std::string& to, std::int64_t value,
                                  const std::string& note);
 [[nodiscard]] moneyrefusal reduce(const std::string& xuid, std::int64_t value);

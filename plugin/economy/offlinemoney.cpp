@@ -8,6 +8,7 @@
 #include "plugin/base/language.h"
 #include "plugin/base/owntexts.h"
 #include "plugin/economy/economymanager.h"
+#include "plugin/economy/marketopen.h"
 #include "plugin/economy/objectives.h"
 #include "plugin/economy/paynotes.h"
 #include "plugin/economy/scoreaccount.h"
@@ -66,10 +67,15 @@ moneyrefusal move(ServerPlayer* player, const std::string& account, std::int32_t
     return refused;
 }
 
-void payout(ServerPlayer* player, const std::string& account, std::int32_t offline) {
+constexpr const char* overflowtext =
+    "ERROR:DATAOVERFLOW! FAILURE OF DEAL! THE NUMBER IS TOO BIG!\n"
+    "数据溢出，你的离线金钱太多了！请联系管理员调查解决";
+
+void payout(ServerPlayer* player, const std::string& account, std::int64_t current, std::int32_t offline) {
     if (const auto refused = move(player, account, offline)) {
         logger.error("{} for {} stay in {}: {}", offline, player->getRealName(), account, *refused);
-        return player->sendText(tr(player, owntext::offmoneystays));
+        player->sendText(isscore(current + offline) ? tr(player, owntext::offmoneystays) : overflowtext);
+        return;
     }
     const std::string success = tr(player, "getoffmoney.success");
     playsound(player, "mob.villager.yes");
@@ -92,11 +98,8 @@ void getoffmoney(ServerPlayer* player, bool verbose) {
         return repair(*player, account);
     }
     if (offline != 0) {
-        if (!isscore(std::int64_t{current} + offline))
-            return player->sendText(
-                "ERROR:DATAOVERFLOW! FAILURE OF DEAL! THE NUMBER IS TOO BIG!\n"
-                "数据溢出，你的离线金钱太多了！请联系管理员调查解决");
-        return payout(player, account, offline);
+        if (marketopen()) return payout(player, account, current, offline);
+        return player->sendText(tr(player, owntext::cannotsave));
     }
     if (!verbose) return;
     player->sendText(tr(player, "getoffmoney.nooffmoney") + ":0");

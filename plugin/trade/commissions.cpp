@@ -37,8 +37,10 @@ bool numberspass(const recycleshopitem& item) {
 
 // Nothing, or the refusal with both numbers.
 commissionresult mustown(const std::string& xuid, std::int64_t needed, refusal why) {
+    const auto has = moneyof(xuid);
+    if (!has) return refused(refusal::paymentrefused);
     commissionresult result;
-    result.has = MCGLOBALECONOMYMANAGER::queryMoneyhas(xuid);
+    result.has = *has;
     result.needed = needed;
     if (result.has < needed) result.why = why;
     return result;

@@ -92,7 +92,9 @@ refusal buy(ServerPlayer* player, purchase& wanted) {
     const auto entry = shop.getshopitem(wanted.index);
     if (!isasoffered(entry, wanted.offered)) return refusal::shopchanged;
     wanted.total = std::int64_t{wanted.offered.realprice} * wanted.quantity;
-    if (MCGLOBALECONOMYMANAGER::queryMoneyhas(player->getXuid()) < wanted.total) return refusal::moneyshort;
+    const auto has = moneyof(player->getXuid());
+    if (!has) return refusal::paymentrefused;
+    if (*has < wanted.total) return refusal::moneyshort;
 
     const auto item = itemfromsnbt(entry.itemnbt);
     if (!checkrawitemvalid(item)) {

@@ -1,7 +1,11 @@
 // Scoreboard money of players who come, go and are away: their accounts, and what they collect.
 #include <gmock/gmock.h>
 
+#include <limits>
+#include <set>
+
 #include "platform/scoreboard.h"
+#include "tests/market/faultymoney.h"
 #include "tests/stage/stage.h"
 
 using namespace stage;
@@ -67,34 +71,63 @@ TEST(OfflineMoney, AWholeSumIsCollectedOrNothing) {
     const std::string overflow =
         "ERROR:DATAOVERFLOW! FAILURE OF DEAL! THE NUMBER IS TOO BIG!\n"
         "数据溢出，你的离线金钱太多了！请联系管理员调查解决";
+    const std::string stays = "离线金钱暂时无法领取，仍为你保留，请稍后再试。";
+    const std::string closed = "服务器暂时无法保存数据，商店已暂停交易，请稍后再试。";
+    constexpr int least = std::numeric_limits<std::int32_t>::min();
     struct {
         int current, offline, score, left;
-        std::string chat, toast, sound;
+        std::string chat;
+        std::set<std::string> refused;
+        std::string line = {};  // what is logged, where something is
     } const cases[] = {
-        {20, 21, 41, 0, "获取离线金钱成功:21", "获取离线金钱成功: + §a21 §rcoins", "mob.villager.yes"},
-        {20, -50, -30, 0, "获取离线金钱成功:-50", "获取离线金钱成功: + §a-50 §rcoins", "mob.villager.yes"},
-        {20, 0, 20, 0, "您没有离线金钱:0", "", "mob.villager.no"},
-        {2147483000, 1000, 2147483000, 1000, overflow, "", ""},
-        {2147483000, 647, 2147483647, 0, "获取离线金钱成功:647", "获取离线金钱成功: + §a647 §rcoins",
-         "mob.villager.yes"},
-        {-2147483000, -1000, -2147483000, -1000, overflow, "", ""},
-        {-1, 2147483647, 2147483646, 0, "获取离线金钱成功:2147483647", "获取离线金钱成功: + §a2147483647 §rcoins",
-         "mob.villager.yes"},
+        {20, 21, 41, 0, "获取离线金钱成功:21", {}},
+        {20, -50, -30, 0, "获取离线金钱成功:-50", {}},
+        {20, 0, 20, 0, "您没有离线金钱:0", {}},
+        {2147483000, 647, 2147483647, 0, "获取离线金钱成功:647", {}},
+        {-1, 2147483647, 2147483646, 0, "获取离线金钱成功:2147483647", {}},
+        {2147483000, 1000, 2147483000, 1000, overflow, {}, "2147483000 + 1000 leaves the 32 bits of a score"},
+        {-2147483000, -1000, -2147483000, -1000, overflow, {}, "-2147483000 + -1000 leaves the 32 bits of a score"},
+        {least, least, least, least, overflow, {}, "-2147483648 + -2147483648 leaves the 32 bits of a score"},
+        {20, 21, 20, 21, stays, {"addScore"}, "the scoreboard refuses to change money"},
+        {20, 21, 20, 21, stays, {"setScore"}, "the account cannot be emptied"},
+        {20, 21, 20, 21, closed, {"stores"}},
     };
-    Stage stage({.llmoney = false});
+    faulty::Stores stores;
+    faulty::Money faulty;
+    Stage stage({.llmoney = false, .adjust = [&](platform::Host& host) {
+                     faulty.standbefore(host);
+                     host.stores = &stores;
+                 }});
     Actor& player = stage.join("Ada", ada, "zh_CN");
+    Lines lines(stage);
     for (const auto& c : cases) {
-        SCOPED_TRACE(fmt::format("{} and {}", c.current, c.offline));
+        SCOPED_TRACE(fmt::format("{} and {}, {} refused", c.current, c.offline, c.refused.size()));
         player.forgets().setmoney(c.current);
         setaccount(stage, c.offline);
+        lines.fresh();
+        faulty::refuses = [&](std::string_view operation) { return c.refused.contains(std::string(operation)); };
+        stores.why = c.refused.contains("stores") ? "full" : "";
         player.types("ordomart getoffscores");
         EXPECT_EQ(player.replies(), "");
         EXPECT_EQ(player.chat(), c.chat);
-        EXPECT_EQ(player.toasts(), c.toast);
-        EXPECT_EQ(player.sounds(), c.sound.empty() ? std::vector<std::string>() : std::vector{c.sound});
+        const bool collected = c.offline != 0 && c.left == 0;
+        EXPECT_EQ(player.toasts(), collected ? fmt::format("获取离线金钱成功: + §a{} §rcoins", c.offline) : "");
+        EXPECT_EQ(player.sounds(), collected        ? std::vector<std::string>{"mob.villager.yes"}
+                                   : c.offline == 0 ? std::vector<std::string>{"mob.villager.no"}
+                                                    : std::vector<std::string>());
         EXPECT_EQ(player.money(), c.score);
         EXPECT_EQ(stage.score("a" + ada, "helpermoney"), c.left);
+        std::vector<std::string> told;
+        if (!c.line.empty()) told = {fmt::format("Ordomart error {} for Ada stay in a{}: {}", c.offline, ada, c.line)};
+        EXPECT_EQ(lines.fresh(), told);
     }
+
+    // Neither of the two steps can be taken back: the only way to see a coin twice, and it is told.
+    int additions = 0;
+    stores.why.clear();
+    faulty::refuses = [&](std::string_view o) { return o == "setScore" || (o == "addScore" && additions++ > 0); };
+    player.types("ordomart getoffscores");
+    EXPECT_THAT(lines.fresh(), testing::Contains(testing::StartsWith("Ordomart fatal 21 TWICE: paid out to Ada and ")));
 }
 
 // A simulated player is given nothing when he joins.

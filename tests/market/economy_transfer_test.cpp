@@ -8,16 +8,16 @@
 #include "platform/library.h"
 #include "platform/llmoney.h"
 #include "plugin/economy/economymanager.h"
+#include "tests/market/faultymoney.h"
 #include "tests/market/shophost.h"
 
 using namespace ordomart;
 using testing::ElementsAre;
-using testing::ElementsAreArray;
 
 namespace {
 
-std::vector<std::string> asked;  // of the library, in order
-bool willing = true;             // whether its transfers work
+std::vector<std::string> asked;   // of the library, in order
+std::set<std::string> unwilling;  // the entries that refuse
 
 class NotingLibrary : public platform::Libraries {
 public:
@@ -31,18 +31,32 @@ public:
     }
 
 private:
-    static long long get(const std::string& xuid) { return std::stoll(xuid); }
-    static bool trans(const std::string& from, const std::string& to, long long value, const std::string& note) {
-        asked.push_back(fmt::format("trans <{}> <{}> {} {}", from, to, value, note));
-        return willing;
+    static bool note(const char* entry, std::string call) {
+        asked.push_back(std::move(call));
+        reason_ = unwilling.contains(entry) ? fmt::format("{} is unwilling", entry) : "";
+        return reason_.empty();
+    }
+    static long long get(const std::string& xuid) {
+        reason_ = xuid == "13" ? "the file is locked" : "";
+        return xuid == "13" ? 0 : std::stoll(xuid);
+    }
+    static bool trans(const std::string& from, const std::string& to, long long value, const std::string& text) {
+        return note("trans", fmt::format("trans <{}> <{}> {} {}", from, to, value, text));
     }
     static bool reduce(const std::string& xuid, long long value) {
-        asked.push_back(fmt::format("reduce <{}> {}", xuid, value));
-        return true;
+        return note("reduce", fmt::format("reduce <{}> {}", xuid, value));
     }
+    static bool add(const std::string& xuid, long long value) {
+        return note("add", fmt::format("add <{}> {}", xuid, value));
+    }
+    static const char* lasterror() { return reason_.c_str(); }
+
+    static inline std::string reason_;
     const std::map<std::string, void*> entries_ = {{"LLMoneyGet", reinterpret_cast<void*>(&get)},
                                                    {"LLMoneyTrans", reinterpret_cast<void*>(&trans)},
-                                                   {"LLMoneyReduce", reinterpret_cast<void*>(&reduce)}};
+                                                   {"LLMoneyReduce", reinterpret_cast<void*>(&reduce)},
+                                                   {"LLMoneyAdd", reinterpret_cast<void*>(&add)},
+                                                   {"LLMoneyLastError", reinterpret_cast<void*>(&lasterror)}};
 };
 
 class NoLink : public host::ClientLink {
@@ -59,7 +73,7 @@ protected:
     Transfer() {
         settings();
         asked.clear();
-        willing = true;
+        unwilling.clear();
         host.services.libraries = &library;
         host.services.clock = &clock;
         host.services.items = &host::itemtable();
@@ -116,52 +130,99 @@ TEST_F(Transfer, BindingAsksForTheWholeLibraryAndTheScoreboardForNothing) {
         bindeconomy();
         EXPECT_EQ(moneymode, mode == 1 ? 1 : 0);
         EXPECT_EQ(getmoneyname(), mode == 1 ? "LLmoney" : "coins");
-        const std::vector<std::string> all = {"LLMoneyGet", "LLMoneySet",     "LLMoneyTrans",    "LLMoneyReduce",
-                                              "LLMoneyAdd", "LLMoneyGetHist", "LLMoneyClearHist"};
+        const std::vector<std::string> all = {"LLMoneyGet", "LLMoneySet",     "LLMoneyTrans",     "LLMoneyReduce",
+                                              "LLMoneyAdd", "LLMoneyGetHist", "LLMoneyClearHist", "LLMoneyLastError"};
         EXPECT_EQ(asked, mode == 1 ? all : std::vector<std::string>());
     }
 }
 
 TEST_F(Transfer, AnEntryThatTheLibraryLacksIsNamedWhenItIsCalled) {
+    const std::string refused = "Ordomart 3 The payment of 100 from 21 to 22 is refused: ";
     library.missing = "LLMoneyTrans";
     bind();
     EXPECT_EQ(moneymode, 1);
-    tax = 5;
     EXPECT_FALSE(createmoneyTrans(ada, bob, 100, "note"));
-    EXPECT_THAT(asked, ElementsAre("reduce <21> 5"));
-    EXPECT_THAT(host.log.lines, ElementsAre("Ordomart 3 LLmoney.dll has no LLMoneyTrans; the call gives nothing"));
+    EXPECT_THAT(host.log.lines, ElementsAre("Ordomart 3 LLmoney.dll has no LLMoneyTrans; the call gives nothing",
+                                            refused + "there is no LLMoneyTrans\nnote:note"));
     EXPECT_EQ(MCGLOBALECONOMYMANAGER::queryMoneyhas(ada), 21) << "the others work";
+
+    library.missing = "LLMoneyLastError";
+    unwilling = {"trans"};
+    bind();
+    EXPECT_FALSE(createmoneyTrans(ada, bob, 100, "note"));
+    EXPECT_THAT(host.log.lines, ElementsAre(refused + "no reason given\nnote:note"));
 }
 
-TEST_F(Transfer, TheLibraryIsAskedForTheFeeFirst) {
+TEST_F(Transfer, TheLibraryIsAskedForTheFeeFirstAndGetsItBack) {
     bind();
+    const auto refused = [](const char* who, std::int64_t amount, const char* why) {
+        return fmt::format("Ordomart 3 The payment of {} from {} is refused: {} is unwilling\nnote:note", amount, who,
+                           why);
+    };
+    const std::string lost =
+        "Ordomart 4 50 LOST: taken from 21 for a payment to 22 that was refused, and it cannot be given back: add is "
+        "unwilling";
+    using List = std::vector<std::string>;
+    const std::string poor = "000";  // has nothing
     struct {
         int percent;
         std::string from, to;
         std::int64_t amount;
-        std::vector<std::string> calls;
-    } const cases[] = {{0, ada, bob, 1000, {"reduce <21> 0", "trans <21> <22> 1000 note"}},
-                       {5, ada, bob, 1000, {"reduce <21> 50", "trans <21> <22> 950 note"}},
-                       {5, ada, bob, 0, {"reduce <21> 1", "trans <21> <22> -1 note"}},
-                       {-5, ada, bob, 1000, {"reduce <21> -50", "trans <21> <22> 1050 note"}},
-                       {5, "0", bob, 1000, {"trans <> <22> 950 note"}},
-                       {5, "", bob, 1000, {"trans <> <22> 950 note"}},
-                       {5, ada, "0", 1000, {"reduce <21> 50", "trans <21> <> 950 note"}}};
-    for (const auto& c : cases)
-        for (const bool works : {true, false}) {
-            asked.clear();
-            willing = works;
-            tax = static_cast<std::int8_t>(c.percent);
-            EXPECT_EQ(createmoneyTrans(c.from, c.to, c.amount, "note"), works);
-            EXPECT_THAT(asked, ElementsAreArray(c.calls)) << c.percent << " % of " << c.amount;
-        }
-    for (const char* system : {"", "0"}) {
+        std::set<std::string> unwilling;
+        List calls, lines;
+    } const cases[] = {
+        {0, ada, bob, 1000, {}, {"trans <21> <22> 1000 note"}, {}},
+        {5, ada, bob, 1000, {}, {"reduce <21> 50", "trans <21> <22> 950 note"}, {}},
+        {5, ada, bob, 0, {}, {"reduce <21> 1"}, {}},
+        {5, poor, bob, 0, {}, {}, {}},
+        {127, ada, bob, 10, {}, {"reduce <21> 12"}, {}},
+        {127, "11", bob, 10, {}, {"reduce <11> 11"}, {}},
+        {-5, ada, bob, 1000, {}, {"trans <21> <22> 1050 note"}, {}},
+        {5, "0", bob, 1000, {}, {"trans <> <22> 950 note"}, {}},
+        {5, "", bob, 1000, {}, {"trans <> <22> 950 note"}, {}},
+        {5, ada, "0", 1000, {}, {"reduce <21> 50", "trans <21> <> 950 note"}, {}},
+        {0, ada, "0", 9, {"trans"}, {"trans <21> <> 9 note"}, {refused("21 to SYSTEM", 9, "trans")}},
+        {5, ada, bob, 1000, {"reduce"}, {"reduce <21> 50"}, {refused("21 to 22", 1000, "reduce")}},
+        {5,
+         ada,
+         bob,
+         1000,
+         {"trans"},
+         {"reduce <21> 50", "trans <21> <22> 950 note", "add <21> 50"},
+         {refused("21 to 22", 1000, "trans")}},
+        {5,
+         ada,
+         bob,
+         1000,
+         {"trans", "add"},
+         {"reduce <21> 50", "trans <21> <22> 950 note", "add <21> 50"},
+         {lost, refused("21 to 22", 1000, "trans")}},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(fmt::format("{} % of {} from {} to {}, {} unwilling", c.percent, c.amount, c.from, c.to,
+                                 c.unwilling.size()));
         asked.clear();
+        host.log.lines.clear();
+        unwilling = c.unwilling;
+        tax = static_cast<std::int8_t>(c.percent);
+        EXPECT_EQ(createmoneyTrans(c.from, c.to, c.amount, "note"), c.unwilling.empty());
+        EXPECT_EQ(asked, c.calls);
+        EXPECT_EQ(host.log.lines, c.lines) << "without a refusal the library keeps the history";
+    }
+    asked.clear();
+    for (const char* system : {"", "0"}) {
         EXPECT_FALSE(MCGLOBALECONOMYMANAGER::addMoney(system, 1));
         EXPECT_FALSE(MCGLOBALECONOMYMANAGER::reduceMoneyhas(system, 1));
-        EXPECT_THAT(asked, ElementsAre()) << "the system has no account";
     }
-    EXPECT_THAT(host.log.lines, ElementsAre()) << "the library keeps the history";
+    EXPECT_FALSE(MCGLOBALECONOMYMANAGER::reduceMoneyhas(ada, -1));
+    EXPECT_THAT(asked, ElementsAre()) << "the system has no account, and a negative sum is no payment";
+
+    host.log.lines.clear();
+    EXPECT_EQ(moneyof("13"), std::nullopt);
+    EXPECT_EQ(MCGLOBALECONOMYMANAGER::queryMoneyhas("13"), 0);
+    EXPECT_EQ(moneyof(poor), 0) << "no money is not no answer";
+    const std::string unread = "Ordomart 3 The balance of 13 cannot be read: the file is locked";
+    EXPECT_THAT(host.log.lines, ElementsAre(unread, unread));
 }
 
 TEST_F(Transfer, ScoresMoveByTheWholeAmountAndTheRest) {
@@ -194,18 +255,67 @@ TEST_F(Transfer, ScoresMoveByTheWholeAmountAndTheRest) {
     }
 }
 
-TEST_F(Transfer, ScoreThatCannotBeChangedIsToldAndTheTransferGoesOn) {
+// No sum leaves 32 bits, and what is refused half-way is taken back.
+TEST_F(Transfer, AScoreThatCannotBeChangedEndsTheTransfer) {
+    constexpr std::int64_t most = 2147483647;
+    faulty::Money faulty;
+    faulty.standbefore(host.services);
     moneymode = 0;
-    bind();
     tax = 5;
-    EXPECT_TRUE(ensureobjectives());
-    scoremoneyname = "nowhere";
-    EXPECT_TRUE(createmoneyTrans(ada, ada, 100, "note"));
-    EXPECT_THAT(
-        host.log.lines,
-        ElementsAre(
-            "Ordomart 3 error at createmoneyTrans when reduce 100 money for 21 when use scoreboard ecc,\nnote:note",
-            "Ordomart 3 error at createmoneyTrans when add 95 money for 21 when use scoreboard ecc,\nnote:note"));
+    bind();
+    EXPECT_TRUE(createmoneyTrans("0", bob, 1, "makes the account")) << "and a tax of all of it";
+    struct {
+        std::string from, to;
+        std::int64_t amount;
+        int ada, bob;  // what they have
+        std::set<std::string> refused;
+        std::vector<std::string> lines;  // beginnings
+    } const cases[] = {
+        {ada, bob, 100, 100, 0, {"reduceScore"}, {"reduce 100 money for 21", "100 from 21 to 22"}},
+        {ada, bob, 100, 100, 0, {"absent addScore"}, {"add 95 money for 22", "100 from 21 to 22"}},
+        {ada, bob, 100, 100, 0, {"addScore", "absent addScore"}, {"add 95 money for 22", "100 from 21 to 22"}},
+        {bob, ada, 100, 0, 100, {"addScore"}, {"add 95 money for 21", "100 from 22 to 21"}},
+        {ada, bob, 100, 100, most - 94, {}, {"add 95 money for 22", "100 from 21 to 22"}},
+        {bob, ada, 100, most - 94, 100, {}, {"add 95 money for 21", "100 from 22 to 21"}},
+        {ada, bob, 100, -most + 50, 0, {}, {"reduce 100 money for 21", "100 from 21 to 22"}},
+        {ada, bob, most + 1, most, 0, {}, {"reduce 2147483648 money for 21", "2147483648 from 21 to 22"}},
+        {"0", bob, 6'000'000'000, 0, 0, {}, {"add 5700000000 money for 22", "6000000000 from SYSTEM to 22"}},
+        {ada, bob, -100, 0, 0, {}, {"-100 from 21 to 22"}},
+        {ada, "0", 100, 100, 0, {"reduceScore"}, {"reduce 100 money for 21", "100 from 21 to SYSTEM"}},
+        {ada, bob, 100, 100, 0, {"gone"}, {"reduce 100 money for 21", "100 from 21 to 22"}},
+    };
+    const auto has = [&] {
+        auto& board = world.scoreboard();
+        return std::pair(world.score("Ada", "money"), board.getScore("helpermoney", "a22"));
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(fmt::format("{} from {} to {}, {} refused", c.amount, c.from, c.to, c.refused.size()));
+        world.setscore("Ada", "money", c.ada);
+        world.scoreboard().setScore("helpermoney", "a22", c.bob);
+        faulty::refuses = [&](std::string_view operation) { return c.refused.contains(std::string(operation)); };
+        scoremoneyname = c.refused.contains("gone") ? "nowhere" : "money";
+        host.log.lines.clear();
+        EXPECT_FALSE(createmoneyTrans(c.from, c.to, c.amount, "note"));
+        EXPECT_EQ(has(), std::pair(c.ada, c.bob));
+        ASSERT_EQ(host.log.lines.size(), c.lines.size()) << testing::PrintToString(host.log.lines);
+        const bool ishalf = c.lines.size() == 2;
+        if (ishalf) {
+            EXPECT_EQ(host.log.lines[0], fmt::format("Ordomart 3 error at createmoneyTrans when {} when use scoreboard "
+                                                     "ecc,\nnote:note",
+                                                     c.lines[0]));
+        }
+        EXPECT_TRUE(host.log.lines.back().starts_with("Ordomart 3 The payment of " + c.lines.back() + " is refused: "))
+            << host.log.lines.back();
+    }
+    // Neither road is open any more.
+    scoremoneyname = "money";
+    world.setscore("Ada", "money", 100);
+    int reductions = 0;
+    faulty::refuses = [&](std::string_view operation) { return operation == "absent addScore" || reductions++ > 0; };
+    host.log.lines.clear();
+    EXPECT_FALSE(createmoneyTrans(ada, bob, 100, "note"));
+    EXPECT_TRUE(host.log.lines.at(1).starts_with("Ordomart 4 100 LOST: taken from 21 for a payment to 22 "))
+        << host.log.lines[1];
 }
 
 }  // namespace

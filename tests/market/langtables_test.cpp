@@ -8,6 +8,7 @@
 #include <string>
 
 #include "plugin/base/langtables.h"
+#include "plugin/base/owntexts.h"
 
 namespace {
 
@@ -49,6 +50,26 @@ TEST(LangTables, TheFirstOfTwoRowsStands) {
                                                [](const auto& row) { return std::string(row.key) == "systemshop"; })
                               ->text),
               "system shop");
+}
+
+TEST(LangTables, TheOwnTextsStandBesideThem) {
+    Texts own[2];
+    int language = 0;
+    for (const auto& [locale, fixed] : ordomart::defaultlangdata()) {
+        for (const auto& [key, text] : ordomart::alllangdata().at(locale)) {
+            if (const auto row = fixed.find(key); row == fixed.end())
+                own[language][key] = text;
+            else
+                EXPECT_EQ(text, row->second) << key;
+        }
+        ++language;
+    }
+    EXPECT_EQ(own[0].size(), 5U);
+    for (const auto& [key, text] : own[0]) {
+        EXPECT_EQ(placeholders(text), key == ordomart::owntext::stackskept ? "{0}" : "") << key;
+        EXPECT_EQ(placeholders(text), placeholders(own[1][key])) << key;
+    }
+    EXPECT_EQ(own[0].size(), own[1].size());
 }
 
 TEST(LangTables, FormatStringsTakeTheirArgumentsInBothLanguages) {
