@@ -147,7 +147,7 @@ void World::Parts::forgetchanges() {
 }
 
 void World::flush() {
-    parts_->level.each([](ServerPlayerImpl& player) { player.sendchanges(); });
+    if (showschanges) parts_->level.each([](ServerPlayerImpl& player) { player.sendchanges(); });
     if (parts_->state.istime()) parts_->write();
 }
 

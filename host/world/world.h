@@ -67,6 +67,8 @@ public:
     // The last one, with more patience: what cannot be written is kept aside for the next start. What became of it
     // then, or nothing when all is written.
     [[nodiscard]] std::string lastflush();
+    // Off, a client sees a change only where somebody shows it to him: for tests of those who must.
+    bool showschanges = true;
 
     struct Parts;
     [[nodiscard]] Parts& parts() { return *parts_; }

@@ -78,26 +78,25 @@ TEST(ChestBlocks, ADoubleChestIsPairedAndAPositionIsForOnePlayer) {
 // Brings the menu, which enters itself, into this program.
 [[maybe_unused]] const auto mainmenu = &ordomart::openOrdomenu;
 
-// With no record behind it; only a menu on blocks can meet it.
-TEST(ChestBlocks, ARefusedOpeningIsPaintedAllTheSame) {
+TEST(ChestBlocks, ARefusedOpeningIsNotPainted) {
     Blocks b;
     containermenuguihelper::blockcontainerblockconfig blocks;
     blocks.placefirst = true;
     auto& manager = ChestInvontorymenuguihelper::listenermanager();
-    int results[2] = {};
+    ordomart::opresult results[2] = {};
     b.stage.onserver([&] {
         for (const Actor* who : {&b.alice, &b.carl}) {
             shopsystem::getplayershopstate(who->xuid()).menuopentime = 0;
             auto* player = b.stage.server().world().level().getPlayerByXuid(who->xuid());
-            results[who == &b.carl] =
-                static_cast<int>(ordomart::openchestmenu(player, ordomart::screen::ordomenu, {}, blocks));
+            results[who == &b.carl] = ordomart::openchestmenu(player, ordomart::screen::ordomenu, {}, blocks);
         }
     });
-    EXPECT_EQ(results[0] + results[1], 0);
+    EXPECT_EQ(results[0], ordomart::opresult::opened);
+    EXPECT_EQ(results[1], ordomart::opresult::refused);
     EXPECT_EQ(order(b.alice), "close block");
     b.stage.ticks(5);
     EXPECT_EQ(order(b.alice), "open content*4 slot*6");
-    EXPECT_EQ(order(b.carl), "content*4 slot*6");
+    EXPECT_EQ(order(b.carl), "");
     EXPECT_NE(b.stage.log().find("[Ordomart][info] BlockPos has been used by others!"), std::string::npos);
     b.stage.onserver([&] {
         auto* player = b.stage.server().world().level().getPlayerByXuid(ada);

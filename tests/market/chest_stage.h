@@ -84,6 +84,15 @@ inline std::string responses(const Actor& player) {
     return all;
 }
 
+// A close of whatever id, which the client's screen knows nothing of.
+inline void closesraw(Stage& stage, Actor& player, int id, int times = 1) {
+    player.look([&](client::ModelClient& c) {
+        const platform::ContainerClosePacket packet{static_cast<std::uint8_t>(id), false};
+        for (int i = 0; i < times; ++i) c.sendraw(platform::sealpacket(platform::topacket(packet)));
+    });
+    stage.server().settle();
+}
+
 inline void records(const Actor& player) {
     player.look([](client::ModelClient& c) { c.recordpackets = true; });
 }
@@ -100,6 +109,8 @@ inline std::string order(const Actor& player) {
                                : packet.id == PacketId::UpdateBlock       ? "block"
                                : packet.id == PacketId::BlockActorData    ? "data"
                                : packet.id == PacketId::SetPlayerGameType ? "gametype"
+                               : packet.id == PacketId::Text              ? "text"
+                               : packet.id == PacketId::ModalFormRequest  ? "form"
                                                                           : "";
             if (*name == '\0') continue;
             if (runs.empty() || runs.back().first != name) runs.emplace_back(name, 0);

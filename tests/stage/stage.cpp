@@ -50,6 +50,7 @@ void Stage::start() {
     options.adjust = setting_.adjust;
     server_ = std::make_unique<host::Server>(options);
     server_->start();
+    server_->world().showschanges = setting_.slotupdates;
     clients_ = std::make_unique<host::Clients>(*server_);
     server_->settle();
 }

@@ -47,6 +47,7 @@ public:
     [[nodiscard]] std::string toasts() const;   // "title: content", likewise
     [[nodiscard]] std::string replies() const;  // command output, likewise
     [[nodiscard]] std::vector<std::string> sounds() const;
+    [[nodiscard]] std::string heard() const;     // "name volume pitch", joined by newlines
     [[nodiscard]] json form() const;             // in front; null when there is none
     [[nodiscard]] std::string formtext() const;  // every text of it, joined by newlines
     [[nodiscard]] bool menuopen() const;
@@ -74,6 +75,7 @@ struct Setting {
     std::function<void(platform::Host&)> adjust;
     std::vector<std::pair<std::string, std::string>> files;  // path, content: there before the start
     std::string language = "en_US";
+    bool slotupdates = true;  // off: a client sees what has changed in his slots only when the market shows it
 };
 
 class Stage {
