@@ -8,6 +8,7 @@
 #include "platform/event.h"
 #include "platform/files.h"
 #include "platform/hook.h"
+#include "platform/http.h"
 #include "platform/level.h"
 #include "platform/logger.h"
 #include "platform/network.h"
@@ -93,6 +94,16 @@ namespace PlayerInfo {
 std::string getXuid(const std::string& name) { return host().knownplayers->getXuid(name); }
 std::string fromXuid(const std::string& xuid) { return host().knownplayers->fromXuid(xuid); }
 }  // namespace PlayerInfo
+
+bool HttpGetSync(const std::string& url, int& status, std::string& result, int timeoutSeconds) {
+    Http* const http = host().http;
+    return http != nullptr && http->get(url, status, result, timeoutSeconds);
+}
+bool HttpPostSync(const std::string& url, const std::string& contenttype, const std::string& body, int& status,
+                  std::string& result, int timeoutSeconds) {
+    Http* const http = host().http;
+    return http != nullptr && http->post(url, contenttype, body, status, result, timeoutSeconds);
+}
 
 namespace Event::detail {
 EventBus& bus() { return *host().events; }

@@ -23,7 +23,11 @@ class ItemRegistry;
 class Level;
 class Scoreboard;
 class KnownPlayers;
+<<<<<<< HEAD
 class StoreState;
+=======
+class Http;
+>>>>>>> 8d8f093 (Platform: calls to web services; the host fulfils them, bounded in time and size, and ends them when it stops)
 
 class Properties {
 public:
@@ -61,6 +65,7 @@ struct Host {
     StoreState* stores = nullptr;
     Properties* properties = nullptr;
     PluginList* plugins = nullptr;
+    Http* http = nullptr;  // null on a host that calls nobody
 };
 
 // The installed host. Throws std::logic_error when there is none.

@@ -13,6 +13,7 @@ namespace host {
 class Descriptor {
 public:
     Descriptor() = default;
+    explicit Descriptor(int number) : number_(number) {}  // takes over an open one
     Descriptor(const char* path, int flags, mode_t mode = 0666) : number_(::open(path, flags | O_CLOEXEC, mode)) {}
     ~Descriptor() { close(); }
     Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}

@@ -55,7 +55,8 @@ Server::Parts::Parts(Server& face, const ServerOptions& settings)
       libraries(complain),
       events(complain),
       texts([this]() -> platform::Files& { return *services.files; }, complain),
-      properties(settings.port) {
+      properties(settings.port),
+      http(settings.certificates, complain) {
     services = {.scheduler = &scheduler,
                 .log = &log,
                 .texts = &texts,
@@ -68,7 +69,8 @@ Server::Parts::Parts(Server& face, const ServerOptions& settings)
                 .events = &events,
                 .items = &itemtable(),
                 .properties = &properties,
-                .plugins = &plugins};
+                .plugins = &plugins,
+                .http = &http};
 }
 
 void Server::Parts::say(platform::LogLevel level, const std::string& text) {

@@ -26,6 +26,7 @@
 #include "host/core/scheduler.h"
 #include "host/core/texts.h"
 #include "host/core/turnkeeper.h"
+#include "host/http/httpclient.h"
 #include "host/network/network.h"
 #include "host/server.h"
 #include "host/world/world.h"
@@ -93,6 +94,7 @@ struct Server::Parts {
     GameTexts texts;
     FixedProperties properties;
     Plugins plugins;
+    HttpClient http;
     Commands commands;
     platform::Host services;
 

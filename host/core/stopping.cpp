@@ -14,6 +14,7 @@ constexpr int mostcallstosave = 3;
 
 void Server::Parts::farewell() {
     const auto asked = background.announcestop();
+    http.stop();
     turn.openuntil(TurnKeeper::Time::max());
     {
         const platform::Turn held;

@@ -1,0 +1,178 @@
+#include "host/http/httpclient.h"
+
+#include <httplib.h>
+
+#include <thread>
+
+#include "host/http/boundedstream.h"
+#include "host/http/namelookup.h"
+#include "host/http/webline.h"
+
+namespace host {
+
+namespace {
+
+using Time = std::chrono::steady_clock;
+constexpr auto look = std::chrono::milliseconds(20);  // from one look at a line to the next
+
+constexpr int redirects[] = {301, 302, 303, 307, 308};
+
+}  // namespace
+
+// Rung when something has ended that somebody may be waiting for.
+struct HttpClient::Bell {
+    std::mutex mutex;
+    std::condition_variable rings;
+    bool stopping = false;
+};
+
+struct HttpClient::Call {
+    const char* method;
+    httplib::Headers headers;
+    std::string body;
+    bool followsredirects;
+    Time::time_point deadline = {};
+};
+
+struct HttpClient::Answer {
+    int status = 0;
+    std::string text, location;
+};
+
+HttpClient::HttpClient(std::string certificates, Complain complain)
+    : certificates_(std::move(certificates)), complain_(std::move(complain)), bell_(std::make_shared<Bell>()) {}
+
+void HttpClient::stop() {
+    const std::lock_guard lock(bell_->mutex);
+    bell_->stopping = true;
+    bell_->rings.notify_all();
+}
+
+bool HttpClient::get(const std::string& url, int& status, std::string& result, int timeoutSeconds) {
+    return call({"GET", {}, {}, true}, url, status, result, timeoutSeconds);
+}
+
+bool HttpClient::post(const std::string& url, const std::string& contenttype, const std::string& body, int& status,
+                      std::string& result, int timeoutSeconds) {
+    return call({"POST", {{"Content-Type", contenttype}}, body, false}, url, status, result, timeoutSeconds);
+}
+
+bool HttpClient::call(Call&& call, const std::string& url, int& status, std::string& result, int timeoutSeconds) {
+    call.deadline = Time::now() + std::chrono::seconds(timeoutSeconds);
+    std::optional<Answer> answer;
+    // What is thrown in here is a want of threads or memory.
+    const auto failure = failureof([&] {
+        auto target = WebUrl::parse(url);
+        for (int followed = 0; target; ++followed) {
+            answer = fetch(call, *target);
+            const bool leadson = answer && call.followsredirects && followed < mostredirects &&
+                                 std::ranges::find(redirects, answer->status) != std::end(redirects);
+            target = leadson ? target->redirectedto(answer->location) : std::nullopt;
+        }
+    });
+    if (failure || !answer) return false;
+    status = answer->status;
+    result = std::move(answer->text);
+    return true;
+}
+
+// On a thread that is left behind when it takes too long: it knows nothing but the bell and its own result. No
+// addresses for a name that has none, when the time is over, and for a server that stops.
+std::vector<std::string> HttpClient::lookup(const Call& call, const std::string& name) {
+    struct Result {
+        bool done = false;
+        std::vector<std::string> addresses;
+    };
+    const auto result = std::make_shared<Result>();
+    std::thread([bell = bell_, result, name] {
+        std::vector<std::string> addresses;
+        (void)failureof([&] { addresses = addressesof(name); });
+        const std::lock_guard lock(bell->mutex);
+        result->addresses = std::move(addresses);
+        result->done = true;
+        bell->rings.notify_all();
+    }).detach();
+    std::unique_lock lock(bell_->mutex);
+    bell_->rings.wait_until(lock, call.deadline, [&] { return result->done || bell_->stopping; });
+    return bell_->stopping ? std::vector<std::string>() : result->addresses;
+}
+
+namespace {
+
+std::unique_ptr<httplib::ClientImpl> clientfor(const WebUrl& url, const std::string& certificates) {
+    if (!url.tls) return std::make_unique<Bounded<httplib::ClientImpl>>(url.host, url.port);
+    auto client = std::make_unique<Bounded<httplib::SSLClient>>(url.host, url.port);
+    client->enable_server_certificate_verification(true);
+    if (!certificates.empty()) client->set_ca_cert_path(certificates);
+    return client;
+}
+
+bool isuntrusted(httplib::Error error) {
+    return error == httplib::Error::SSLServerVerification || error == httplib::Error::SSLLoadingCerts;
+}
+
+bool isunreachable(httplib::Error error) {
+    return error == httplib::Error::Connection || error == httplib::Error::ConnectionTimeout;
+}
+
+}  // namespace
+
+// The addresses of a name are tried in turn, each with its share of the time that is left.
+std::optional<HttpClient::Answer> HttpClient::fetch(const Call& call, const WebUrl& url) {
+    const auto addresses = lookup(call, url.host);
+    if (addresses.empty()) return {};
+    WebLine line;
+    std::optional<Answer> answer;
+    const auto transfer = [&] {
+        auto untried = addresses.size();
+        for (const auto& address : addresses) {
+            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(call.deadline - Time::now());
+            if (left.count() <= 0 || line.wascut()) return;
+            const auto client = clientfor(url, certificates_);
+            client->set_hostname_addr_map({{url.host, address}});
+            client->set_socket_options([&](socket_t socket) { line.hold(socket); });
+            client->set_connection_timeout(left / untried--);
+            client->set_read_timeout(left);
+            client->set_write_timeout(left);
+
+            Answer coming;
+            httplib::Request request;
+            request.method = call.method;
+            request.path = url.path;
+            request.headers = call.headers;
+            request.body = call.body;
+            request.content_receiver = [&](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
+                if (coming.text.size() + size > mosttext) return false;
+                coming.text.append(data, size);
+                return true;
+            };
+            httplib::Response response;
+            auto error = httplib::Error::Success;
+            const bool came = client->send(request, response, error);
+            line.letgo();
+            // A text without a length ends where the connection does, and so where it was cut.
+            if (came && !line.wascut()) {
+                coming.status = response.status;
+                coming.location = response.get_header_value("Location");
+                answer = std::move(coming);
+            }
+            if (isuntrusted(error)) complain_(url.host + ": the certificate does not verify, the call was given up");
+            if (!isunreachable(error)) return;
+        }
+    };
+
+    bool done = false;
+    std::jthread caller([&] {
+        (void)failureof(transfer);
+        const std::lock_guard lock(bell_->mutex);
+        done = true;
+        bell_->rings.notify_all();
+    });
+    std::unique_lock lock(bell_->mutex);
+    while (!bell_->rings.wait_for(lock, look, [&] { return done; })) {
+        if (bell_->stopping || Time::now() >= call.deadline) line.cut();
+    }
+    return answer;
+}
+
+}  // namespace host
