@@ -39,6 +39,12 @@ struct HttpClient::Answer {
     std::string text, location;
 };
 
+struct HttpClient::Destination {
+    const WebUrl& url;
+    const std::string& address;
+    std::chrono::milliseconds time, timetoconnect;
+};
+
 HttpClient::HttpClient(std::string certificates, Complain complain)
     : certificates_(std::move(certificates)), complain_(std::move(complain)), bell_(std::make_shared<Bell>()) {}
 
@@ -117,61 +123,67 @@ bool isunreachable(httplib::Error error) {
 
 }  // namespace
 
-// The addresses of a name are tried in turn, each with its share of the time that is left.
+// Talks to one of the addresses.
+std::optional<HttpClient::Answer> HttpClient::exchange(const Call& call, const Destination& to, WebLine& line,
+                                                       httplib::Error& error) {
+    const auto client = clientfor(to.url, certificates_);
+    client->set_hostname_addr_map({{to.url.host, to.address}});
+    client->set_socket_options([&](socket_t socket) { line.hold(socket); });
+    client->set_connection_timeout(to.timetoconnect);
+    client->set_read_timeout(to.time);
+    client->set_write_timeout(to.time);
+
+    Answer answer;
+    httplib::Request request;
+    request.method = call.method;
+    request.path = to.url.path;
+    request.headers = call.headers;
+    request.body = call.body;
+    request.content_receiver = [&](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
+        if (answer.text.size() + size > mosttext) return false;
+        answer.text.append(data, size);
+        return true;
+    };
+    httplib::Response response;
+    const bool came = client->send(request, response, error);
+    line.letgo();
+    // A text without a length ends where the connection does, and so where it was cut.
+    if (!came || line.wascut()) return {};
+    answer.status = response.status;
+    answer.location = response.get_header_value("Location");
+    return answer;
+}
+
+// The addresses of a name are tried in turn, each with its share of the time that is left to connect.
+std::optional<HttpClient::Answer> HttpClient::tryall(const Call& call, const WebUrl& url,
+                                                     const std::vector<std::string>& addresses, WebLine& line) {
+    auto untried = static_cast<int>(addresses.size());
+    for (const auto& address : addresses) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(call.deadline - Time::now());
+        if (left.count() <= 0 || line.wascut()) break;
+        auto error = httplib::Error::Success;
+        auto answer = exchange(call, {url, address, left, left / untried--}, line, error);
+        if (isuntrusted(error)) complain_(url.host + ": the certificate does not verify, the call was given up");
+        if (answer || !isunreachable(error)) return answer;
+    }
+    return {};
+}
+
 std::optional<HttpClient::Answer> HttpClient::fetch(const Call& call, const WebUrl& url) {
     const auto addresses = lookup(call, url.host);
     if (addresses.empty()) return {};
     WebLine line;
     std::optional<Answer> answer;
-    const auto transfer = [&] {
-        auto untried = addresses.size();
-        for (const auto& address : addresses) {
-            const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(call.deadline - Time::now());
-            if (left.count() <= 0 || line.wascut()) return;
-            const auto client = clientfor(url, certificates_);
-            client->set_hostname_addr_map({{url.host, address}});
-            client->set_socket_options([&](socket_t socket) { line.hold(socket); });
-            client->set_connection_timeout(left / untried--);
-            client->set_read_timeout(left);
-            client->set_write_timeout(left);
-
-            Answer coming;
-            httplib::Request request;
-            request.method = call.method;
-            request.path = url.path;
-            request.headers = call.headers;
-            request.body = call.body;
-            request.content_receiver = [&](const char* data, std::size_t size, std::uint64_t, std::uint64_t) {
-                if (coming.text.size() + size > mosttext) return false;
-                coming.text.append(data, size);
-                return true;
-            };
-            httplib::Response response;
-            auto error = httplib::Error::Success;
-            const bool came = client->send(request, response, error);
-            line.letgo();
-            // A text without a length ends where the connection does, and so where it was cut.
-            if (came && !line.wascut()) {
-                coming.status = response.status;
-                coming.location = response.get_header_value("Location");
-                answer = std::move(coming);
-            }
-            if (isuntrusted(error)) complain_(url.host + ": the certificate does not verify, the call was given up");
-            if (!isunreachable(error)) return;
-        }
-    };
-
     bool done = false;
     std::jthread caller([&] {
-        (void)failureof(transfer);
+        (void)failureof([&] { answer = tryall(call, url, addresses, line); });
         const std::lock_guard lock(bell_->mutex);
         done = true;
         bell_->rings.notify_all();
     });
     std::unique_lock lock(bell_->mutex);
-    while (!bell_->rings.wait_for(lock, look, [&] { return done; })) {
+    while (!bell_->rings.wait_for(lock, look, [&] { return done; }))
         if (bell_->stopping || Time::now() >= call.deadline) line.cut();
-    }
     return answer;
 }
 

@@ -14,7 +14,13 @@
 #include "host/http/weburl.h"
 #include "platform/http.h"
 
+namespace httplib {
+enum class Error;
+}
+
 namespace host {
+
+class WebLine;
 
 class HttpClient : public platform::Http {
 public:
@@ -37,10 +43,15 @@ private:
     struct Bell;
     struct Call;
     struct Answer;
+    struct Destination;
 
     bool call(Call&& call, const std::string& url, int& status, std::string& result, int timeoutSeconds);
     [[nodiscard]] std::vector<std::string> lookup(const Call& call, const std::string& name);
     [[nodiscard]] std::optional<Answer> fetch(const Call& call, const WebUrl& url);
+    [[nodiscard]] std::optional<Answer> tryall(const Call& call, const WebUrl& url,
+                                               const std::vector<std::string>& addresses, WebLine& line);
+    [[nodiscard]] std::optional<Answer> exchange(const Call& call, const Destination& to, WebLine& line,
+                                                 httplib::Error& error);
 
     const std::string certificates_;
     const Complain complain_;

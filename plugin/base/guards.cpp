@@ -34,6 +34,11 @@ const envelopelines manageenvelope = {"",
                                       LogLevel::info,
                                       "In openmanagesetstateform"};
 const envelopelines banenvelope = {runtimeline, faultline, "", updateline, LogLevel::info, "In Auto Update system"};
+const envelopelines updateenvelope = {
+    "",      faultline,     "An error occurred while parsing the update configuration, {}", updateline, LogLevel::info,
+    nullptr, LogLevel::info};
+const envelopelines reportenvelope = {"", faultline, "An error occurred while parsing the testuploaddata, {}",
+                                      "An error was caught during testuploaddata process.", LogLevel::error};
 
 namespace {
 
@@ -71,7 +76,7 @@ kind report(const failure& failed, const envelopelines& lines, std::string_view 
     const char* line = bykind[static_cast<int>(failed.what)];
     const kind told = line != nullptr && *line != '\0' ? failed.what : kind::other;
     if (told == kind::other) line = lines.other;
-    logger.put(told == kind::parser ? lines.parserlevel : LogLevel::error,
+    logger.put(told == kind::parser ? lines.parserlevel : lines.level,
                fmt::vformat(line, fmt::make_format_args(failed.text, place)));
     return told;
 }

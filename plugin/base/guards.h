@@ -20,10 +20,11 @@ struct envelopelines {
     const char* other;
     LogLevel parserlevel = LogLevel::info;
     const char* faultplace = nullptr;  // a second line for a fault
+    LogLevel level = LogLevel::error;  // of all other lines
 };
 
 // The usual one, and the words of the bodies that have their own.
-extern const envelopelines usualenvelope, refreshenvelope, manageenvelope, banenvelope;
+extern const envelopelines usualenvelope, refreshenvelope, manageenvelope, banenvelope, updateenvelope, reportenvelope;
 
 // Runs the body; what it throws is logged and ends it. True when it came through. `place` overrides faultplace.
 bool envelope(const std::function<void()>& body, const char* place = nullptr,

@@ -3,6 +3,7 @@
 #include "platform/schedule.h"
 #include "plugin/base/config.h"
 #include "plugin/economy/economymanager.h"
+#include "plugin/errands/updatecheck.h"
 #include "plugin/frame/command.h"
 #include "plugin/frame/events.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
@@ -24,6 +25,7 @@ void PluginInit() {
     logger.info("欢迎使用 Ordomart 商店系统！");
     logger.info("Welcome to the Ordomart shop system!");
     logger.info("Plugin Version: {}", pluginversion.toString());
+    startupdatecheck();
     RegisterCommands();
     loadconfig(paths::config);
     if (debugmode == 0) debuglogger.consolelevel = 0;

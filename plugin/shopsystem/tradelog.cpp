@@ -6,6 +6,7 @@
 #include "platform/files.h"
 #include "platform/host.h"
 #include "plugin/base/language.h"
+#include "plugin/errands/tradereport.h"
 #include "plugin/shopsystem/itemidentity.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
@@ -23,6 +24,11 @@ std::string logpath(const std::string& xuid, const char* suffix) { return ordoma
 std::string itemtail(const json& record) {
     return (record.at("isenchanted").get<bool>() ? "(enchanted) * " : " * ") +
            std::to_string(record.at("tradecount").get<std::int64_t>());
+}
+
+// Enchanted goods have no market price that would tell anybody anything.
+void report(int type, const json& record) {
+    if (!record.at("isenchanted").get<bool>()) ordomart::uploadtrade(type, record);
 }
 
 // Where a text that was cut at its front begins again with a whole line.
@@ -82,6 +88,7 @@ void sellshop::writetradelog(const json& record) const {
     writeshopline(
         xuid, ".log",
         tradesentence(ownerlang, purchasesentence, record.at("prplayername"), record.at("transmoney"), item, shopname));
+    report(0, record);
 }
 
 void recycleshop::writetradelog(const json& record) const {
@@ -91,6 +98,7 @@ void recycleshop::writetradelog(const json& record) const {
     writeshopline(
         xuid, ".relog",
         tradesentence(ownerlang, recyclesentence, record.at("replayername"), record.at("transmoney"), item, shopname));
+    report(1, record);
 }
 
 }  // namespace shopsystem

@@ -42,12 +42,13 @@ Stage::~Stage() {
 void Stage::start() {
     host::ServerOptions options;
     options.directory = directory_.string();
-    options.module = MODULE_PATH;
+    options.module = setting_.module;
     options.moneylibrary = setting_.llmoney ? LLMONEY_PATH : "none";
     options.language = setting_.language;
     options.manual = true;
     options.quiet = true;
     options.adjust = setting_.adjust;
+    options.certificates = setting_.certificates;
     server_ = std::make_unique<host::Server>(options);
     server_->start();
     server_->world().showschanges = setting_.slotupdates;
@@ -106,33 +107,8 @@ json Stage::shopfile(const std::string& xuid) {
 
 void Stage::writeshop(const std::string& xuid, const json& items, const json& recycleitems, const json& sellextra,
                       const json& recycleextra) const {
-    // A braced list of one record reads as the record itself.
-    const auto rows = [](const json& given) { return given.is_object() ? json::array({given}) : given; };
-    json sell = {{"biditems", nullptr},
-                 {"describe", ""},
-                 {"isopshop", false},
-                 {"items", rows(items)},
-                 {"ownerlang", ""},
-                 {"ownername", ""},
-                 {"salesvolume", 0},
-                 {"sellcount", 0},
-                 {"shopdiscount", nullptr},
-                 {"shopitemicon", ""},
-                 {"shopname", xuid + "'s shop"},
-                 {"shopstate", 0}};
-    json recycles = {{"describe", ""},
-                     {"isopshop", false},
-                     {"ownerlang", ""},
-                     {"ownername", ""},
-                     {"recycleamount", 0},
-                     {"recyclecost", 0},
-                     {"recycleitems", rows(recycleitems)},
-                     {"shopitemicon", ""},
-                     {"shopname", xuid + "'s recycleshop"},
-                     {"shopstate", 0}};
-    sell.update(sellextra);
-    recycles.update(recycleextra);
-    write("plugins/Ordomart/data/" + xuid + ".json", json({{"sell", sell}, {"recycles", recycles}}).dump(4));
+    write("plugins/Ordomart/data/" + xuid + ".json",
+          shopfileof(xuid, items, recycleitems, sellextra, recycleextra).dump(4));
 }
 
 std::string Stage::log() const {
@@ -165,6 +141,37 @@ std::int64_t Stage::money(const std::string& xuid) const {
 }
 
 // ---- records
+
+json shopfileof(const std::string& xuid, const json& items, const json& recycleitems, const json& sellextra,
+                const json& recycleextra) {
+    // A braced list of one record reads as the record itself.
+    const auto rows = [](const json& given) { return given.is_object() ? json::array({given}) : given; };
+    json sell = {{"biditems", nullptr},
+                 {"describe", ""},
+                 {"isopshop", false},
+                 {"items", rows(items)},
+                 {"ownerlang", ""},
+                 {"ownername", ""},
+                 {"salesvolume", 0},
+                 {"sellcount", 0},
+                 {"shopdiscount", nullptr},
+                 {"shopitemicon", ""},
+                 {"shopname", xuid + "'s shop"},
+                 {"shopstate", 0}};
+    json recycles = {{"describe", ""},
+                     {"isopshop", false},
+                     {"ownerlang", ""},
+                     {"ownername", ""},
+                     {"recycleamount", 0},
+                     {"recyclecost", 0},
+                     {"recycleitems", rows(recycleitems)},
+                     {"shopitemicon", ""},
+                     {"shopname", xuid + "'s recycleshop"},
+                     {"shopstate", 0}};
+    sell.update(sellextra);
+    recycles.update(recycleextra);
+    return {{"sell", sell}, {"recycles", recycles}};
+}
 
 std::string snbt(const std::string& item, int count) {
     const auto stack = platform::ItemStack::create(item, count);

@@ -76,6 +76,8 @@ struct Setting {
     std::vector<std::pair<std::string, std::string>> files;  // path, content: there before the start
     std::string language = "en_US";
     bool slotupdates = true;  // off: a client sees what has changed in his slots only when the market shows it
+    std::string module = MODULE_PATH;
+    std::string certificates;  // what calls to web services trust
 };
 
 class Stage {
@@ -117,6 +119,9 @@ private:
     std::vector<std::unique_ptr<Actor>> actors_;
 };
 
+// A shop file with rows as in the file; missing keys get usual values.
+[[nodiscard]] json shopfileof(const std::string& xuid, const json& items, const json& recycleitems = nullptr,
+                              const json& sellextra = json::object(), const json& recycleextra = json::object());
 // One good and one commission, as records of a shop file.
 [[nodiscard]] json good(const std::string& item, int price, int count, const std::string& title = {});
 [[nodiscard]] json commission(const std::string& item, int offer, int wanted, const std::string& title = {});
