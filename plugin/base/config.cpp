@@ -80,6 +80,8 @@ void loadconfig(const std::string& path) {
     }
     const auto text = files.read(path);
     if (!text) {
+        // Somebody's settings that cannot be read just now; the defaults would take their place for good.
+        if (files.exists(path)) throw configerror(path + ": the file is there, but cannot be read");
         logger.warn("Can't open file {},try load default setting...", path);
         writeconfig(path);
         return;

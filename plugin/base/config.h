@@ -1,5 +1,5 @@
 // The settings file. Read once at start, written straight back, so that a file that lacks keys comes out complete.
-// A malformed file or a key of the wrong type throws, with the file untouched.
+// A file that cannot be read or is malformed, and a key of the wrong type, throw, with the file untouched.
 #pragma once
 
 #include <nlohmann/json_fwd.hpp>

@@ -47,4 +47,9 @@ bool onserverstopping(const Event::ServerStoppingEvent&) {
     return true;
 }
 
+bool onserverstopped(const Event::ServerStoppedEvent& event) {
+    globalruntimeshopmanager.keepunsaved(event.unsaved);
+    return true;
+}
+
 }  // namespace ordomart

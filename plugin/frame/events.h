@@ -11,5 +11,6 @@ void RegisterCommands();
 bool onplayerjoin(const Event::PlayerJoinEvent& event);
 bool onplayerleft(const Event::PlayerLeftEvent& event);
 bool onserverstopping(const Event::ServerStoppingEvent& event);
+bool onserverstopped(const Event::ServerStoppedEvent& event);
 
 }  // namespace ordomart

@@ -7,6 +7,7 @@
 #include "plugin/frame/command.h"
 #include "plugin/frame/events.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
+#include "plugin/shopsystem/unsaved.h"
 
 namespace ordomart {
 
@@ -31,10 +32,12 @@ void PluginInit() {
     if (debugmode == 0) debuglogger.consolelevel = 0;
     Logger::setDefaultFile(paths::simpletrade, true);
     bindeconomy();
+    takeinunsaved();
     Schedule::repeat([] { globalruntimeshopmanager.tick(); }, tickperiod);
     Event::EventManager<Event::PlayerLeftEvent>::addEventListener(&onplayerleft);
     Event::EventManager<Event::PlayerJoinEvent>::addEventListener(&onplayerjoin);
     Event::EventManager<Event::ServerStoppingEvent>::addEventListener(&onserverstopping);
+    Event::EventManager<Event::ServerStoppedEvent>::addEventListener(&onserverstopped);
 }
 
 }  // namespace ordomart

@@ -17,6 +17,9 @@ enum shoptype : int { sell = 0, recycle = 1 };
 // Moved by tick and by the save task. There is no 3.
 enum cachestates : std::int32_t { idle = 0, savewanted = 1, queued = 2, saved = 4 };
 
+// A shop that nobody has asked for in so many ticks of the manager is forgotten.
+inline constexpr std::int32_t maxidleticks = 3000;
+
 class baseshop {
 public:
     explicit baseshop(const std::string& xuid = {});

@@ -1,181 +1,101 @@
-// Bringing shops in, and the states by which they are saved and forgotten. A shop that is not in the cache is read
-// completely before its entry is made, so that a broken file leaves no empty shop behind that could be saved over it.
+// Bringing shops in. A shop that is not in the cache is read completely before its entry is made, so that a broken file
+// leaves no empty shop behind that could be saved over it.
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
 #include <stdexcept>
 
 #include "platform/turn.h"
 #include "plugin/shopsystem/brokenshops.h"
-#include "plugin/shopsystem/shoptable.h"
-#include "plugin/shopsystem/taskpool.h"
+#include "plugin/shopsystem/shopsaving.h"
 
 namespace shopsystem {
 
 namespace {
 
 template <class Shop>
-constexpr shoptype sectionof = std::is_same_v<Shop, sellshop> ? shoptype::sell : shoptype::recycle;
-
-template <class Shop>
-Shop readshop(const std::string& xuid) {
-    Shop shop(xuid);
-    const json section = loadshopdata(xuid, sectionof<Shop>);
-    namingsection(xuid, sectionof<Shop>, [&] { shop.loadfromjson(section); });
-    shop.isloaded = true;
-    return shop;
-}
-
-// Sees in a turn to the state of an entry while a save task works on it, whatever way the task ends.
-template <class Shop>
-class saving {
-public:
-    explicit saving(typename shoptable<Shop>::entry& entry) : entry_(entry) {}
-    saving(const saving&) = delete;
-    saving& operator=(const saving&) = delete;
-
-    json look() {
-        const Turn turn;
-        entry_.waiting = false;
-        json section;
-        entry_.shop.savetojson(section);
-        return section;
-    }
-    void ended(bool written) {
-        const Turn turn;
-        if (!written) keepunsaved();
-        entry_.shop.cachestate = saved;
-        finished_ = true;
-        --entry_.tasks;
-    }
-    ~saving() {
-        if (finished_) return;
-        // An exception. The shop stays queued and is not tried again before an orderly stop.
-        const Turn turn;
-        keepunsaved();
-        entry_.waiting = false;
-        --entry_.tasks;
-    }
-
-private:
-    // Not to be forgotten by its age before it is on the disk.
-    void keepunsaved() {
-        entry_.shop.isdirty = true;
-        entry_.shop.idleticks = 0;
-    }
-    typename shoptable<Shop>::entry& entry_;
-    bool finished_ = false;
+struct freshshop {
+    Shop shop;
+    bool isnewfile;
 };
 
 template <class Shop>
-bool writesection(const std::string& xuid, const json& section) {
-    try {
-        saveshopdata(xuid, section, sectionof<Shop>);
-        return true;
-    } catch (const std::runtime_error& e) {  // cannot be read or written at this moment
-        ordomart::logger.error("{}", e.what());
-        return false;
-    } catch (const nlohmann::detail::exception& e) {
-        ordomart::logger.error("The shop is not saved: {}", e.what());
-        throw;
+freshshop<Shop> readshop(const std::string& xuid) {
+    takein(xuid, sectionof<Shop>);
+    freshshop<Shop> fresh{Shop(xuid), false};
+    const auto [content, isnewfile] = loadsection(xuid, sectionof<Shop>);
+    namingsection(xuid, sectionof<Shop>, [&, &content = content] { fresh.shop.loadfromjson(content); });
+    fresh.shop.isloaded = true;
+    fresh.isnewfile = isnewfile;
+    return fresh;
+}
+
+// One kind of shops, and the other kind, with which it shares the files.
+template <class Shop, class Other>
+class shopkind {
+public:
+    shopkind(shoptable<Shop>& shops, shoptable<Other>& otherkind)
+        : saves(shops,
+                [&otherkind](const std::string& xuid) {
+                    const Turn turn;
+                    json section;
+                    if (Other* other = otherkind.find(xuid)) other->savetojson(section);
+                    return section;
+                }),
+          shops_(shops),
+          others_(otherkind) {}
+
+    Shop& get(const std::string& xuid) {
+        if (Shop* shop = touch(xuid)) return *shop;
+        return enter(xuid, readshop<Shop>(xuid));
     }
-}
 
-template <class Shop>
-void enqueuesave(typename shoptable<Shop>::entry& entry) {
-    taskpool.enqueue([&entry] {
-        saving<Shop> save(entry);
-        const json section = save.look();
-        save.ended(writesection<Shop>(entry.key, section));
-    });
-    entry.shop.cachestate = queued;
-    entry.waiting = true;
-    ++entry.tasks;
-}
-
-bool isaged(const baseshop& shop) { return shop.idleticks > maxidleticks && !shop.keepincache; }
-
-void tickidle(baseshop& shop) {
-    if (!shop.keepincache) ++shop.idleticks;
-    if (isaged(shop)) {
-        shop.cachestate = savewanted;
-    } else if (shop.isdirty) {
-        shop.cachestate = savewanted;
-        shop.isdirty = false;
-    }
-}
-
-template <class Shop>
-void tickall(shoptable<Shop>& table) {
-    for (auto place = table.begin(); place != table.end();) {
-        Shop& shop = place->shop;
-        switch (shop.cachestate) {
-            case idle:
-                tickidle(shop);
-                break;
-            case savewanted:
-                enqueuesave<Shop>(*place);
-                break;
-            case saved:
-                if (isaged(shop) && place->tasks == 0) {
-                    place = table.erase(place);
-                    continue;
-                }
-                shop.cachestate = idle;
-                break;
-            default:
-                break;
+    void bring(const std::string& xuid) {
+        {
+            const Turn turn;
+            if (touch(xuid) != nullptr) return;
         }
-        ++place;
-    }
-}
-
-template <class Shop>
-void saveall(shoptable<Shop>& table) {
-    for (auto& entry : table) {
-        Shop& shop = entry.shop;
-        if (entry.waiting || (!shop.isdirty && shop.cachestate != savewanted)) continue;
-        shop.isdirty = false;
-        enqueuesave<Shop>(entry);
-    }
-}
-
-template <class Shop>
-Shop& enter(shoptable<Shop>& table, const std::string& xuid, Shop fresh) {
-    forgetbroken(xuid, sectionof<Shop>);
-    return table.insert(xuid, std::move(fresh));
-}
-
-template <class Shop>
-Shop& get(shoptable<Shop>& table, const std::string& xuid) {
-    Shop* shop = table.find(xuid);
-    if (shop == nullptr) shop = &enter(table, xuid, readshop<Shop>(xuid));
-    shop->idleticks = 0;
-    return *shop;
-}
-
-template <class Shop>
-void bring(shoptable<Shop>& table, const std::string& xuid) {
-    const auto touch = [&] {
-        Shop* shop = table.find(xuid);
-        if (shop != nullptr) shop->idleticks = 0;
-        return shop != nullptr;
-    };
-    {
+        auto fresh = readshop<Shop>(xuid);
         const Turn turn;
-        if (touch()) return;
+        // Another thread may have been faster, and its object may have changed since.
+        if (touch(xuid) == nullptr) enter(xuid, std::move(fresh));
     }
-    Shop fresh = readshop<Shop>(xuid);
-    const Turn turn;
-    // Another thread may have been faster, and its object may have changed since.
-    if (!touch()) enter(table, xuid, std::move(fresh));
-}
+
+    saving<Shop> saves;
+
+private:
+    Shop* touch(const std::string& xuid) {
+        Shop* shop = shops_.find(xuid);
+        if (shop != nullptr) shop->idleticks = 0;
+        return shop;
+    }
+
+    Shop& enter(const std::string& xuid, freshshop<Shop> fresh) {
+        forgetbroken(xuid, sectionof<Shop>);
+        // The file had gone or was emptied under the owner's other shop, which is not in the new one.
+        if (Other* other = others_.find(xuid); other != nullptr && fresh.isnewfile) {
+            other->isdirty = true;
+            other->idleticks = 0;
+        }
+        return shops_.insert(xuid, std::move(fresh.shop));
+    }
+
+    shoptable<Shop>& shops_;
+    shoptable<Other>& others_;
+};
 
 }  // namespace
 
 struct runtimeshopmanager::maps {
-    shoptable<sellshop> sells;
-    shoptable<recycleshop> recycles;
+    shoptable<sellshop> selltable;
+    shoptable<recycleshop> recycletable;
+    shopkind<sellshop, recycleshop> sells{selltable, recycletable};
+    shopkind<recycleshop, sellshop> recycles{recycletable, selltable};
 
+    template <class Work>
+    void each(Work work) {
+        work(sells);
+        work(recycles);
+    }
     template <class Work>
     decltype(auto) oftype(int type, Work work) {
         if (type == shoptype::sell) return work(sells);
@@ -187,27 +107,30 @@ struct runtimeshopmanager::maps {
 runtimeshopmanager::runtimeshopmanager() : maps_(std::make_unique<maps>()) {}
 runtimeshopmanager::~runtimeshopmanager() = default;
 
-sellshop& runtimeshopmanager::getsellshop(const std::string& xuid) { return get(maps_->sells, xuid); }
-recycleshop& runtimeshopmanager::getrecycleshop(const std::string& xuid) { return get(maps_->recycles, xuid); }
+sellshop& runtimeshopmanager::getsellshop(const std::string& xuid) { return maps_->sells.get(xuid); }
+recycleshop& runtimeshopmanager::getrecycleshop(const std::string& xuid) { return maps_->recycles.get(xuid); }
 
 baseshop& runtimeshopmanager::getshop(const std::string& xuid, int type) {
-    return maps_->oftype(type, [&](auto& table) -> baseshop& { return get(table, xuid); });
+    return maps_->oftype(type, [&](auto& kind) -> baseshop& { return kind.get(xuid); });
 }
 
 void runtimeshopmanager::bringin(const std::string& xuid, int type) {
-    maps_->oftype(type, [&](auto& table) { bring(table, xuid); });
+    maps_->oftype(type, [&](auto& kind) { kind.bring(xuid); });
 }
 
 void runtimeshopmanager::tick() {
     const Turn turn;
-    tickall(maps_->sells);
-    tickall(maps_->recycles);
+    maps_->each([](auto& kind) { kind.saves.tick(); });
 }
 
 void runtimeshopmanager::savealldirty() {
     const Turn turn;
-    saveall(maps_->sells);
-    saveall(maps_->recycles);
+    maps_->each([](auto& kind) { kind.saves.saveall(); });
+}
+
+void runtimeshopmanager::keepunsaved(std::vector<std::string>& unsaved) {
+    const Turn turn;
+    maps_->each([&](auto& kind) { kind.saves.keepall(unsaved); });
 }
 
 // The pool after the manager, so that it is destroyed first: what is still queued then finds its shops.

@@ -4,14 +4,13 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
 #include "plugin/shopsystem/shopfiles.h"
 
 namespace shopsystem {
-
-inline constexpr std::int32_t maxidleticks = 3000;
 
 class runtimeshopmanager {
 public:
@@ -29,8 +28,10 @@ public:
     void bringin(const std::string& xuid, int type);
     // One pass over both maps, each second, on the server thread; touches no file.
     void tick();
-    // Orderly stop: enqueues a save of whatever has not reached its file.
+    // Orderly stop: enqueues a save of whatever has not reached its file. As often as something may have changed.
     void savealldirty();
+    // The end of it: keeps aside what could not be saved, with a line for each.
+    void keepunsaved(std::vector<std::string>& unsaved);
 
 private:
     struct maps;

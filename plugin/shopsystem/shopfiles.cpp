@@ -30,12 +30,16 @@ std::mutex& gate(const std::string& xuid) {
 
 // What stands on the disk: nothing without a file, null in an empty one.
 std::optional<json> readdocument(const std::string& xuid) {
-    const auto text = host().files->read(shopfile(xuid));
-    if (!text) {
-        // A file that is there, but cannot be opened just now, must not be taken for a missing one and replaced.
-        if (host().files->exists(shopfile(xuid))) throw std::runtime_error("Can't read file " + shopfile(xuid));
-        return std::nullopt;
+    const Files& files = *host().files;
+    const auto path = shopfile(xuid);
+    auto text = files.read(path);
+    // It may have been made just now. One that is there, but cannot be opened, must not be taken for a missing one and
+    // replaced.
+    if (!text && files.exists(path)) {
+        text = files.read(path);
+        if (!text) throw std::runtime_error("Can't read file " + path);
     }
+    if (!text) return std::nullopt;
     json document;
     // As a stream, since text behind the first complete value is ignored.
     if (!text->empty()) namingfile(xuid, [&] { std::istringstream(*text) >> document; });
@@ -120,20 +124,20 @@ loadedsection loadsection(const std::string& xuid, int section) {
     });
 }
 
-void saveshopdata(const std::string& xuid, const json& value, int section, const knownsection& known) {
+void saveshopdata(const std::string& xuid, const json& value, int section, const std::function<json()>& other) {
     const char* const otherkey = sectionkey(1 - section);
-    json other;
-    for (bool isasked = !known || otherkey == nullptr;; isasked = true) {
+    json known;
+    for (bool isasked = !other || otherkey == nullptr;; isasked = true) {
         {
             const std::lock_guard alone(gate(xuid));
             auto document = readdocument(xuid);
             if (isasked || stands(document, otherkey)) {
-                if (writedocument(xuid, changed(xuid, std::move(document), section, value, std::move(other)))) return;
+                if (writedocument(xuid, changed(xuid, std::move(document), section, value, std::move(known)))) return;
                 throw std::runtime_error("Can't write file " + shopfile(xuid));
             }
         }
         // Not at the gate: it takes a turn, and whoever has the turn may be waiting there.
-        other = known(1 - section);
+        known = other();
     }
 }
 

@@ -50,11 +50,11 @@ struct loadedsection {
 };
 [[nodiscard]] loadedsection loadsection(const std::string& xuid, int section);
 
-// Replaces one section and keeps the other as it stands on the disk. Where nothing stands there any more, the other one
-// is what `known` gives for it, and that of a new file when this is null, which is told. Throws shopfileerror for
-// a file that does not parse, std::runtime_error for one that cannot be read or written; it is untouched then.
-using knownsection = std::function<json(int section)>;
-void saveshopdata(const std::string& xuid, const json& value, int section, const knownsection& known = {});
+// Replaces one section and keeps the other as it stands on the disk. Where it does not stand there any more, it is what
+// `other` gives; when this is null and the file has gone or is empty, it begins anew, which is told. Throws
+// shopfileerror for a file that does not parse, std::runtime_error for one that cannot be read or written, both with
+// the file untouched.
+void saveshopdata(const std::string& xuid, const json& value, int section, const std::function<json()>& other = {});
 void writedefaultshopfile(const std::string& xuid);
 
 // The owner keys of all shop files, in listing order: the names that end in ".json", without it, so that the name

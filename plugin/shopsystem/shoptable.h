@@ -3,6 +3,7 @@
 // known for the run, so that a form from before fits none that is read later.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <list>
 #include <string>
@@ -21,6 +22,29 @@ struct keyhash {
     }
 };
 
+// When a save that failed is tried again: after 1, 2, 4 ... ticks, and from then on once a minute.
+class retries {
+public:
+    // True when this is a new reason.
+    bool failed(const std::string& why) {
+        pause_ = std::clamp(2 * pause_, 1, longest);
+        left_ = pause_;
+        return std::exchange(why_, why) != why;
+    }
+    // True when it had failed before.
+    bool worked() { return !std::exchange(*this, {}).why_.empty(); }
+    [[nodiscard]] bool waits() const { return left_ > 0; }
+    // One tick passes; true when it is time.
+    bool isdue() { return --left_ == 0; }
+    // Why the last save failed; empty when it worked.
+    [[nodiscard]] const std::string& why() const { return why_; }
+
+private:
+    static constexpr int longest = 60;
+    std::string why_;
+    int pause_ = 0, left_ = 0;
+};
+
 template <class Shop>
 class shoptable {
 public:
@@ -29,6 +53,7 @@ public:
         Shop shop;
         int tasks = 0;         // save tasks that have not ended
         bool waiting = false;  // one of them has yet to look at the shop
+        retries saves = {};
     };
     using iterator = typename std::list<entry>::iterator;
 
@@ -39,7 +64,7 @@ public:
     // One revision beyond the last of a shop that has been here before: the file may have been changed by hand
     // meanwhile.
     Shop& insert(const std::string& key, Shop shop) {
-        if (const auto left = lastrevisions_.find(key); left != lastrevisions_.end()) shop.revision = left->second + 1;
+        if (const auto last = lastrevisions_.find(key); last != lastrevisions_.end()) shop.revision = last->second + 1;
         entries_.push_back({key, std::move(shop)});
         places_.emplace(entries_.back().key, std::prev(entries_.end()));
         return entries_.back().shop;

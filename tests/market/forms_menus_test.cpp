@@ -65,6 +65,7 @@ struct Locked : platform::Files {
         return disk->readtail(path, most);
     }
     bool replace(const std::string& path, std::string_view text) override { return disk->replace(path, text); }
+    bool remove(const std::string& path) override { return disk->remove(path); }
     std::vector<std::string> list(const std::string& directory) const override { return disk->list(directory); }
 };
 

@@ -16,7 +16,7 @@ class MemoryFiles : public platform::Files {
 public:
     std::map<std::string, std::string> contents;
     std::set<std::string> directories;
-    bool writable = true;
+    bool writable = true, removable = true;
 
     bool exists(const std::string& path) const override {
         return contents.contains(path) || directories.contains(path);
@@ -39,7 +39,7 @@ public:
         return writable;
     }
     bool remove(const std::string& path) override {
-        if (writable) contents.erase(path);
+        if (removable) contents.erase(path);
         return !contents.contains(path);
     }
     std::vector<std::string> list(const std::string&) const override { return {}; }

@@ -1,6 +1,9 @@
-// Which discounts apply and what they do to odd numbers, bans that end, and texts that are no item.
+// Which discounts apply and what they do to odd numbers, what is broken and left out, bans that end, and texts that are
+// no item.
 #include <gtest/gtest.h>
 
+#include "plugin/base/language.h"
+#include "plugin/shopsystem/brokenshops.h"
 #include "plugin/shopsystem/itemidentity.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
@@ -33,23 +36,74 @@ TEST(Discounts, ChangeThePriceOfTheirTag) {
     };
     for (const auto& c : cases) {
         shopitem item{.shopitemtag = "fruit", .price = c.price};
-        applydiscount(item, c.discounts);
+        EXPECT_TRUE(applydiscount(item, c.discounts)) << c.name;
         EXPECT_EQ(item.realprice, c.realprice) << c.name;
     }
 }
 
-TEST(Discounts, TheSummaryRemovesTheLapsed) {
+// Prices and front page go on without the broken ones, and the lapsed go.
+TEST(Discounts, TheBrokenAreLeftOutAndToldOnce) {
     const ShopHost host;
+    const auto live = host.clock.seconds + 90;
     sellshop shop("summary");
-    for (const int seconds : {-1, 90, -5})
-        shop.shopdiscount.push_back({{"shopitemtag", "t" + std::to_string(seconds)},
-                                     {"discount", "%80"},
-                                     {"timeend", host.clock.seconds + seconds}});
-    EXPECT_EQ(shop.getdiscountsummary().substr(0, 4), "\n§f");
-    EXPECT_NE(shop.getdiscountsummary().find("§b】§r§ft90 : %80  §890"), std::string::npos);
-    EXPECT_EQ(shop.shopdiscount.size(), 1U);
-    EXPECT_EQ(shop.revision, 2);
+    shop.items = {{{"shopitemtag", "fruit"}, {"price", 100}}};
+    shop.shopdiscount = {{{"shopitemtag", "fruit"}, {"discount", ""}, {"timeend", live}},
+                         {{"shopitemtag", "fruit"}, {"discount", "-7"}},
+                         {{"shopitemtag", "fruit"}, {"discount", "-7"}, {"timeend", 1e300}},
+                         {{"shopitemtag", "fruit"}, {"discount", 7}, {"timeend", live}},
+                         {{"shopitemtag", "old"}, {"discount", ""}, {"timeend", live - 91}},
+                         {{"discount", "-7"}, {"timeend", live}},
+                         "-7",
+                         {{"shopitemtag", "old"}, {"discount", "-7"}, {"timeend", live - 99}},
+                         {{"shopitemtag", "fruit"}, {"discount", "%80"}, {"timeend", live}}};
+    const auto told = [&](const std::string& what) {
+        return host.told(ShopHost::path("summary") + ": sell.shopdiscount[" + what + "; it is left out");
+    };
+    for (const int lines : {1, 1, 2}) {
+        if (lines == 2) shop.markshopchanged();
+        EXPECT_EQ(shop.getglobalshopitem(0).realprice, 80);
+        for (const char* what : {"0].discount: must be a text that is not empty", "1].timeend: must be a whole number",
+                                 "2].timeend: must be a whole number", "3].discount: must be a text that is not empty",
+                                 "5].shopitemtag: must be a text", "6].timeend: must be a whole number"})
+            EXPECT_EQ(told(what), lines) << what;
+        EXPECT_EQ(told("4].discount: must be a text that is not empty"), 0) << "has lapsed";
+    }
+    EXPECT_EQ(shop.getdiscountsummary(),
+              "\n§f§r§o§b【§a" + ordomart::tr("", "shop.sales") + "§b】§r§ffruit : %80  §890");
+    EXPECT_EQ(shop.shopdiscount.size(), 7U);
+    EXPECT_EQ(shop.revision, 3U);
     EXPECT_TRUE(shop.isdirty);
+}
+
+TEST(BrokenRecords, CountForNothingAndAreToldOnce) {
+    const ShopHost host;
+    sellshop sells("broken");
+    recycleshop buys("broken");
+    for (int i = 0; i < 12; ++i) {
+        sells.items.push_back({{"shopitemleftnum", i == 0 ? json(0) : json(0.5)}});
+        buys.recycleitems.push_back(i == 0 ? json("?") : json({{"recycleitemleftwanna", 0}}));
+    }
+    for (const int times : {1, 1, 2}) {
+        if (times == 2) sells.markshopchanged();
+        EXPECT_TRUE(sells.issoldout() && buys.isfulfilled());
+        EXPECT_EQ(host.told("sell.items["), 9 * times) << "the first eight, and that there is more";
+        EXPECT_EQ(host.told("There is more"), times);
+        EXPECT_EQ(host.told("recycles.recycleitems[0]: is no record, but string; it is left out"), 1);
+    }
+    sells.items.push_back({{"shopitemleftnum", 1}});
+    buys.recycleitems.push_back({{"recycleitemleftwanna", -1}});
+    EXPECT_FALSE(sells.issoldout() || buys.isfulfilled());
+
+    const auto tell = [&](const char* fault) {
+        reportbroken("nofile", sell, fault);
+        return host.told(fault);
+    };
+    EXPECT_EQ(tell("cut"), 1);
+    EXPECT_EQ(tell("cut"), 1);
+    EXPECT_EQ(tell("torn"), 1);
+    EXPECT_EQ(tell("cut"), 2) << "another state of the file";
+    forgetbroken("nofile", sell);
+    EXPECT_EQ(tell("cut"), 3) << "broken again behind a time without fault";
 }
 
 TEST(Ban, TheLoadLiftsItASecondBeforeTheQuery) {

@@ -5,11 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/background.h"
@@ -25,6 +27,15 @@ using nlohmann::json;
 
 class ListedFiles : public MemoryFiles {
 public:
+    mutable std::map<std::string, int> reads;     // how often each file was read
+    mutable std::function<void()> behindtheread;  // happens once, before whoever reads goes on
+
+    std::optional<std::string> read(const std::string& path) const override {
+        ++reads[path];
+        auto text = MemoryFiles::read(path);
+        if (behindtheread) std::exchange(behindtheread, nullptr)();
+        return text;
+    }
     std::vector<std::string> list(const std::string& directory) const override {
         std::vector<std::string> names;
         for (const auto& [path, content] : contents)
