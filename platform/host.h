@@ -23,11 +23,8 @@ class ItemRegistry;
 class Level;
 class Scoreboard;
 class KnownPlayers;
-<<<<<<< HEAD
-class StoreState;
-=======
 class Http;
->>>>>>> 8d8f093 (Platform: calls to web services; the host fulfils them, bounded in time and size, and ends them when it stops)
+class StoreState;
 
 class Properties {
 public:
