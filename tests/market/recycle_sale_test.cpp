@@ -160,7 +160,9 @@ TEST(RecycleSale, TakesFromSlotToSlotUntilNothingIsWanted) {
         {"an emptied slot", !op, 200, {64, 30, 5}, {4, ""}, 69, "apple*64 apple*5 ", ""},
         {"a shrunk slot", !op, 200, {64, 30, 5}, {3, "apple", 2}, 37, "apple*2 apple*30 apple*5 ", ""},
         {"a grown slot", !op, 200, {0, 30, 5}, {35, "apple", 9}, 35, "apple*30 apple*5 ", "3:64 35:4 "},
-        {"another item by now", !op, 200, {0, 30, 5}, {4, "stone", 12}, 17, "stone*12 apple*5 ", "3:64 "},
+        {"another item by now", !op, 200, {0, 30, 5}, {4, "stone", 64}, 5, "apple*5 ", "3:64 4:64 "},
+        {"nothing but another item", !op, 200, {0, 30, 0}, {4, "dirt", 64}, 0, "", "3:64 4:64 35:5 "},
+        {"nor for an operator", op, 200, {0, 30, 5}, {4, "dirt", 64}, 5, "", "3:64 4:64 "},
         {"an operator's shop", op, 2, {64, 1, 0}, {}, 65, "", "4:29 35:5 "},
         {"an operator wants less than none", op, -1, {64, 30, 5}, {}, 0, "", "3:64 4:30 35:5 "},
     };
@@ -174,8 +176,12 @@ TEST(RecycleSale, TakesFromSlotToSlotUntilNothingIsWanted) {
         picks(alice, c.name);
         EXPECT_EQ(alice.formtext().find("§f§r§o§6【OPSHOP】§f§r\n") != std::string::npos, c.isop);
         puts(stage, alice, c.meanwhile.slot, c.meanwhile.item, c.meanwhile.count);
-        alice.fills({{"Slot No.3§r", c.asked[0]}, {"Slot No.4§r", c.asked[1]}, {"Slot No.35§r", c.asked[2]}});
+        alice.forgets().fills({{"Slot No.3§r", c.asked[0]}, {"Slot No.4§r", c.asked[1]}, {"Slot No.35§r", c.asked[2]}});
         EXPECT_EQ(alice.money(), c.pieces * 7);
+        const bool junk = !std::string("apple").starts_with(c.meanwhile.item);
+        EXPECT_EQ(alice.chat(),
+                  junk ? "Some of the slots hold something else by now. Nothing was taken from them." : "");
+        EXPECT_EQ(alice.form().is_null(), junk && c.pieces == 0);
         std::string left;
         for (const int slot : slots) {
             if (const auto has = alice.has(slot); !has.empty())
