@@ -153,3 +153,17 @@ TEST(Search, LooksAtNamesAlwaysAndElsewhereWhenTold) {
         rests(stage);
     }
 }
+
+// The refused one narrows nothing, and does not take away what the one before it was to narrow.
+TEST(Search, OneThatOpensNoListLeavesNothingBehind) {
+    Stage stage;
+    stage.writeshop(bob, rubies(), {commission("bread", 3, 5, "ruby bread"), commission("apple", 3, 5)});
+    Actor& alice = stage.join("Alice", ada);
+    alice.types("ordomart search sell ruby true true");
+    alice.types("ordomart search recycle nothing");
+    EXPECT_EQ(alice.chat(), " Execution times are too frequent ");
+    stage.ticks(6);
+    EXPECT_EQ(chestrows(alice), "apple bread stone ");
+    alice.closes();
+    EXPECT_EQ(formrows(alice, "Recycle shops"), "ruby bread apple ");
+}

@@ -1,5 +1,8 @@
 // The operators' tools: bans and what they do to lists and open forms, the list of shops to manage, and the switch to
 // the system shop.
+#include "platform/host.h"
+#include "platform/level.h"
+#include "plugin/shopsystem/playershopstate.h"
 #include "tests/market/forms_stage.h"
 
 using namespace forms;
@@ -105,6 +108,33 @@ TEST(Manage, TheListOfShopsAndTheOwnEntryThatEndsIt) {
     EXPECT_TRUE(admin.form().is_null());
     EXPECT_NE(stage.log().find("[Ordomart][error] find null json in datajson! at openmanagesetstateform"),
               std::string::npos);
+}
+
+// Who was an operator when he chose, and is none any more.
+TEST(Manage, WhoLosesHisRightsKeepsNobodysShop) {
+    Stage stage;
+    stage.writeshop(bob, nullptr);
+    stage.writeshop(root, nullptr);
+    Actor& admin = stage.join("Root", root, "en_US", desktop, 1);
+    const auto may = [&](int level) { stage.onserver([&] { stage.server().world().setpermission("Root", level); }); };
+    admin.types("ordomart manage");
+    may(0);
+    admin.answers({0});
+    EXPECT_EQ(admin.toasts(), "SYSTEM: you don't have this permission");
+    may(1);
+    switches(admin);
+    EXPECT_EQ(admin.toasts(), switchon) << "it was nobody's shop";
+
+    // At each look, and for good.
+    stage.onserver([&] {
+        const auto* player = platform::host().level->getPlayerByXuid(root);
+        shopsystem::getplayershopstate(root).manage(bob);
+        EXPECT_EQ(shopsystem::effectiveshop(player), bob);
+        stage.server().world().setpermission("Root", 0);
+        EXPECT_EQ(shopsystem::effectiveshop(player), root);
+        stage.server().world().setpermission("Root", 1);
+        EXPECT_EQ(shopsystem::effectiveshop(player), root);
+    });
 }
 
 TEST(SystemShopSwitch, TurnsOnAndOffAndStaysInItsMenu) {

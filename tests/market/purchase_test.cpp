@@ -116,9 +116,19 @@ TEST(Purchase, WhatCannotBeBoughtLeavesEverythingAsItWas) {
         alice.forgets().fills({{"quantity", one.quantity}});
         unchanged(one.told, one.money);
     }
-    picks(alice, "apple");
-    alice.forgets().dies().fills({{"quantity", "1"}});
-    unchanged("Dead people don't have permission to perform any operations!", 20);
+    // The dead at each dialogue on the way: the menu, the list, the form.
+    const std::function<void()> steps[] = {[&] { alice.presses("Selling shops (form)"); },
+                                           [&] { alice.presses("apple"); },
+                                           [&] {
+                                               alice.fills({{"quantity", "1"}});
+                                           }};
+    for (std::size_t died = 0; died < std::size(steps); ++died) {
+        alice.revives().dismisses().types("ordomart formmenu");
+        for (std::size_t step = 0; step < died; ++step) steps[step]();
+        alice.forgets().dies();
+        steps[died]();
+        unchanged("Dead people don't have permission to perform any operations!", 20);
+    }
     picks(alice.revives().forgets(), "Gem");
     unchanged("catch checkrawitemvalid error: maybe your shopping item is from a mod that not installed in your server",
               20);
@@ -128,6 +138,8 @@ TEST(Purchase, WhatCannotBeBoughtLeavesEverythingAsItWas) {
     alice.setmoney(100);
     buys(alice, "apple", " 4 apples");
     EXPECT_EQ(alice.has(0), "minecraft:apple*4") << "typed digits count up to the first letter";
+    alice.forgets().dies().presses("Continue");
+    EXPECT_TRUE(alice.form().is_null() && alice.chat().starts_with("Dead people")) << "in the result, too";
 }
 
 TEST(Purchase, AnOldFormAndAnOldListAreTurnedAway) {

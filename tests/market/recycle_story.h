@@ -1,7 +1,8 @@
 // Steps of a story of commissions, and the books that are held against the world behind each of them. Three owners and
-// an operator publish, adjust and pick up, sell with forms of every age, die, leave and run their inventories full; the
-// shops are saved, forgotten and read again. The model is that of this program and not of the module beside it, since
-// not all of its operations have a menu; forms, players, money and files are the server's.
+// an operator publish, adjust and pick up, sell with forms of every age, die, leave and run their inventories full; now
+// and then whoever keeps the money refuses; the shops are saved, forgotten and read again. The model is that of this
+// program and not of the module beside it, since not all of its operations have a menu; forms, players, money and files
+// are the server's.
 #pragma once
 
 #include <fmt/format.h>
@@ -18,6 +19,7 @@
 #include "plugin/forms/openers.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/trade/commissions.h"
+#include "tests/market/faultymoney.h"
 #include "tests/stage/stage.h"
 
 namespace recycling {
@@ -36,6 +38,8 @@ struct step {
     int place = 0, a = 0, b = 0, c = 0;
 };
 
+// Whoever keeps the money refuses during the step.
+inline bool isrefused(const step& s) { return s.b % 16 == 12; }
 // A form from before the shop's last change.
 inline bool isold(const step& s) { return s.c % 8 == 7; }
 
@@ -95,7 +99,11 @@ class Story {
 public:
     std::map<std::string, int> happened;
 
-    explicit Story(bool llmoney) : llmoney_(llmoney), stage_({.llmoney = llmoney}), actors_(players), books_(players) {
+    explicit Story(bool llmoney)
+        : llmoney_(llmoney),
+          stage_({.llmoney = llmoney, .adjust = faulty_.adjust()}),
+          actors_(players),
+          books_(players) {
         static std::size_t count = 0;
         ordomart::maxfreeslot = freeslots;
         ordomart::extraslotcost = slotcost;
@@ -133,7 +141,11 @@ public:
         }
         if (s.what == act::away || s.what == act::save || s.what == act::forget) return keeps(s);
         if (actors_[s.who] == nullptr) return {};
+        bool refused = false;
+        faulty::refuses = [&](std::string_view) { return refused |= isrefused(s), isrefused(s); };
         const auto result = trades(s);
+        faulty::refuses = nullptr;
+        if (refused) ++happened["money refused"];
         const picture before = std::exchange(now_, look());
         return wrong(s, before, result);
     }
@@ -236,8 +248,6 @@ private:
             if (s.what == act::publish) {
                 const shopsystem::publishrules rules[] = {shopsystem::formpublish, shopsystem::chestslotpublish,
                                                           shopsystem::chestcreativepublish};
-                // The library refuses to take less than nothing, and the record is published all the same.
-                if (llmoney_) wish.recycleitemleftwanna = std::max(wish.recycleitemleftwanna, 0);
                 int slot = s.place;  // sometimes the template of an empty slot
                 while (s.b % 8 != 0 && slot < 35 && who->getSupplies().getItem(slot).isNull()) ++slot;
                 wish.itemnbt = shopsystem::itemtosnbtasis(who->getSupplies().getItem(slot));
@@ -354,6 +364,7 @@ private:
         bool plain = true;
     };
 
+    faulty::Money faulty_;
     const bool llmoney_;
     const std::int32_t usualfreeslots_ = ordomart::maxfreeslot, usualslotcost_ = ordomart::extraslotcost;
     stage::Stage stage_;

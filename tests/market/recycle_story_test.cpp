@@ -69,7 +69,8 @@ void tellalongstory(bool llmoney) {
     const auto fails = [&](std::vector<step>& steps) {
         Story story(llmoney);
         fault = tell(story, steps);
-        for (const char* what : {"publish", "adjust", "end", "pickup", "sale", "sale to an operator", "refused"})
+        for (const char* what :
+             {"publish", "adjust", "end", "pickup", "sale", "sale to an operator", "refused", "money refused"})
             EXPECT_TRUE(!fault.empty() || steps.size() < 2000 || story.happened[what] > 0) << "never: " << what;
         return !fault.empty();
     };

@@ -2,10 +2,14 @@
 // program and not of the module beside it; the players, their inventories and scores are the server's.
 #include <fmt/format.h>
 
+#include <limits>
+
 #include "platform/host.h"
 #include "platform/level.h"
+#include "plugin/economy/economymanager.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/trade/commissions.h"
+#include "tests/market/faultymoney.h"
 #include "tests/stage/stage.h"
 
 using namespace shopsystem;
@@ -15,12 +19,20 @@ namespace {
 
 // A player and an operator in scoreboard mode, and one shop after the other with whatever records.
 struct Scene {
-    Stage stage{Setting{.llmoney = false}};
+    Stage stage;
     ::stage::Actor& ada = stage.join("Ada", "2535400000000001");
     ::stage::Actor& olga = stage.join("Olga", "2535400000000009", "en_US", 7, 1);
     std::string owner;
 
-    Scene() { ordomart::moneymode = 0; }
+    explicit Scene(std::function<void(platform::Host&)> adjust = {})
+        : stage(Setting{.llmoney = false, .adjust = std::move(adjust)}) {
+        ordomart::moneymode = 0;
+    }
+    void clears(const ::stage::Actor& actor) {
+        stage.onserver([&] {
+            for (int slot = 0; slot < 36; ++slot) stage.server().world().setitem(actor.who().name, slot, {});
+        });
+    }
     ::stage::Actor& who(int permission) { return permission == 0 ? ada : olga; }
     // Owner keys are used once, since the cache outlives the stage.
     void opens(const std::string& key, const json& recycleitems, const json& extra = json::object()) {
@@ -76,8 +88,10 @@ TEST(Commissions, PublishingTakesDepositAndFee) {
         {"ban behind the fee", chestcreativepublish, 37, banned, 0, 10, 5, 500, refusal::banned, 0, 500},
         {"for nothing", chestslotpublish, 0, open, 0, 0, 5, 0, ok, 0, 0},
         {"no count in the chest", chestslotpublish, 0, open, 0, 10, 0, 90, refusal::badnumbers, 0, 90},
-        {"no count in the form", formpublish, 0, open, 0, 10, 0, 90, ok, 0, 90},
-        {"a count below none in the form", formpublish, 0, open, 0, 10, -3, 90, ok, -30, 120},
+        {"no count in the form", formpublish, 0, open, 0, 10, 0, 90, refusal::badnumbers, 0, 90},
+        {"a count below none", formpublish, 0, open, 0, 10, -3, 90, refusal::badnumbers, 0, 90},
+        {"nor in the chest", chestcreativepublish, 0, open, 0, 10, -3, 90, refusal::badnumbers, 0, 90},
+        {"nor an operator's", formpublish, 0, open, 1, 10, -3, 0, refusal::badnumbers, 0, 0},
         {"offer too high", formpublish, 0, open, 0, 100000000, 0, 90, refusal::badnumbers, 0, 90},
         {"offer below none", formpublish, 0, open, 0, -1, 1, 90, refusal::badnumbers, 0, 90},
         {"count too high", formpublish, 0, open, 0, 0, 1000000000, 90, refusal::badnumbers, 0, 90},
@@ -120,6 +134,45 @@ TEST(Commissions, PublishingTakesDepositAndFee) {
         scene.ada, [&](ServerPlayer* player) { return publishcommission(player, scene.owner, {}, formpublish); });
     EXPECT_EQ(result.why, refusal::feeshort);
     ordomart::extraslotcost = usual;
+}
+
+TEST(Commissions, SumsAboveThirtyTwoBits) {
+    constexpr std::int64_t all = 99999999LL * 999999999;
+    Stage stage;
+    ::stage::Actor& ada = stage.join("Ada", "2535400000000001").setmoney(all + 7);
+    stage.writeshop("above", nullptr);
+    recycleshopitem wish{.recycleitemname = "wish",
+                         .itemnbt = snbt("apple"),
+                         .recycleitemleftwanna = 999999999,
+                         .offer = 99999999,
+                         .allowbesearched = true};
+    const auto does = [&](auto operation) {
+        stage.onserver([&] {
+            ordomart::moneymode = 1;
+            ordomart::bindeconomy();
+            operation(platform::host().level->getPlayerByXuid(ada.xuid()));
+        });
+    };
+    does([&](ServerPlayer* player) { EXPECT_EQ(publishcommission(player, "above", wish, formpublish).charged, all); });
+    EXPECT_EQ(ada.money(), 7);
+    EXPECT_NE(stage.file("plugins/Ordomart/simpletrade.log").find(fmt::format("pay {}LLmoney to SYSTEM", all)),
+              std::string::npos);
+    does([&](ServerPlayer* player) {
+        auto& shop = globalruntimeshopmanager.getrecycleshop("above");
+        player->getSupplies().setItem(3, platform::ItemStack::create("apple", 64));
+        const auto taken = takeinitems(player, shop, 0, shop.getrecycleitem(0), {{3, 64}}, {64});
+        EXPECT_EQ(taken.received, 64 * 99999999LL);
+        EXPECT_EQ(shop.recyclecost, static_cast<std::int32_t>(64 * 99999999LL)) << "the counter wraps";
+    });
+    EXPECT_EQ(ada.money(), 7 + 64 * 99999999LL);
+    EXPECT_NE(stage.file("plugins/Ordomart/log/above.relog").find("Player Ada gain 6399999936 for"), std::string::npos);
+    wish.recycleitemleftwanna = 0;
+    does([&](ServerPlayer* player) {
+        EXPECT_EQ(adjustcommission(player, "above", 0, globalruntimeshopmanager.getrecycleshop("above").revision, wish)
+                      .received,
+                  all - 64 * 99999999LL);
+    });
+    EXPECT_EQ(ada.money(), all + 7);
 }
 
 TEST(Commissions, AdjustingMovesTheDifference) {
@@ -180,25 +233,117 @@ TEST(Commissions, AdjustingMovesTheDifference) {
     }
 }
 
-TEST(Commissions, PickingUpEmptiesTheStore) {
-    json full = commission("apple", 10, 0);
-    full["nowhasrecyclenum"] = 72;
-    full["recycleditemnbtlist"] = {applestext(64), "{Name:\"addon:gone\",Count:3b}", applestext(5)};
-    Scene scene;
-    scene.opens("pickup", full);
-    const auto picks = [&](int index, int revision) {
-        return scene.does(scene.ada, [&](ServerPlayer* player) {
-            return pickupcommission(player, scene.owner, index, static_cast<std::uint32_t>(revision));
-        });
+// What this server cannot make stays in the record, whatever is done; the rest is handed over whole.
+TEST(Commissions, WhatCannotBeHandedOverStays) {
+    const std::string gone = "{Name:\"addon:gone\",Count:3b}", torn = "{Name:\"minecraft:apple\",Cou";
+    const auto apples = [](const char* count) { return fmt::format("{{Name:\"minecraft:apple\",Count:{}}}", count); };
+    using List = std::vector<std::string>;
+    const struct {
+        const char* name;
+        List stored;
+        int counted;  // nowhasrecyclenum
+        int given;
+        List kept;
+        int left;  // nowhasrecyclenum behind it
+    } cases[] = {
+        {"all of it", {apples("64b"), apples("5b")}, 69, 69, {}, 0},
+        {"nothing", {}, 0, 0, {}, 0},
+        {"not what is gone", {apples("64b"), gone, apples("5b")}, 72, 69, {gone}, 3},
+        {"not what cannot be read", {torn, apples("5b")}, 9, 5, {torn}, 4},
+        {"neither", {gone, torn, apples("1b")}, 8, 1, {gone, torn}, 7},
+        {"a torn text that was not counted", {gone, torn, apples("1b")}, 4, 1, {gone, torn}, 3},
+        {"a wrong count is put right", {gone, apples("1b")}, 90, 1, {gone}, 3},
+        {"above a byte's sign", {apples("-56b")}, 200, 200, {}, 0},
+        {"above a byte", {apples("300s"), apples("400"), apples("500l")}, 1200, 1200, {}, 0},
+        {"without a count", {"{Name:\"minecraft:apple\"}", apples("0b"), apples("-5")}, 1, 1, {}, 0},
     };
+    Scene scene;
+    for (const bool ending : {false, true})
+        for (const auto& c : cases) {
+            SCOPED_TRACE(fmt::format("{}, {}", c.name, ending ? "ended" : "picked up"));
+            json full = commission("apple", 10, 2, "old");
+            full["nowhasrecyclenum"] = c.counted;
+            full["recycleditemnbtlist"] = c.stored;
+            scene.opens(fmt::format("store {} {}", c.name, ending), full);
+            scene.clears(scene.ada);
+            scene.ada.setmoney(0).forgets();
+            const auto result = scene.does(scene.ada, [&](ServerPlayer* player) {
+                return ending ? adjustcommission(player, scene.owner, 0, 0, {.recycleitemleftwanna = 0})
+                              : pickupcommission(player, scene.owner, 0, 0);
+            });
+            EXPECT_TRUE(result.ok());
+            EXPECT_EQ(result.pieces, c.given);
+            EXPECT_EQ(scene.ada.counts("minecraft:apple"), c.given);
+            EXPECT_EQ(result.keptstacks, static_cast<std::int64_t>(c.kept.size()));
+            EXPECT_EQ(scene.ada.chat(), c.kept.empty() ? ""
+                                                       : fmt::format("{} stored stacks cannot be handed out on this "
+                                                                     "server. They stay in the commission.",
+                                                                     c.kept.size()));
+            EXPECT_EQ(scene.ada.money(), ending ? 20 : 0);
+            EXPECT_EQ(scene.revision(), 1);
+            EXPECT_EQ(result.ended, ending && c.kept.empty());
+            if (result.ended) continue;
+            full.update({{"nowhasrecyclenum", c.left}, {"recycleditemnbtlist", c.kept}});
+            if (ending) full["recycleitemleftwanna"] = 0;
+            EXPECT_EQ(scene.record(), full);
+        }
+    const auto picks = [&](int index, std::uint32_t revision) {
+        return scene.does(scene.ada,
+                          [&](ServerPlayer* player) { return pickupcommission(player, scene.owner, index, revision); });
+    };
+    scene.opens("picked up late", commission("apple", 10, 2));
     EXPECT_EQ(picks(0, 1).why, refusal::shopchanged);
     EXPECT_EQ(picks(1, 0).why, refusal::recordgone);
-    const auto result = picks(0, 0);
-    EXPECT_TRUE(result.ok());
-    EXPECT_EQ(result.pieces, 72) << "what is no item any more counts too";
-    EXPECT_EQ(scene.ada.counts("minecraft:apple"), 69);
-    EXPECT_EQ(scene.record()["nowhasrecyclenum"], 0);
-    EXPECT_TRUE(scene.record()["recycleditemnbtlist"].empty());
-    EXPECT_EQ(picks(0, 1).pieces, 0) << "an empty store gives nothing";
-    EXPECT_EQ(scene.revision(), 2);
+}
+
+// A payment that is refused, and a server that cannot save, end each of the operations with nothing changed.
+TEST(Commissions, ARefusedPaymentAndAClosedMarketChangeNothing) {
+    faulty::Money faulty;
+    faulty::Stores stores;
+    Scene scene([&](platform::Host& host) {
+        faulty.standbefore(host);
+        host.stores = &stores;
+    });
+    constexpr int most = std::numeric_limits<std::int32_t>::max();
+    constexpr refusal payment = refusal::paymentrefused, shut = refusal::marketclosed;
+    enum deed { publishing, adjusting, pickingup };
+    const struct {
+        const char* name;
+        deed what;
+        int count, money;
+        const char* refused;
+        refusal why;
+    } cases[] = {
+        {"deposit", publishing, 5, 90, "reduceScore", payment}, {"more", adjusting, 9, 90, "reduceScore", payment},
+        {"less", adjusting, 1, 90, "addScore", payment},        {"end", adjusting, 0, 90, "addScore", payment},
+        {"a full purse", adjusting, 0, most - 49, "", payment}, {"publish closed", publishing, 5, 90, "stores", shut},
+        {"adjust closed", adjusting, 1, 90, "stores", shut},    {"pick up closed", pickingup, 0, 90, "stores", shut},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        json before = commission("apple", 10, 5, "old");
+        before["nowhasrecyclenum"] = 3;
+        before["recycleditemnbtlist"] = {applestext(3)};
+        scene.opens(std::string("refused ") + c.name, before);
+        scene.ada.setmoney(c.money);
+        const auto lines = scene.stage.file("plugins/Ordomart/simpletrade.log");
+        stores.why = c.refused == std::string("stores") ? "full" : "";
+        faulty::refuses = [&](std::string_view operation) { return operation == c.refused; };
+        const recycleshopitem form{
+            .recycleitemname = "new", .itemnbt = "{}", .recycleitemleftwanna = c.count, .offer = 10};
+        const auto result = scene.does(scene.ada, [&](ServerPlayer* player) {
+            return c.what == publishing  ? publishcommission(player, scene.owner, form, formpublish)
+                   : c.what == adjusting ? adjustcommission(player, scene.owner, 0, 0, form)
+                                         : pickupcommission(player, scene.owner, 0, 0);
+        });
+        EXPECT_EQ(result.why, c.why);
+        EXPECT_EQ(result.charged + result.received + result.pieces, 0);
+        EXPECT_EQ(scene.ada.money(), c.money);
+        EXPECT_EQ(scene.ada.counts("minecraft:apple"), 0);
+        EXPECT_EQ(scene.record(), before);
+        EXPECT_EQ(scene.revision(), 0);
+        scene.stage.onserver([&] { EXPECT_EQ(scene.shop().recycleitems.size(), 1U); });
+        EXPECT_EQ(scene.stage.file("plugins/Ordomart/simpletrade.log").find("pay for", lines.size()),
+                  std::string::npos);
+    }
 }

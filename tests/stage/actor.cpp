@@ -145,7 +145,10 @@ std::string Actor::replies() const {
 std::vector<std::string> Actor::sounds() const {
     std::vector<std::string> all;
     look([&](ModelClient& c) {
-        for (const auto& sound : c.sounds) all.push_back(sound.name);
+        for (const auto& sound : c.sounds) {
+            const bool usual = sound.volume == 1 && sound.pitch == 1;
+            all.push_back(sound.name + (usual ? "" : fmt::format(" {}/{}", sound.volume, sound.pitch)));
+        }
     });
     return all;
 }

@@ -46,6 +46,7 @@ public:
     [[nodiscard]] std::string chat() const;     // all lines, joined by newlines
     [[nodiscard]] std::string toasts() const;   // "title: content", likewise
     [[nodiscard]] std::string replies() const;  // command output, likewise
+    // Names, with volume and pitch behind them unless both are 1.
     [[nodiscard]] std::vector<std::string> sounds() const;
     [[nodiscard]] std::string heard() const;     // "name volume pitch", joined by newlines
     [[nodiscard]] json form() const;             // in front; null when there is none
