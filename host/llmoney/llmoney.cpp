@@ -7,6 +7,8 @@
 // that fail must not add up to a server that stands.
 #include "platform/llmoney.h"
 
+#include "host/sqlite/checkpoints.h"
+
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
 
@@ -151,6 +153,7 @@ private:
     void put(const std::string& xuid, Money balance) { Use(put_, xuid, balance)->exec(); }
 
     File file_;
+    host::Checkpoints checkpoints_{file_};
     SQLite::Statement balance_{file_, "SELECT balance FROM llmoney_account WHERE xuid = ?"};
     SQLite::Statement put_{file_,
                            "INSERT INTO llmoney_account VALUES (?1, ?2)"

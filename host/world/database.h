@@ -10,6 +10,8 @@
 #include <map>
 #include <string>
 
+#include "host/sqlite/checkpoints.h"
+
 namespace host {
 
 // Bytes that are no text.
@@ -65,6 +67,7 @@ private:
     std::string path_;
     std::filesystem::path aside_;
     SQLite::Database file_;
+    Checkpoints checkpoints_{file_};
     std::map<std::string, SQLite::Statement> statements_;
     std::string* script_ = nullptr;  // while it is being made
 };

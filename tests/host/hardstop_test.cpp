@@ -11,6 +11,7 @@
 #include <random>
 #include <thread>
 
+#include "host/core/commands.h"
 #include "host/money.h"
 #include "host/network/network.h"
 #include "host/world/world.h"
@@ -290,6 +291,28 @@ TEST_F(HardStop, WhatAStopCannotSaveIsToldAndThereAtTheNextStart) {
         EXPECT_EQ(soldonfile(), (Counts{0, 1, 0, 0}));
         accountsagree(bought);
     }
+}
+
+// Its answer is out, its file is still being read beside the server, and the change is still to come.
+TEST(OrderlyStop, SavesABanThatWasOrderedRightBefore) {
+    coretests::Directory directory;
+    const std::string file = std::string("plugins/Ordomart/data/") + shops[0].xuid + ".json";
+    directory.put(file, shopfile(shops[0], 0).dump());
+    host::Server server(coretests::manually(directory));
+    server.start();
+    server.run([&] {
+        auto& network = server.network();
+        const auto joins = [&](const char* name, const char* xuid) {
+            return network.join({.name = name, .xuid = xuid}, [](const std::string&) {});
+        };
+        network.leave(joins("Bob", shops[0].xuid));
+        const auto result = server.commands().execute("ordomart ban sell bob", network.player(joins("Alice", alice)),
+                                                      platform::CommandPermissionLevel::GameMasters);
+        ASSERT_EQ(result.messages.size(), 1U);
+        EXPECT_TRUE(result.messages[0].success) << result.messages[0].text;
+    });
+    server.stop();
+    EXPECT_EQ(json::parse(directory.get(file)).value("/sell/shopstate/isbaned"_json_pointer, false), true);
 }
 
 TEST(FailingStart, SaysWhyInOneLineAndOverwritesNothing) {
