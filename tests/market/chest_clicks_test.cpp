@@ -27,6 +27,7 @@ const clickcase cases[] = {
     {take, C::inventory, 9, C::cursor, 0, {click::listed, 9}},
     {take, C::inventory, 35, C::cursor, 0, {click::listed, 35}},
     {drop, C::inventory, 12, C{}, 0, {click::listed, 12}},
+    {place, C::inventory, 9, C::hotbar, 4, {click::listed, 9}},
     {take, C::armor, 2, C::cursor, 0, {click::armour, 2}},
     {take, C::offhand, 1, C::cursor, 0, {click::back, 0}},
     {take, C::offhand, 0, C::cursor, 0, {}},

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "plugin/chestmenu/decoration.h"
+#include "plugin/chestmenu/fitting.h"
 
 using namespace ordomart;
 
@@ -54,5 +55,19 @@ TEST(ChestDecoration, TagHelpers) {
         ASSERT_TRUE(tag && wanted) << each.name;
         each.change(*tag);
         EXPECT_EQ(tag->toSNBT(), wanted->toSNBT()) << each.name;
+    }
+}
+
+TEST(ChestDecoration, ATextIsCutBetweenTwoCharacters) {
+    const struct {
+        const char* text;
+        std::size_t most;
+        const char* after;
+    } cutcases[] = {{"abcdef", 6, "abcdef"}, {"abcdefg", 6, "abc…"}, {"äöüä", 7, "äö…"},
+                    {"äöüä", 6, "ä…"},       {"😀😀", 6, "…"},         {"", 3, ""}};
+    for (const auto& each : cutcases) {
+        std::string text = each.text;
+        shorten(text, each.most);
+        EXPECT_EQ(text, each.after) << each.text;
     }
 }

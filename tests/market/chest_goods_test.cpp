@@ -87,15 +87,15 @@ TEST(GlobalGoods, CommissionsShowTheirFlags) {
 }
 
 TEST(GlobalGoods, PagesOfTwentySix) {
-    for (const int rows : {0, 26, 27, 52}) {
-        SCOPED_TRACE(rows);
-        Scene s(goods(rows), nullptr);
-        s.opens("ordomart buy");
+    for (const auto& [command, rows] : {std::pair{"ordomart buy", 0}, std::pair{"ordomart buy", 26},
+                                        std::pair{"ordomart recycle", 27}, std::pair{"ordomart recycle", 52}}) {
+        SCOPED_TRACE(fmt::format("{}: {}", command, rows));
+        json wanted = json::array();
+        for (int i = 0; i < rows; ++i) wanted.push_back(commission("apple", i + 1, 10, fmt::format("good {:02}", i)));
+        Scene s(goods(rows), wanted);
+        s.opens(command);
+        records(s.alice);
         const int lastpage = rows / 26;  // a full last page has an empty one behind it
-        const auto turn = [&](int slot) {
-            // Pressed raw, since a client does not click on what is not there.
-            sends(s.stage, s.alice, {{action(ActionType::take, ContainerName::hotbar, slot)}});
-        };
         const auto ispage = [&](int page) {
             SCOPED_TRACE("page " + std::to_string(page));
             const int first = page * 26, here = std::clamp(rows - first, 0, 26);
@@ -113,13 +113,21 @@ TEST(GlobalGoods, PagesOfTwentySix) {
             EXPECT_EQ(lore(s.alice, inventoryid, 8), page < lastpage ? "下一页   " + place + "      " : "");
             EXPECT_EQ(looks(s.alice, inventoryid, 3), "minecraft:name_tag:1 shining");
             EXPECT_EQ(looks(s.alice, offhandid, 0), "minecraft:oak_sign:3 shining");
+            return here + (page > 0 ? 1 : 0) + (page < lastpage ? 1 : 0) + 4;  // stacks of the page
+        };
+        // Pressed raw, since a client does not click on what is not there. The sign stays, the list is not made anew.
+        const auto turn = [&](int slot, int page) {
+            s.alice.forgets();
+            sends(s.stage, s.alice, {{action(ActionType::take, ContainerName::hotbar, slot)}});
+            EXPECT_EQ(s.alice.heard(), "item.book.page_turn 1 1");
+            const int stacks = ispage(page);
+            EXPECT_EQ(order(s.alice), fmt::format("content slot*{}", stacks));
         };
         // The button hides behind the last page, a press on its place still counts; before page 0 there is nothing.
-        for (int page = 0; page <= lastpage + 1; ++page, turn(8)) ispage(page);
-        ispage(lastpage + 2);
-        for (int page = lastpage + 2; page >= 0; --page, turn(0)) ispage(page);
         ispage(0);
-        EXPECT_EQ(s.alice.sounds(), std::vector<std::string>(2 * lastpage + 5, "item.book.page_turn"));
+        for (int page = 1; page <= lastpage + 2; ++page) turn(8, page);
+        for (int page = lastpage + 1; page >= 0; --page) turn(0, page);
+        turn(0, 0);
     }
 }
 
@@ -168,12 +176,42 @@ TEST(GlobalGoods, AShopThatHasChangedMakesANewListAndNoForm) {
     chest::opens(s.stage, carl, "ordomart buy");
     carl.clicks(ContainerName::inventory, 9).fills({{"quantity", "1"}});
     rests(s.stage);
+    const auto stock = [&](const char* left) {
+        EXPECT_NE(lore(s.alice, inventoryid, 9).find(std::string(":§6") + left), std::string::npos) << left;
+    };
+    for (const int slot : {3, 8, 0}) {  // sorting and turning show the list as it was
+        sends(s.stage, s.alice, {{action(ActionType::take, ContainerName::hotbar, slot)}});
+    }
+    stock("10");
     s.alice.clicks(ContainerName::inventory, 9);
     s.stage.ticks(6);
     EXPECT_EQ(s.alice.toasts(), "SYSTEM: Operation failed, shopinfo has been changed");
     EXPECT_TRUE(s.alice.form().is_null());
     EXPECT_TRUE(s.alice.menuopen());
-    EXPECT_NE(lore(s.alice, inventoryid, 9).find(":§69"), std::string::npos);
+    stock("9");
+}
+
+// The form lists fill the same list, and turn the same page.
+TEST(GlobalGoods, AListMadeAnewBehindThePictureOffersNothingThatWasNotShown) {
+    for (const int slot : {9, 10, 35}) {
+        SCOPED_TRACE(slot);
+        Scene s(json::array({good("apple", 7, 10, "mine"), good("stone", 7, 10, "yours")}), nullptr);
+        s.opens("ordomart buy");
+        s.stage.writeshop("1", goods(26));
+        s.alice.types("ordomart formmenu").presses("Selling shops").dismisses();
+        rests(s.stage);
+        EXPECT_EQ(s.alice.shown(inventoryid, 9), "minecraft:apple*1");
+        s.alice.forgets();
+        sends(s.stage, s.alice, {{action(ActionType::take, ContainerName::inventory, slot)}});
+        EXPECT_TRUE(s.alice.form().is_null()) << s.alice.formtext();
+        if (slot == 35) {
+            EXPECT_NE(s.alice.chat().find("wrong data ,Retry"), std::string::npos) << "nothing was shown there";
+        } else {
+            EXPECT_EQ(s.alice.toasts(), "SYSTEM: Operation failed, shopinfo has been changed");
+            s.stage.ticks(6);
+            EXPECT_NE(lore(s.alice, inventoryid, 9).find("good 00"), std::string::npos) << "the list as it is";
+        }
+    }
 }
 
 TEST(GlobalGoods, TheCompassOpensTheSearchAndClosingByHandSelectsNothing) {
@@ -197,34 +235,82 @@ TEST(GlobalGoods, TheCompassOpensTheSearchAndClosingByHandSelectsNothing) {
 TEST(GlobalGoods, ATouchClientHoldsTheSignAndActsByTwoRequests) {
     Scene s(json::array({good("apple", 7, 10)}), nullptr, touch);
     s.opens("ordomart buy");
-    EXPECT_EQ(looks(s.alice, uiid, 0), "minecraft:oak_sign:3 shining");
+    const auto sign = [&] { return looks(s.alice, uiid, 0); };
+    const auto press = [&](int slot) {
+        sends(s.stage, s.alice, {{action(ActionType::swap, ContainerName::cursor, 0, ContainerName::hotbar, slot)}});
+    };
+    EXPECT_EQ(sign(), "minecraft:oak_sign:3 shining");
     s.alice.forgets();
-    sends(s.stage, s.alice,
-          {{action(ActionType::swap, ContainerName::cursor, 0, ContainerName::hotbar,
-                   5)}});  // the spyglass does not answer to a swap
-    EXPECT_TRUE(s.alice.sounds().empty());
-    sends(s.stage, s.alice, {{action(ActionType::swap, ContainerName::cursor, 0, ContainerName::hotbar, 3)}});
+    press(5);  // the spyglass does not answer to a swap
+    press(6);
+    EXPECT_EQ(s.alice.heard(), "");
+    press(3);
     EXPECT_EQ(named(s.alice, inventoryid, 3), "Sort by item tag");
-    s.alice.drops(ContainerName::cursor, 0);
-    EXPECT_EQ(looks(s.alice, uiid, 0), "");
-    s.alice.clicks(ContainerName::hotbar, 5);
-    EXPECT_EQ(looks(s.alice, uiid, 0), "minecraft:oak_sign:3 shining");
-    EXPECT_EQ(s.alice.sounds(), (std::vector<std::string>{"random.click 1/0.6", "random.click", "random.levelup 1/2"}));
+    press(2);  // to a list that is not there
+    EXPECT_EQ(s.alice.heard(), "random.click 1 0.6\nrandom.click 1 1\nmob.villager.no 1 1");
+    s.alice.forgets().drops(ContainerName::cursor, 0);
+    EXPECT_EQ(sign(), "");
+    press(8);  // thrown away it stays until the list is made anew
+    EXPECT_EQ(sign(), "");
+    s.alice.clicks(ContainerName::offhand, 1).clicks(ContainerName::armor, 0);
+    EXPECT_EQ(sign(), "minecraft:oak_sign:3 shining");
+    s.alice.drops(ContainerName::cursor, 0).forgets().clicks(ContainerName::hotbar, 5);
+    EXPECT_EQ(sign(), "minecraft:oak_sign:3 shining");
+    EXPECT_EQ(s.alice.heard(), "random.levelup 1 2");
+    press(0);
     s.alice.clicks(ContainerName::inventory, 9);  // with the sign in hand, a pair headed by a swap
     EXPECT_FALSE(s.alice.menuopen());
     EXPECT_FALSE(s.alice.form().is_null());
 }
 
-TEST(GlobalGoods, OneGoodThatCannotBeShownLeavesTheOthers) {
-    json broken = good("apple", 1, 1), huge = good("apple", 2, 1);
-    broken["itemnbt"] = "no item";
-    huge["shopitemdescribe"] = std::string(70000, 'x');  // longer than the wire has room for
-    Scene s(json::array({broken, huge, good("stone", 3, 1)}), nullptr);
+// A number key over a slot swaps it with a place on the hotbar, or puts it there when that place is empty.
+TEST(GlobalGoods, ANumberKeyOverAGoodChoosesItWhereTheHotbarIsFree) {
+    Scene s(json::array({good("apple", 7, 10)}), nullptr);
     s.opens("ordomart buy");
+    records(s.alice);
+    s.alice.forgets();
+    for (const int key : {2, 3, 5, 6})
+        sends(s.stage, s.alice, {{action(ActionType::swap, ContainerName::inventory, 9, ContainerName::hotbar, key)}});
+    EXPECT_EQ(responses(s.alice), "7\n7\n7\n7");
+    EXPECT_TRUE(s.alice.menuopen());
+    EXPECT_EQ(s.alice.heard(), "");
+    EXPECT_EQ(s.alice.shown(inventoryid, 9), "minecraft:apple*1");
+    sends(s.stage, s.alice, {{action(ActionType::place, ContainerName::inventory, 9, ContainerName::hotbar, 4)}});
+    EXPECT_NE(s.alice.formtext().find("apple"), std::string::npos);
+}
+
+TEST(GlobalGoods, OneGoodThatIsBrokenOrHugeLeavesTheOthers) {
+    json broken = good("apple", 1, 1), wordy = good("apple", 2, 1), heavy = good("apple", 3, 1);
+    broken["itemnbt"] = "no item";
+    const std::string verylong = [] {
+        std::string text;
+        while (text.size() < 70'000) text += "ö§a";  // longer than the wire has room for
+        return text;
+    }();
+    wordy["shopitemdescribe"] = wordy["shopitemname"] = verylong;
+    platform::CompoundTag item = *platform::CompoundTag::fromSNBT(
+        R"({Count:1b,Damage:0s,Name:"minecraft:apple",WasPickedUp:0b,tag:{ench:[{id:1s,lvl:2s}],display:{Name:"Pie"}}})");
+    for (int i = 0; i < 5000; ++i)
+        item.compound("tag").compound("display").list("Lore").add("line " + std::to_string(i));
+    item.compound("tag").putString(verylong, "a key");
+    item.list("CanPlaceOn").add(verylong);
+    heavy["itemnbt"] = item.toSNBT();
+    Scene s(json::array({broken, wordy, heavy, good("stone", 3, 1)}), nullptr);
+    records(s.alice);
+    s.opens("ordomart buy");
+    s.alice.look([](client::ModelClient& c) {
+        for (const auto& packet : c.packets) EXPECT_LT(packet.body.size(), 33'000U);
+    });
     EXPECT_EQ(s.alice.shown(inventoryid, 9), "");
-    EXPECT_EQ(s.alice.shown(inventoryid, 10), "");
-    EXPECT_EQ(s.alice.shown(inventoryid, 11), "minecraft:stone*1");
+    const auto wordylines = lore(s.alice, inventoryid, 10), heavylines = lore(s.alice, inventoryid, 11);
+    EXPECT_NE(wordylines.find("…\n"), std::string::npos) << "cut";
+    EXPECT_NE(wordylines.find("§g2 LLmoney/one\n§oFrom:"), std::string::npos);
+    EXPECT_EQ(named(s.alice, inventoryid, 11) + looks(s.alice, inventoryid, 11), "Pieminecraft:apple:0 shining");
+    EXPECT_EQ(heavylines.find("line 0\n"), std::string::npos);
+    EXPECT_NE(heavylines.find("line 4999\n"), std::string::npos);
+    EXPECT_NE(heavylines.find("§g3 LLmoney/one\n"), std::string::npos);
+    EXPECT_EQ(s.alice.shown(inventoryid, 12), "minecraft:stone*1");
     EXPECT_EQ(looks(s.alice, inventoryid, 2), "minecraft:skull:3 shining");
-    s.alice.clicks(ContainerName::inventory, 11);
-    EXPECT_FALSE(s.alice.form().is_null());
+    s.alice.clicks(ContainerName::inventory, 10);
+    EXPECT_FALSE(s.alice.form().is_null()) << "what is sold is whole";
 }

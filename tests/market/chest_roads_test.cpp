@@ -1,5 +1,6 @@
 // Whole roads by clicks: from the main menu to a trade and back to the view, for either kind of client and in either
 // language; and the failures on the way, which in a chest are toasts.
+#include "platform/text.h"
 #include "tests/market/chest_stage.h"
 
 using namespace chest;
@@ -10,7 +11,7 @@ struct texts {
     const char* language;
     const char *buy, *instock, *buytitle, *quantity, *bought;
     const char *recycle, *stillwanted, *selltitle, *slot;
-    const char *sign, *unit;
+    const char *sign, *unit, *item;
 };
 constexpr texts english{"en_US",
                         "Buy",
@@ -23,7 +24,8 @@ constexpr texts english{"en_US",
                         "Sell items",
                         "Slot No.",
                         "Choose an item or a button to manage the shop",
-                        "one"};
+                        "one",
+                        "Apple"};
 constexpr texts chinese{"zh_CN",
                         "购买商品",
                         "剩余数量",
@@ -35,7 +37,8 @@ constexpr texts chinese{"zh_CN",
                         "出售物品",
                         "格子",
                         "选择一个商品或按钮来管理商店",
-                        "个"};
+                        "个",
+                        "苹果"};
 
 struct Reader {
     const texts& read;
@@ -64,13 +67,15 @@ void choosesfirst(Stage& stage, Actor& alice, int item, const Reader& reader) {
 TEST(ChestRoads, APurchase) {
     for (const auto& reader : readers) {
         SCOPED_TRACE(std::string(reader.read.language) + (reader.device == touch ? " touch" : " desktop"));
-        Stage stage;
+        Stage stage({.slotupdates = false});
         stage.writeshop(bob, {good("apple", 7, 10, "My apple")}, nullptr, {{"shopname", "Bob's"}});
         Actor& alice = stage.join("Alice", ada, reader.read.language, reader.device).setmoney(100).gives(9, "stone", 3);
         choosesfirst(stage, alice, 0, reader);
         EXPECT_EQ(alice.form()["title"], reader.read.buytitle);
         EXPECT_TRUE(holds(alice.formtext(), fmt::format("§f§r§e7 LLmoney/{}§f§r\n", reader.read.unit)));
+        stage.onserver([] { EXPECT_EQ(platform::I18n::currentlanguage(), "en_US") << "after a hover text"; });
         alice.fills({{reader.read.quantity, "2"}});
+        EXPECT_EQ(alice.shown(inventoryid, 0), "minecraft:apple*2");
         stage.ticks(6);
         EXPECT_EQ(alice.money(), 86);
         EXPECT_EQ(stage.money(bob), 14);
@@ -90,13 +95,16 @@ TEST(ChestRoads, APurchase) {
 TEST(ChestRoads, ARecycleSale) {
     for (const auto& reader : readers) {
         SCOPED_TRACE(std::string(reader.read.language) + (reader.device == touch ? " touch" : " desktop"));
-        Stage stage;
+        Stage stage({.language = "zh_CN", .slotupdates = false});
         stage.writeshop(bob, nullptr, {commission("apple", 3, 20)}, json::object(), {{"shopname", "Bob's"}});
         Actor& alice = stage.join("Alice", ada, reader.read.language, reader.device);
         alice.gives(9, "stone", 3).gives(4, "apple", 5).gives(20, "apple", 2);
         choosesfirst(stage, alice, 1, reader);
         EXPECT_EQ(alice.form()["title"], reader.read.selltitle);
+        EXPECT_TRUE(holds(alice.formtext(), reader.read.item)) << "in the reader's language";
+        stage.onserver([] { EXPECT_EQ(platform::I18n::currentlanguage(), "zh_CN") << "and again in the server's"; });
         alice.fills({{fmt::format("【§b{}20§r】", reader.read.slot), 1}});  // the other slider stands at all there is
+        EXPECT_EQ(alice.shown(inventoryid, 4) + alice.shown(inventoryid, 20), "minecraft:apple*1");
         stage.ticks(6);
         EXPECT_EQ(alice.money(), 18);
         EXPECT_EQ(alice.has(4) + alice.has(20), "minecraft:apple*1");
