@@ -11,7 +11,9 @@
 
 #include "host/api/api.h"
 #include "host/clients.h"
+#include "host/console/colours.h"
 #include "host/console/console.h"
+#include "host/console/output.h"
 #include "host/console/terminal.h"
 #include "host/demo/demo.h"
 #include "host/server.h"
@@ -66,14 +68,19 @@ int told(const std::vector<std::string>& unsaved) {
     return unsaved.empty() ? ended : incomplete;
 }
 
-int serve(const Arguments& arguments) {
+int serve(Arguments& arguments) {
     const auto ending = blocksignals();
     const bool demo = !arguments.empty && host::makedemo(arguments.server.directory);
+    host::Output output(STDOUT_FILENO);
+    const host::Console::Show show = [&output, colour = isatty(STDOUT_FILENO) != 0](const std::string& text) {
+        output.print(host::terminaltext(text, colour));
+    };
+    arguments.server.console = show;
     host::Server server(arguments.server);
     server.start();
     host::Clients clients(server);
     host::playdemo(server);
-    host::Console console(server, clients, std::cout, isatty(STDOUT_FILENO) != 0);
+    host::Console console(server, clients, show);
     host::ControlApi api(server, clients, arguments.api);
     api.start();
     if (demo) console.print("A small demo market was made; --empty leaves it out.");

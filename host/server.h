@@ -32,6 +32,8 @@ struct ServerOptions {
     bool quiet = false;                        // no log lines on the console
     int port = 19132;                          // what the properties answer; nothing listens on it
     std::string certificates;                  // calls to web services trust these (a PEM file); empty: the system's
+    // Takes the lines that the log has for a console; must not make its caller wait.
+    std::function<void(const std::string& line)> console;
     // Called with the finished set of services before the plug-in is loaded; a test may swap one for its own.
     std::function<void(platform::Host&)> adjust;
     // Called on the server thread at a stop when everything that can be is saved and background work does not end, with

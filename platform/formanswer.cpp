@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "platform/foreignjson.h"
+
 namespace platform::Form {
 
 using nlohmann::json;
@@ -74,8 +76,12 @@ AnswerRule::AnswerRule(const json& form) try {
 }
 
 std::optional<json> AnswerRule::read(const std::string& answer) const {
-    auto value = json::parse(answer, nullptr, false);
-    if (value.is_discarded()) return std::nullopt;
+    json value;
+    try {
+        value = readforeignjson(answer);
+    } catch (const ForeignJsonError&) {
+        return std::nullopt;
+    }
     if (value.is_null()) return value;
     const auto fits = [](const Element& element, const json& one) { return element.fits(one); };
     const bool good =

@@ -15,8 +15,9 @@ class AnswerRule {
 public:
     // Throws std::invalid_argument for what is no form that a client could show.
     explicit AnswerRule(const nlohmann::json& form);
-    // The answer as a document, null when the form was closed; nothing when it does not fit: no JSON, a button that is
-    // not there, another number of elements, a value of another kind, a number out of its element's range.
+    // The answer as a document, null when the form was closed; nothing when it does not fit: no JSON or too deep a
+    // one, a button that is not there, another number of elements, a value of another kind, a number out of its
+    // element's range.
     [[nodiscard]] std::optional<nlohmann::json> read(const std::string& answer) const;
 
 private:

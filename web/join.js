@@ -13,8 +13,8 @@ export const playerlanguage = () => (language() === "zh" ? "zh_CN" : "en_US");
 // `joined(name)` is called when the player stands on the server.
 export async function joindialogue(joined) {
   const known = await api.players();
-  const name = h("input", { type: "text", required: true, maxlength: 32, autocomplete: "off" });
-  const xuid = h("input", { type: "text", inputmode: "numeric", pattern: "[0-9]*", autocomplete: "off", tplaceholder: "xuidhint" });
+  const name = h("input", { type: "text", required: true, maxlength: 16, autocomplete: "off" });
+  const xuid = h("input", { type: "text", inputmode: "numeric", pattern: "[1-9][0-9]{0,19}", autocomplete: "off", tplaceholder: "xuidhint" });
   const speaks = select(languages, playerlanguage());
   const device = select([["desktop", t("desktop")], ["touch", t("touch")]], "desktop");
   const level = select(levels.map((n) => [String(n), t(`level${n}`)]), "0");

@@ -19,7 +19,7 @@ export function* events(pending) {
 }
 
 export class Stream {
-  // on.event(event, data), on.state("live" | "lost" | "refused")
+  // on.event(event, data), on.state("live" | "lost" | "full" | "refused")
   constructor(on) {
     this.on = on;
     this.query = null;
@@ -37,6 +37,7 @@ export class Stream {
   async run(query, signal) {
     let pause = firstpause;
     while (!signal.aborted) {
+      let state = "lost";
       try {
         const response = await call("GET", `/api/events?${query()}`, undefined, { raw: true, signal });
         pause = firstpause;
@@ -45,10 +46,11 @@ export class Stream {
       } catch (error) {
         if (signal.aborted) return;
         if (error.status === 401 || error.status === 403) return this.on.state("refused");
+        if (error.status === 503) state = "full";
         if (error.status === undefined) console.error(error);
       }
       if (signal.aborted) return;
-      this.on.state("lost");
+      this.on.state(state);
       await new Promise((wake) => setTimeout(wake, pause));
       pause = Math.min(pause * 2, longestpause);
     }

@@ -4,7 +4,7 @@ export default {
   theme: "Theme", themeauto: "System", themelight: "Light", themedark: "Dark",
   soundon: "Sounds: on", soundoff: "Sounds: off",
   operator: "Operator",
-  live: "live", lost: "connecting…", refused: "refused",
+  live: "live", lost: "connecting…", full: "too many pages are open", refused: "refused",
   addplayer: "Join a player",
 
   emptytitle: "Join a player to begin",

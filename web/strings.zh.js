@@ -4,7 +4,7 @@ export default {
   theme: "主题", themeauto: "跟随系统", themelight: "浅色", themedark: "深色",
   soundon: "声音：开", soundoff: "声音：关",
   operator: "管理",
-  live: "已连接", lost: "连接中…", refused: "被拒绝",
+  live: "已连接", lost: "连接中…", full: "打开的页面太多", refused: "被拒绝",
   addplayer: "加入玩家",
 
   emptytitle: "先加入一名玩家",

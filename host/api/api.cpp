@@ -1,19 +1,19 @@
 #include "host/api/api.h"
 
 #include <fmt/format.h>
-#include <httplib.h>
 #include <openssl/crypto.h>
 #include <openssl/rand.h>
 
+#include <algorithm>
 #include <array>
-#include <regex>
-#include <thread>
 
+#include "host/api/door.h"
 #include "host/api/eventstream.h"
 #include "host/api/handlers.h"
 #include "host/api/webfiles.h"
 #include "host/clients.h"
 #include "host/server.h"
+#include "platform/foreignjson.h"
 
 namespace host {
 
@@ -21,7 +21,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t mostbody = 1 << 20;
+constexpr std::string_view eventspath = "/api/events";
 
 std::string newtoken() {
     std::array<unsigned char, 16> bytes{};
@@ -32,16 +32,40 @@ std::string newtoken() {
     return token;
 }
 
-// A table path as a regular expression; its one group is the player's name, percent-decoded by the library.
-std::string pattern(const char* path) {
-    std::string text = path;
-    if (const auto at = text.find("{}"); at != std::string::npos) text.replace(at, 2, "([^/]+)");
-    return text;
+HttpAnswer answered(int status, const json& body) {
+    return {status, "application/json", body.dump(-1, ' ', false, json::error_handler_t::replace), {}, {}};
 }
 
-void send(httplib::Response& response, int status, const json& body) {
-    response.status = status;
-    response.set_content(body.dump(-1, ' ', false, json::error_handler_t::replace), "application/json");
+HttpAnswer refusal(int status, const std::string& text) { return answered(status, {{"error", text}}); }
+
+// Whether the path is of the table's form; the name in it, if the form has a place for one.
+bool matches(std::string_view form, std::string_view path, std::string& name) {
+    const std::size_t place = form.find("{}");
+    if (place == std::string_view::npos) return form == path;
+    const std::string_view before = form.substr(0, place), behind = form.substr(place + 2);
+    if (!path.starts_with(before)) return false;
+    path.remove_prefix(before.size());
+    const std::string_view given = path.substr(0, path.find('/'));
+    name = given;
+    return !given.empty() && path.substr(given.size()) == behind;
+}
+
+// Of a page's file, which is not secret.
+std::optional<HttpAnswer> fileanswer(const HttpRequest& request) {
+    if (request.method != "GET" && request.method != "HEAD") return std::nullopt;
+    const auto found = std::ranges::find(webfiles(), request.path, &WebFile::path);
+    if (found == webfiles().end()) return std::nullopt;
+    return HttpAnswer{200,
+                      found->type,
+                      std::string(found->content),
+                      {{"Cache-Control", "no-cache"},
+                       {"Content-Security-Policy",
+                        "default-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'"}},
+                      {}};
+}
+
+HttpAnswer nosuchcall(const HttpRequest& request) {
+    return refusal(404, fmt::format("{} {}: no such call", request.method, request.path));
 }
 
 }  // namespace
@@ -51,152 +75,116 @@ struct ControlApi::Parts {
     Clients& clients;
     ApiOptions options;
     EventStreams streams;
-    httplib::Server http;
-    std::thread listener;
+    Door door;
 
-    Parts(Server& s, Clients& c, ApiOptions o) : server(s), clients(c), options(std::move(o)), streams(s, c) {}
+    Parts(Server& s, Clients& c, ApiOptions o)
+        : server(s),
+          clients(c),
+          options(std::move(o)),
+          streams(s, c),
+          door({.look = [this](const HttpRequest& request) { return look(request); },
+                .call = [this](const HttpRequest& request) { return call(request); },
+                .refusal = refusal}) {}
 
     // A page of another origin, or another name for this address, must not reach the API through somebody's browser.
-    [[nodiscard]] bool ownname(const std::string& name) const {
+    [[nodiscard]] bool ownname(std::string_view name) const {
         for (const std::string& host :
              {options.host, std::string("127.0.0.1"), std::string("localhost"), std::string("[::1]")})
             if (name == fmt::format("{}:{}", host, options.port)) return true;
         return false;
     }
 
-    [[nodiscard]] bool hastoken(const httplib::Request& request) const {
-        const std::string bearer = request.get_header_value("Authorization");
-        const std::string given = bearer.starts_with("Bearer ") ? bearer.substr(7) : request.get_param_value("token");
+    // In the address only where a browser can send no header; addresses end up in histories and logs.
+    [[nodiscard]] bool hastoken(const HttpRequest& request) const {
+        std::string_view given = request.header("authorization");
+        if (given.starts_with("Bearer "))
+            given.remove_prefix(7);
+        else
+            given = request.path == eventspath ? request.param("token") : "";
         return given.size() == options.token.size() &&
                CRYPTO_memcmp(given.data(), options.token.data(), given.size()) == 0;
     }
 
-    // True when the request may go on; otherwise the response is filled.
-    bool admit(const httplib::Request& request, httplib::Response& response) const {
-        if (!ownname(request.get_header_value("Host"))) {
-            send(response, 403, {{"error", "the Host header names another server"}});
-            return false;
+    [[nodiscard]] std::optional<HttpAnswer> look(const HttpRequest& request) const {
+        if (!ownname(request.header("host"))) return refusal(403, "the Host header names another server");
+        const std::string_view origin = request.header("origin");
+        if (!origin.empty() && !(origin.starts_with("http://") && ownname(origin.substr(7))))
+            return refusal(403, fmt::format("the origin {} may not call this server", origin));
+        if (!request.path.starts_with("/api/")) {
+            const auto file = fileanswer(request);
+            return file ? *file : nosuchcall(request);
         }
-        const std::string origin = request.get_header_value("Origin");
-        if (!origin.empty() && !(origin.starts_with("http://") && ownname(origin.substr(7)))) {
-            send(response, 403, {{"error", fmt::format("the origin {} may not call this server", origin)}});
-            return false;
-        }
-        if (request.path.starts_with("/api/") && !hastoken(request)) {
-            send(response, 401, {{"error", "the token is missing or wrong; the server prints it at start"}});
-            return false;
-        }
-        return true;
+        if (!hastoken(request)) return refusal(401, "the token is missing or wrong; the server prints it at start");
+        return std::nullopt;
     }
 
-    void handle(const ApiRoute& route, const httplib::Request& request, httplib::Response& response) {
+    HttpAnswer call(const HttpRequest& request) {
         try {
-            json body = json::object();
-            if (!request.body.empty()) body = json::parse(request.body);
-            if (!body.is_object()) throw ApiError(400, "the body must be a JSON object");
-            ApiCall call{server,          clients,
-                         streams,         request.matches.size() > 1 ? request.matches[1].str() : "",
-                         std::move(body), [&](const char* name) { return request.get_param_value(name); }};
-            send(response, 200, route.handle(call));
+            if (request.method == "GET" && request.path == eventspath) return events(request);
+            std::string player;
+            for (const ApiRoute& route : apiroutes())
+                if (request.method == route.method && matches(route.path, request.path, player)) {
+                    ApiCall made{server,          clients,
+                                 streams,         player,
+                                 bodyof(request), [&](const char* name) { return std::string(request.param(name)); }};
+                    return answered(200, route.handle(made));
+                }
+            return nosuchcall(request);
         } catch (const ApiError& e) {
-            send(response, e.status, {{"error", e.what()}});
-        } catch (const json::parse_error& e) {
-            send(response, 400, {{"error", fmt::format("the body is no JSON: {}", e.what())}});
+            return refusal(e.status, e.what());
         } catch (const json::exception& e) {
-            send(response, 400, {{"error", fmt::format("the body does not fit: {}", e.what())}});
+            return refusal(400, fmt::format("the body does not fit: {}", e.what()));
         } catch (const std::exception& e) {
-            send(response, 400, {{"error", e.what()}});
+            return refusal(400, e.what());
         }
     }
 
-    void stream(const httplib::Request& request, httplib::Response& response) {
-        auto place = std::make_shared<EventStreams::Place>();
-        const auto count = request.get_param_value_count("player");
-        for (std::size_t i = 0; i < count; ++i) place->players.insert(request.get_param_value("player", i));
-        place->log = request.get_param_value("log") == "1";
+    static json bodyof(const HttpRequest& request) {
+        if (request.body.empty()) return json::object();
         try {
-            place->heard = numberof(request.get_param_value("heard"));
-            place->logline = numberof(request.get_param_value("after"));
-        } catch (const ApiError& e) {
-            return send(response, e.status, {{"error", e.what()}});
+            json body = platform::readforeignjson(request.body);
+            if (!body.is_object()) throw ApiError(400, "the body must be a JSON object");
+            return body;
+        } catch (const platform::ForeignJsonError& e) {
+            throw ApiError(400, fmt::format("the body {}", e.what()));
         }
-        response.set_header("Cache-Control", "no-store");
-        response.set_chunked_content_provider("text/event-stream", [this, place](std::size_t, httplib::DataSink& sink) {
-            const std::string text = streams.next(*place, 15000);
-            if (text.empty()) return false;
-            return sink.write(text.data(), text.size());
-        });
+    }
+
+    HttpAnswer events(const HttpRequest& request) {
+        EventStreams::Wish wish;
+        for (const auto& [name, value] : request.query)
+            if (name == "player") wish.players.insert(value);
+        wish.log = request.param("log") == "1";
+        wish.heard = numberof(request.param("heard"));
+        wish.logline = numberof(request.param("after"));
+        const auto outlet = streams.subscribe(std::move(wish));
+        if (outlet == nullptr)
+            throw ApiError(503, fmt::format("{} event streams are open already; close one", EventStreams::most));
+        return {200, "text/event-stream", "", {{"Cache-Control", "no-store"}}, outlet};
     }
 };
 
 ControlApi::ControlApi(Server& server, Clients& clients, ApiOptions options)
     : parts_(std::make_unique<Parts>(server, clients, std::move(options))) {
-    Parts& parts = *parts_;
-    if (parts.options.token.empty()) parts.options.token = newtoken();
-    // Each open page holds one thread for its stream.
-    parts.http.new_task_queue = [] { return new httplib::ThreadPool(48); };
-    parts.http.set_payload_max_length(mostbody);
-    parts.http.set_tcp_nodelay(true);
-    // A stop waits for so long for the connections that callers keep open.
-    parts.http.set_keep_alive_timeout(1);
-    // The library would share a port with another server of the same user, and each would get some of the calls.
-    parts.http.set_socket_options([](socket_t socket) {
-        const int yes = 1;
-        ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    });
-    parts.http.set_pre_routing_handler([&parts](const httplib::Request& request, httplib::Response& response) {
-        return parts.admit(request, response) ? httplib::Server::HandlerResponse::Unhandled
-                                              : httplib::Server::HandlerResponse::Handled;
-    });
-    parts.http.set_error_handler([](const httplib::Request& request, httplib::Response& response) {
-        if (response.body.empty())
-            send(response, response.status,
-                 {{"error", fmt::format("{} {}: no such call", request.method, request.path)}});
-    });
-    for (const ApiRoute& route : apiroutes()) {
-        const auto handle = [&parts, &route](const httplib::Request& request, httplib::Response& response) {
-            parts.handle(route, request, response);
-        };
-        const std::string path = pattern(route.path), method = route.method;
-        if (method == "GET") parts.http.Get(path, handle);
-        if (method == "POST") parts.http.Post(path, handle);
-        if (method == "PUT") parts.http.Put(path, handle);
-        if (method == "DELETE") parts.http.Delete(path, handle);
-    }
-    parts.http.Get("/api/events", [&parts](const httplib::Request& request, httplib::Response& response) {
-        parts.stream(request, response);
-    });
-    for (const WebFile& file : webfiles())
-        parts.http.Get(std::regex_replace(std::string(file.path), std::regex("\\."), "\\."),
-                       [&file](const httplib::Request&, httplib::Response& response) {
-                           response.set_header("Cache-Control", "no-cache");
-                           response.set_header(
-                               "Content-Security-Policy",
-                               "default-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'");
-                           response.set_content(file.content.data(), file.content.size(), file.type);
-                       });
+    if (parts_->options.token.empty()) parts_->options.token = newtoken();
 }
 
 ControlApi::~ControlApi() { stop(); }
 
 void ControlApi::start() {
-    Parts& parts = *parts_;
-    int& port = parts.options.port;
-    const int bound = port == 0 ? parts.http.bind_to_any_port(parts.options.host)
-                                : (parts.http.bind_to_port(parts.options.host, port) ? port : -1);
-    if (bound < 0)
+    ApiOptions& options = parts_->options;
+    const int port = parts_->door.listen(options.host, options.port);
+    if (port == 0)
         throw StartError(fmt::format("the control API cannot listen on {}:{}; is the port taken? (--api-port)",
-                                     parts.options.host, port));
-    port = bound;
-    parts.listener = std::thread([&parts] { parts.http.listen_after_bind(); });
-    while (!parts.http.is_running()) std::this_thread::yield();
+                                     options.host, options.port));
+    options.port = port;
+    parts_->streams.start();
+    parts_->door.start();
 }
 
 void ControlApi::stop() {
     parts_->streams.stop();
-    if (!parts_->listener.joinable()) return;
-    parts_->http.stop();
-    parts_->listener.join();
+    parts_->door.stop();
 }
 
 int ControlApi::port() const { return parts_->options.port; }

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
+#include <utility>
 
 #include "host/api/clientstate.h"
 #include "host/core/log.h"
@@ -14,10 +16,13 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::size_t keepheard = 5000;
 constexpr std::size_t mostloglines = 200;  // in one batch
 // Changes that come close together, as the packets of a page do, go out as one.
 constexpr auto gathering = std::chrono::milliseconds(25);
+// Looked at again, so long after he was found to be reading still.
+constexpr auto slowly = std::chrono::milliseconds(50);
+constexpr auto heartbeat = std::chrono::seconds(15);
+using Clock = std::chrono::steady_clock;
 
 std::string event(const char* name, const json& data) {
     return fmt::format("event: {}\ndata: {}\n\n", name, data.dump(-1, ' ', false, json::error_handler_t::replace));
@@ -25,10 +30,22 @@ std::string event(const char* name, const json& data) {
 
 }  // namespace
 
+// One subscriber's place in the stream.
+struct EventStreams::Subscriber {
+    Wish wish;
+    std::shared_ptr<Outlet> outlet = std::make_shared<Outlet>();
+    std::uint64_t seen = 0;  // change counter of the last batch
+    Clock::time_point told = Clock::now();
+    std::map<std::string, json> shown;
+    json server;
+};
+
 EventStreams::EventStreams(Server& server, Clients& clients) : server_(server), clients_(clients) {
     clientwatch_ = clients_.watch([this](const std::string& player) { changed(player); });
     logwatch_ = server_.log().watch([this](const LogLine&) { changed(); });
 }
+
+EventStreams::~EventStreams() { stop(); }
 
 void EventStreams::changed() {
     std::lock_guard guard(lock_);
@@ -63,17 +80,67 @@ void EventStreams::listen(const std::string& player) {
         });
     });
     if (!joined) ears_.erase(player);
-    std::lock_guard guard(lock_);
-    for (json& what : fresh) heard_.push_back({++lastheard_, player, std::move(what)});
-    while (heard_.size() > keepheard) heard_.pop_front();
+    heard_.add(player, std::move(fresh));
 }
 
-std::vector<Heard> EventStreams::heardafter(std::uint64_t number) const {
-    std::lock_guard guard(lock_);
-    std::vector<Heard> all;
-    for (const Heard& one : heard_)
-        if (one.number > number) all.push_back(one);
-    return all;
+std::shared_ptr<Outlet> EventStreams::subscribe(Wish wish) {
+    const std::lock_guard guard(lock_);
+    std::erase_if(outlets_, [](const auto& outlet) { return !outlet->open(); });
+    if (outlets_.size() >= most) return nullptr;
+    arriving_.push_back(std::make_unique<Subscriber>(std::move(wish)));
+    outlets_.push_back(arriving_.back()->outlet);
+    wake_.notify_all();
+    return outlets_.back();
+}
+
+void EventStreams::start() {
+    thread_ = std::thread([this] { run(); });
+}
+
+void EventStreams::stop() {
+    if (!thread_.joinable()) return;
+    {
+        const std::lock_guard guard(lock_);
+        stopped_ = true;
+        wake_.notify_all();
+    }
+    thread_.join();
+}
+
+void EventStreams::run() {
+    std::uint64_t seen = 0;
+    for (;;) {
+        const bool behind = std::ranges::any_of(subscribers_, [&](const auto& one) { return one->seen < seen; });
+        std::map<std::string, std::uint64_t> changedat;
+        {
+            std::unique_lock guard(lock_);
+            const auto something = [&] { return stopped_ || changes_ > seen || !arriving_.empty(); };
+            wake_.wait_for(guard, behind ? slowly : Clock::duration(heartbeat), something);
+            if (something()) wake_.wait_for(guard, gathering, [&] { return stopped_; });
+            if (stopped_) return;
+            for (auto& one : std::exchange(arriving_, {})) subscribers_.push_back(std::move(one));
+            seen = changes_;
+            if (!subscribers_.empty()) changedat = changedat_;
+        }
+        std::erase_if(subscribers_, [](const auto& one) { return !one->outlet->open(); });
+        tell(seen, changedat);
+    }
+}
+
+void EventStreams::tell(std::uint64_t changes, const std::map<std::string, std::uint64_t>& changedat) {
+    for (const auto& one : subscribers_) {
+        if (!one->outlet->empty()) continue;
+        try {
+            std::string text = one->seen < changes ? news(*one, changedat) : "";
+            one->seen = changes;
+            if (text.empty() && Clock::now() - one->told >= heartbeat) text = ": nothing new\n\n";
+            if (text.empty()) continue;
+            one->told = Clock::now();
+            one->outlet->put(text);
+        } catch (const std::exception&) {
+            one->outlet->close();  // whoever listens asks again, and is told everything anew
+        }
+    }
 }
 
 json EventStreams::serverstate() {
@@ -82,58 +149,44 @@ json EventStreams::serverstate() {
     return {{"players", players}, {"speed", server_.speed()}, {"paused", server_.paused()}};
 }
 
-std::string EventStreams::next(Place& place, int milliseconds) {
-    std::map<std::string, std::uint64_t> changedat;
-    {
-        std::unique_lock guard(lock_);
-        wake_.wait_for(guard, std::chrono::milliseconds(milliseconds),
-                       [&] { return stopped_ || changes_ > place.seen; });
-        if (!stopped_ && changes_ > place.seen) wake_.wait_for(guard, gathering, [&] { return stopped_; });
-        if (stopped_) return {};
-        changedat = changedat_;
-        for (const auto& [player, when] : changedat_)
-            if (when <= place.seen) changedat.erase(player);
-        place.seen = changes_;
-    }
+// What has changed since the batch before, as event-stream text.
+std::string EventStreams::news(Subscriber& subscriber, const std::map<std::string, std::uint64_t>& changedat) {
     std::string out;
-    if (json state = serverstate(); state != place.server) {
+    if (json state = serverstate(); state != subscriber.server) {
         out += event("server", state);
-        place.server = std::move(state);
+        subscriber.server = std::move(state);
     }
-    for (const std::string& player : place.players) {
-        const bool first = !place.shown.contains(player);
-        if (!first && !changedat.contains(player)) continue;
+    Wish& wish = subscriber.wish;
+    for (const std::string& player : wish.players) {
+        const auto shown = subscriber.shown.find(player);
+        const bool first = shown == subscriber.shown.end();
+        const auto changed = changedat.find(player);
+        if (!first && (changed == changedat.end() || changed->second <= subscriber.seen)) continue;
         json state;
         if (!clients_.look(player, [&](client::ModelClient& c) { state = clientstate(c); })) {
-            if (place.shown.erase(player) > 0) out += event("gone", {{"player", player}});
+            if (subscriber.shown.erase(player) > 0) out += event("gone", {{"player", player}});
             continue;
         }
         if (first)
             out += event("client", {{"player", player}, {"state", state}});
-        else if (json patch = json::diff(place.shown[player], state); !patch.empty())
+        else if (json patch = json::diff(shown->second, state); !patch.empty())
             out += event("patch", {{"player", player}, {"patch", std::move(patch)}});
-        place.shown[player] = std::move(state);
+        subscriber.shown[player] = std::move(state);
     }
-    for (const Heard& one : heardafter(place.heard)) {
-        if (place.players.contains(one.player))
-            out += event("heard", {{"player", one.player}, {"number", one.number}, {"what", one.what}});
-        place.heard = one.number;
+    for (const SharedHeard& one : heard_.after(wish.heard)) {
+        if (wish.players.contains(one->player))
+            out += event("heard", {{"player", one->player}, {"number", one->number}, {"what", one->what}});
+        wish.heard = one->number;
     }
-    if (place.log) {
-        auto lines = server_.log().lines(place.logline);
-        if (!lines.empty()) place.logline = lines.back().number;
-        const std::size_t from = lines.size() > mostloglines ? lines.size() - mostloglines : 0;
+    if (wish.log) {
         json told = json::array();
-        for (std::size_t i = from; i < lines.size(); ++i) told.push_back(linestate(lines[i]));
+        for (const LogLine& line : server_.log().lines(wish.logline, mostloglines)) {
+            told.push_back(linestate(line));
+            wish.logline = line.number;
+        }
         if (!told.empty()) out += event("log", told);
     }
-    return out.empty() ? ": nothing new\n\n" : out;
-}
-
-void EventStreams::stop() {
-    std::lock_guard guard(lock_);
-    stopped_ = true;
-    wake_.notify_all();
+    return out;
 }
 
 }  // namespace host

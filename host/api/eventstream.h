@@ -1,5 +1,6 @@
 // Live updates for pages, as server-sent events. A subscriber names the players that it shows and gets, for each, a
-// JSON Patch against the picture that it was sent before; what players hear, and log lines, come as they are.
+// JSON Patch against the picture that it was sent before; what players hear, and log lines, come as they are. One
+// thread tells all subscribers; who reads slowly is told of more at a time, less often.
 #pragma once
 
 #include <condition_variable>
@@ -10,60 +11,66 @@
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
+#include "host/api/heardlines.h"
+#include "host/api/outlet.h"
 #include "host/clients.h"
 
 namespace host {
 
 class Server;
 
-// Something that a player heard, numbered over the server's run.
-struct Heard {
-    std::uint64_t number = 0;
-    std::string player;
-    nlohmann::json what;  // {"kind": "chat" | "toast" | "sound" | "reply", ...}
-};
-
 class EventStreams {
 public:
-    EventStreams(Server& server, Clients& clients);
+    static constexpr std::size_t most = 32;
 
-    // One subscriber's place in the stream.
-    struct Place {
+    EventStreams(Server& server, Clients& clients);
+    ~EventStreams();
+
+    // What a subscriber asks for: the players that it shows, the log or not, and the last of what was heard and of the
+    // log lines that it has already.
+    struct Wish {
         std::set<std::string> players;
         bool log = false;
-        std::uint64_t heard = 0, logline = 0;  // the last that it was sent, or that it says it has
-        std::uint64_t seen = 0;                // change counter of the last batch
-        std::map<std::string, nlohmann::json> shown;
-        nlohmann::json server;
+        std::uint64_t heard = 0, logline = 0;
     };
-    // Waits until there is something for the subscriber (or `milliseconds` have gone) and returns it as event-stream
-    // text; a comment line when there is nothing. Empty after stop().
-    [[nodiscard]] std::string next(Place& place, int milliseconds);
+    // Until the outlet is closed. Null when there are too many.
+    [[nodiscard]] std::shared_ptr<Outlet> subscribe(Wish wish);
+    void start();
     void stop();
-    [[nodiscard]] std::vector<Heard> heardafter(std::uint64_t number) const;
+
+    [[nodiscard]] const HeardLines& heard() const { return heard_; }
     // Whoever changes what no packet tells of calls these: a player has come or gone; speed or pause is another.
     void changed(const std::string& player);
     void changed();
 
 private:
-    void listen(const std::string& player);
+    struct Subscriber;
+    void run();
+    void tell(std::uint64_t changes, const std::map<std::string, std::uint64_t>& changedat);
+    [[nodiscard]] std::string news(Subscriber& subscriber, const std::map<std::string, std::uint64_t>& changedat);
     [[nodiscard]] nlohmann::json serverstate();
+    void listen(const std::string& player);
 
     Server& server_;
     Clients& clients_;
+    HeardLines heard_;
     mutable std::mutex lock_;
     std::condition_variable wake_;
-    std::uint64_t changes_ = 0;
+    std::uint64_t changes_ = 1;
     std::map<std::string, std::uint64_t> changedat_;
+    std::vector<std::shared_ptr<Outlet>> outlets_;       // of all subscribers
+    std::vector<std::unique_ptr<Subscriber>> arriving_;  // not yet seen by the thread
+    bool stopped_ = false;
+    std::vector<std::unique_ptr<Subscriber>> subscribers_;  // the thread's
     struct Ears {
         std::uint64_t chat = 0, toasts = 0, sounds = 0, replies = 0;
     };
     std::map<std::string, Ears> ears_;
     std::mutex listening_;  // held while a player is listened to, so that two threads do not tell the same twice
-    std::deque<Heard> heard_;
-    std::uint64_t lastheard_ = 0;
-    bool stopped_ = false;
+    std::thread thread_;
     std::shared_ptr<void> clientwatch_, logwatch_;  // last, since they go first
 };
 

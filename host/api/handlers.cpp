@@ -21,6 +21,8 @@ using nlohmann::json;
 namespace {
 
 const json done = {{"ok", true}};
+// Lines that a look shows of what he heard, unless it says after which number.
+constexpr std::size_t usuallyheard = 300;
 
 void settle(ApiCall& call) {
     if (call.server.options().manual)
@@ -119,13 +121,13 @@ json look(ApiCall& call) {
     demandjoined(call);
     json state;
     call.clients.with(call.player, [&](client::ModelClient& c) { state = clientstate(c); });
-    json heard = json::array();
-    for (const Heard& one : call.streams.heardafter(0))
-        if (one.player == call.player) {
-            heard.push_back(one.what);
-            heard.back()["number"] = one.number;
-        }
-    state["heard"] = std::move(heard);
+    json& heard = state["heard"] = json::array();
+    const std::string after = call.query("heard");
+    const std::size_t most = after.empty() ? usuallyheard : HeardLines::mostkept;
+    for (const SharedHeard& one : call.streams.heard().after(numberof(after), call.player, most)) {
+        heard.push_back(one->what);
+        heard.back()["number"] = one->number;
+    }
     return state;
 }
 
@@ -358,7 +360,7 @@ constexpr ApiRoute routes[] = {
 
 }  // namespace
 
-std::uint64_t numberof(const std::string& text) {
+std::uint64_t numberof(std::string_view text) {
     std::uint64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (!text.empty() && (error != std::errc{} || end != text.data() + text.size()))

@@ -36,7 +36,7 @@ struct ApiRoute {
 };
 
 // A number of a query string, 0 when it is missing. Throws ApiError.
-[[nodiscard]] std::uint64_t numberof(const std::string& text);
+[[nodiscard]] std::uint64_t numberof(std::string_view text);
 
 [[nodiscard]] std::span<const ApiRoute> apiroutes();
 

@@ -7,10 +7,8 @@
 #include <sstream>
 #include <thread>
 
-#include "host/console/colours.h"
 #include "host/console/drawing.h"
 #include "host/core/commands.h"
-#include "host/core/log.h"
 #include "host/money.h"
 #include "host/server.h"
 #include "host/world/world.h"
@@ -62,17 +60,9 @@ platform::ContainerName containername(const std::string& word) {
 
 }  // namespace
 
-Console::Console(Server& server, Clients& clients, std::ostream& out, bool colour)
-    : server_(server), clients_(clients), out_(out), colour_(colour) {
-    server_.log().setconsole([this](const std::string& line) { print(line); });
+Console::Console(Server& server, Clients& clients, Show show)
+    : server_(server), clients_(clients), show_(std::move(show)) {
     watch_ = clients_.watch([this](const std::string& name) { tell(name); });
-}
-
-Console::~Console() { server_.log().setconsole({}); }
-
-void Console::print(const std::string& text) {
-    std::lock_guard guard(lock_);
-    out_ << terminaltext(text, colour_) << (text.ends_with('\n') ? "" : "\n") << std::flush;
 }
 
 const std::vector<Console::Line>& Console::serverlines() {

@@ -3,8 +3,6 @@
 
 #include <functional>
 #include <map>
-#include <mutex>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -16,13 +14,13 @@ class Server;
 
 class Console {
 public:
-    // `colour`: § codes become terminal colours, otherwise they are taken out.
-    Console(Server& server, Clients& clients, std::ostream& out, bool colour);
-    ~Console();
+    // Takes text with § codes, whole lines; called on any thread, and must not make it wait.
+    using Show = std::function<void(const std::string& text)>;
+    Console(Server& server, Clients& clients, Show show);
 
     // One line. False for "stop". What is wrong with it is printed.
     bool line(const std::string& text);
-    void print(const std::string& text);
+    void print(const std::string& text) { show_(text); }
 
 private:
     struct Line {
@@ -61,9 +59,7 @@ private:
 
     Server& server_;
     Clients& clients_;
-    std::ostream& out_;
-    bool colour_;
-    std::mutex lock_;
+    const Show show_;
     struct Told {
         std::uint64_t chat = 0, toasts = 0, replies = 0, sounds = 0;
         std::uint32_t form = 0;

@@ -6,6 +6,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "platform/foreignjson.h"
+
 namespace host {
 
 using nlohmann::json;
@@ -83,6 +85,14 @@ constexpr Area areas[] = {{"armour", client::armorid, 0, 4},
                           {"hotbar", client::inventoryid, 0, 9},
                           {"cursor", client::uiid, 0, 1}};
 
+json typedjson(const std::string& typed) {
+    try {
+        return platform::readforeignjson(typed);
+    } catch (const platform::ForeignJsonError& e) {
+        throw std::runtime_error(fmt::format("the answer {}", e.what()));
+    }
+}
+
 }  // namespace
 
 std::string drawform(const json& form) {
@@ -131,7 +141,7 @@ json typedanswer(const json& form, const std::string& typed) {
     if (typed == "close") return nullptr;
     const std::string kind = form.at("type");
     if (kind == "custom_form") {
-        if (typed.starts_with('[')) return json::parse(typed);
+        if (typed.starts_with('[')) return typedjson(typed);
         const std::vector<std::string> given = words(typed);
         json answer = json::array();
         std::size_t next = 0;

@@ -57,6 +57,7 @@ Server::Parts::Parts(Server& face, const ServerOptions& settings)
       texts([this]() -> platform::Files& { return *services.files; }, complain),
       properties(settings.port),
       http(settings.certificates, complain) {
+    log.setconsole(settings.console);
     services = {.scheduler = &scheduler,
                 .log = &log,
                 .texts = &texts,

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <ctime>
 #include <deque>
-#include <iostream>
 #include <mutex>
 
 #include "host/core/logfiles.h"
@@ -16,7 +15,6 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t mostlines = 5000;
 constexpr std::string_view servertitle = "Server";
 constexpr const char* levelnames[] = {"Debug", "Info", "Warn", "Error", "Fatal"};
 
@@ -45,9 +43,7 @@ struct Log::Parts {
     std::uint64_t lastnumber = 0;
     bool closed = false;
     Watchers<LogLine> watchers;
-    std::function<void(const std::string&)> console = [](const std::string& line) {
-        std::cout << line + "\n" << std::flush;
-    };
+    std::function<void(const std::string&)> console;
 };
 
 std::string LogLine::text() const {
@@ -70,7 +66,7 @@ void Log::write(std::string_view title, platform::LogLevel level, std::string_vi
         const std::lock_guard lock(p.mutex);
         line.number = ++p.lastnumber;
         p.ring.push_back(line);
-        if (p.ring.size() > mostlines) p.ring.pop_front();
+        if (p.ring.size() > mostkept) p.ring.pop_front();
         const auto& target = !file.empty() ? file : title == servertitle ? p.serverfile : p.defaultfile;
         if (!target.empty() && !p.closed) p.files.write(target, text + "\r\n");
         if (line.onconsole && !p.quiet) console = p.console;
@@ -96,11 +92,12 @@ void Log::close() {
     parts_->files.close();
 }
 
-std::vector<LogLine> Log::lines(std::uint64_t after) const {
+std::vector<LogLine> Log::lines(std::uint64_t after, std::size_t most) const {
     const std::lock_guard lock(parts_->mutex);
     const auto& ring = parts_->ring;
     const auto lost = parts_->lastnumber - ring.size();  // numbers that have fallen out at the front
-    const auto skip = after <= lost ? 0 : std::min<std::uint64_t>(after - lost, ring.size());
+    const std::uint64_t known = after <= lost ? 0 : std::min<std::uint64_t>(after - lost, ring.size());
+    const auto skip = std::max<std::uint64_t>(known, ring.size() - std::min(ring.size(), most));
     return {ring.begin() + static_cast<std::ptrdiff_t>(skip), ring.end()};
 }
 

@@ -32,11 +32,12 @@ public:
     // Closes the files; later lines reach console, ring and watchers only. Any thread.
     void close();
 
-    // The last lines (at most 5000 are kept) with a number above `after`. Any thread.
-    [[nodiscard]] std::vector<LogLine> lines(std::uint64_t after = 0) const;
+    static constexpr std::size_t mostkept = 5000;
+    // The lines that are kept with a number above `after`, of these the last `most`. Any thread.
+    [[nodiscard]] std::vector<LogLine> lines(std::uint64_t after = 0, std::size_t most = mostkept) const;
     // Called for each line, on the thread that wrote it, outside of the log's lock, until the handle is dropped.
     [[nodiscard]] std::shared_ptr<void> watch(std::function<void(const LogLine&)> watcher);
-    // Where console lines go; standard output unless the console takes them.
+    // Where console lines go, which must not make the caller wait; nowhere at first.
     void setconsole(std::function<void(const std::string&)> out);
 
 private:

@@ -1,11 +1,20 @@
-// The terminal: what a person types, and that what the players hear and are asked is drawn once.
+// The terminal: what a person types, that what the players hear and are asked is drawn once, and that an output which
+// nobody reads holds up nobody.
 #include "host/console/console.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <pty.h>
+#include <signal.h>
+#include <termios.h>
 
+#include <cstdio>
 #include <sstream>
+#include <thread>
 
 #include "host/clients.h"
+#include "host/console/colours.h"
+#include "host/console/output.h"
 #include "host/demo/demo.h"
 #include "tests/host/manualserver.h"
 
@@ -19,14 +28,15 @@ class ConsoleTest : public coretests::ManualServer {
 protected:
     // What the line makes the console print.
     std::string typed(const std::string& line) {
-        out.str("");
+        out.clear();
         EXPECT_TRUE(console.line(line));
-        return out.str();
+        return out;
     }
 
-    std::ostringstream out;
+    std::string out;
+    host::Console::Show show = [this](const std::string& text) { out += host::terminaltext(text, false); };
     host::Clients clients{*server};
-    host::Console console{*server, clients, out, false};
+    host::Console console{*server, clients, show};
 };
 
 TEST_F(ConsoleTest, PlaysAPlayer) {
@@ -50,13 +60,13 @@ TEST_F(ConsoleTest, AFirstPurchaseInTheDemoMarket) {
     ASSERT_TRUE(host::makedemo(directory.path.string()));
     server->start();
     host::playdemo(*server);
-    host::Console market(*server, clients, out, false);
+    host::Console market(*server, clients, show);
     for (const char* line : {"join Alice", "Alice: ordomart formmenu", "Alice answer Selling", "Alice answer Orchard",
                              "Alice answer 3", "Alice answer Exit", "Alice screen"}) {
-        out.str("");
+        out.clear();
         market.line(line);
     }
-    EXPECT_THAT(out.str(), HasSubstr("Apple \u00d73"));
+    EXPECT_THAT(out, HasSubstr("Apple \u00d73"));
 }
 
 TEST_F(ConsoleTest, SaysWhatIsWrong) {
@@ -81,6 +91,86 @@ TEST_F(ConsoleTest, SaysWhatIsWrong) {
         {"Alice dances", "Alice can screen, form, answer"},
     };
     for (const auto& c : cases) EXPECT_THAT(typed(c.line), HasSubstr(c.told)) << c.line;
+}
+
+// Where Output writes to, and what has been read of it.
+struct Reader {
+    int end;
+    std::string text;
+    void readsuntil(const std::string& wanted) {
+        char buffer[4096];
+        for (ssize_t got = 1; text.find(wanted) == std::string::npos && got > 0;) {
+            got = ::read(end, buffer, sizeof buffer);
+            if (got > 0) text.append(buffer, static_cast<std::size_t>(got));
+        }
+    }
+};
+
+TEST(Output, DropsAndCountsWhatNobodyReads) {
+    int pipe[2];
+    ASSERT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
+    Reader reader{pipe[0], {}};
+    host::Output output(pipe[1]);
+    output.print("first");
+    reader.readsuntil("first\n");
+    constexpr int printed = 5000;
+    for (int i = 0; i < printed; ++i) output.print(fmt::format("{} {}", i, std::string(996, 'x')));
+    reader.text.clear();
+    reader.readsuntil("nobody read them)\n");
+    output.print("last");
+    reader.readsuntil("last\n");
+
+    std::istringstream lines(reader.text);
+    int next = 0, dropped = 0;
+    for (std::string line; std::getline(lines, line) && line != "last"; ++next)
+        if (std::sscanf(line.c_str(), "(%d lines were dropped", &dropped) == 1)
+            next += dropped - 1;
+        else
+            EXPECT_EQ(line.substr(0, line.find(' ')), std::to_string(next));
+    EXPECT_EQ(next, printed);
+    EXPECT_GT(dropped, 0);
+    EXPECT_GT(printed - dropped, 1000) << "a megabyte is kept";
+    for (const int end : pipe) ::close(end);
+}
+
+TEST(Output, StopsWithTheReaderAwayAndWritesWhatIsReadInTime) {
+    int pipe[2];
+    ASSERT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
+    {
+        host::Output output(pipe[1]);
+        output.print(std::string(1 << 19, 'x'));
+    }
+    Reader reader{pipe[0], {}};
+    std::thread reading([&] { reader.readsuntil("the end\n"); });
+    {
+        host::Output output(pipe[1]);
+        output.print("the end");
+    }
+    reading.join();
+    ::close(pipe[0]);
+    ::signal(SIGPIPE, SIG_IGN);
+    host::Output output(pipe[1]);
+    for (int i = 0; i < 3; ++i) output.print("to nobody");
+    output.stop();
+    ::close(pipe[1]);
+}
+
+TEST(Output, ATerminalThatIsHeldGoesOnWhereItStood) {
+    int near = -1, far = -1;
+    ASSERT_EQ(::openpty(&far, &near, nullptr, nullptr, nullptr), 0);
+    Reader reader{far, {}};
+    ASSERT_EQ(::tcflow(near, TCOOFF), 0);
+    {
+        host::Output output(near);
+        for (int i = 0; i < 3000; ++i) output.print(fmt::format("{} {}", i, std::string(996, 'x')));
+        ASSERT_EQ(::tcflow(near, TCOON), 0);
+        reader.readsuntil("nobody read them)");
+        EXPECT_THAT(reader.text, testing::StartsWith("0 xxx"));
+        ASSERT_EQ(::tcflow(near, TCOOFF), 0);
+        output.print("held");
+    }
+    ::close(near);
+    ::close(far);
 }
 
 }  // namespace

@@ -261,7 +261,6 @@ TEST_F(HardStop, ATermSignalSavesEverything) {
         if (HasFatalFailure()) return;
         for (const std::size_t number : {0, 1, 1, 3}) ASSERT_TRUE(buys(number));
         EXPECT_EQ(soldonfile(), Counts{}) << "nothing was due to be saved yet";
-        api.reset();  // a connection that is kept open would hold the end up for a second
         process->kill(SIGTERM);
         EXPECT_EQ(process->wait(), 0);
         EXPECT_EQ(process->errors(), "");
@@ -281,7 +280,6 @@ TEST_F(HardStop, WhatAStopCannotSaveIsToldAndThereAtTheNextStart) {
             SQLite::Database other(world, SQLite::OPEN_READWRITE);
             const SQLite::Transaction locked(other, SQLite::TransactionBehavior::IMMEDIATE);
             ASSERT_TRUE(buys(1));
-            api.reset();
             process->kill(SIGTERM);
             EXPECT_EQ(process->wait(), 2);
         }
@@ -313,6 +311,23 @@ TEST(OrderlyStop, SavesABanThatWasOrderedRightBefore) {
     });
     server.stop();
     EXPECT_EQ(json::parse(directory.get(file)).value("/sell/shopstate/isbaned"_json_pointer, false), true);
+}
+
+// What the program prints is read by whoever likes to: nobody, here.
+TEST_F(HardStop, AnOutputThatNobodyReadsStopsNothing) {
+    for (const bool quiet : {true, false}) {
+        SCOPED_TRACE(quiet);
+        process = std::make_unique<coretests::ServerProcess>(std::vector<std::string>{
+            directory.path.string(), "--empty", "--api-port", "0", "--token", "t", quiet ? "--quiet" : "--manual"});
+        const std::string said = process->readsuntil("/#token=");
+        api = std::make_unique<coretests::ApiCaller>(std::stoi(said.substr(said.find("127.0.0.1:") + 10)), "t");
+        ASSERT_EQ(api->post("/api/players", {{"name", "Alice"}}).status, 200);
+        // Far more than a pipe holds.
+        for (int i = 0; i < 300; ++i)
+            ASSERT_EQ(post("command", {{"line", "nonsense" + std::string(2000, 'x')}}), 200) << i;
+        process->kill(SIGTERM);
+        EXPECT_EQ(process->wait(), 0);
+    }
 }
 
 TEST(FailingStart, SaysWhyInOneLineAndOverwritesNothing) {

@@ -88,14 +88,30 @@ TEST_F(Wire, refusesbadnames) {
         {"language", {.name = "Bob", .language = "../../etc"}},
         {"name that is online", {.name = "alice", .xuid = "7"}},
         {"xuid that is online", {.name = "Bob", .xuid = "1001"}},
+        {"nobody's xuid", {.name = "Bob", .xuid = "0"}},
+        {"one xuid twice", {.name = "Bob", .xuid = "01001"}},
+        {"a blank in front", {.name = " Bob", .xuid = "2"}},
+        {"two blanks", {.name = "B  ob", .xuid = "2"}},
     };
+    // With each of these the name looks like another's.
+    const char* const looksalike[] = {"\u200e", "\u200f",     "\u202a",    "\u202b", "\u202c", "\u202d", "\u202e",
+                                      "\u2066", "\u2067",     "\u2068",    "\u2069", "\u061c", "\u200b", "\u200c",
+                                      "\u200d", "\u2060",     "\ufeff",    "\u00a0", "\u3000", "\u3164", "\u00ad",
+                                      "\u0301", "\u00a7",     "\ue100",    "\ufe0f", "\u0085", "\u2028", "\ufffd",
+                                      "\uffff", "\U000e0041", "\U0010ffff"};
     join({.name = "Alice", .xuid = "1001"});
     for (const auto& [what, request] : bad) {
         SCOPED_TRACE(what);
         EXPECT_THROW(join(request), std::runtime_error);
     }
+    for (const std::string mark : looksalike)
+        for (const std::string& name : {mark + "Alice", "Ali" + mark + "ce", "Alice" + mark}) {
+            SCOPED_TRACE(name);
+            EXPECT_THROW(join({.name = name, .xuid = "2"}), std::runtime_error);
+        }
     EXPECT_NO_THROW(join({.name = "Bob_the 2nd", .xuid = "1002"}));
     EXPECT_NO_THROW(join({.name = "小清", .xuid = "1003"}));
+    EXPECT_NO_THROW(join({.name = "Jos\u00e9 \u0416\u05d0\u0639\U0001f600", .xuid = "1004"}));
 }
 
 TEST_F(Wire, aftertheleavingnobodyislistenedto) {

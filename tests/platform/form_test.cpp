@@ -1,8 +1,9 @@
 // Forms as clients are sent them, and what counts as an answer.
 #include "platform/form.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include "platform/foreignjson.h"
 #include "platform/formanswer.h"
 
 using namespace platform::Form;
@@ -68,4 +69,30 @@ TEST(FormAnswers, OfElements) {
     }
     EXPECT_TRUE(sample().readanswer(std::string(10000, '[')).empty());
     EXPECT_EQ(CustomForm("T").addDropdown("d", "none", {}).readanswer("[0]").at("d").getInt(), 0);
+}
+
+TEST(ForeignJson, IsReadToALimitedDepth) {
+    const auto nested = [](int levels) {
+        const auto count = static_cast<std::size_t>(levels);
+        return std::string(count, '[') + std::string(count, ']');
+    };
+    EXPECT_EQ(platform::readforeignjson(R"({"a":[1,"[[["]})"), json::parse(R"({"a":[1,"[[["]})"));
+    EXPECT_EQ(platform::readforeignjson(nested(platform::maxjsondepth)).dump(), nested(platform::maxjsondepth));
+    const std::pair<std::string, const char*> refused[] = {
+        {nested(platform::maxjsondepth + 1), "nested more than 64 levels deep"},
+        {std::string(500'000, '['), "nested more than 64 levels deep"},
+        {R"({"a":)" + nested(platform::maxjsondepth) + "}", "nested more than 64 levels deep"},
+        {"", "is no JSON"},
+        {"[1", "is no JSON"},
+        {"1e999", "is no JSON"},
+        {"\"\xff\"", "is no JSON"}};
+    for (const auto& [text, told] : refused) {
+        SCOPED_TRACE(text.substr(0, 20));
+        try {
+            (void)platform::readforeignjson(text);
+            ADD_FAILURE() << "it was read";
+        } catch (const platform::ForeignJsonError& e) {
+            EXPECT_THAT(e.what(), testing::HasSubstr(told));
+        }
+    }
 }

@@ -1,0 +1,34 @@
+// A file descriptor that people or programs read at their own pace, written by a thread of its own. Whoever prints
+// never waits: what does not fit into a bounded queue, since nobody reads (a pipe that is full, a terminal held with
+// Ctrl-S), is dropped and counted, and the count is told as soon as something can be written again.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <thread>
+
+namespace host {
+
+class Output {
+public:
+    static constexpr std::size_t mostwaiting = 1 << 20;  // bytes
+
+    explicit Output(int descriptor);
+    ~Output();  // stops
+
+    // Adds the end of line that is missing. Any thread.
+    void print(std::string text);
+    // What waits is written if that goes within a second; what is printed afterwards is lost.
+    void stop();
+
+private:
+    struct Parts;
+    static void write(Parts& parts);
+
+    // The thread's too: in the middle of a write that is stuck it can only be left behind.
+    std::shared_ptr<Parts> parts_;
+    std::thread thread_;
+};
+
+}  // namespace host
