@@ -15,6 +15,7 @@
 
 #include "plugin/chestmenu/decoration.h"
 #include "plugin/chestmenu/menutable.h"
+#include "plugin/shopsystem/listwalk.h"
 #include "plugin/shopsystem/playershopstate.h"
 
 namespace ordomart {
@@ -71,9 +72,10 @@ struct viewer {
 
 // How a view's rows are fetched and its picture comes back to the server thread.
 struct refreshplan {
-    const char* place;  // names the view in the log
-    // On the thread and not in a turn, when the list is to be made anew.
-    void (*prepare)(const viewer&);
+    const char* place;             // names the view in the log
+    std::optional<listkind> list;  // that is shown; a single shop's is that of the shop in view
+    // What else has to be there, fetched on a builder's thread and not in a turn, when the list is made anew.
+    void (*prepare)(const viewer&) = nullptr;
     bool preparesalways = false;
     void (*sort)(playershopstate&) = nullptr;  // each time
     const char* timeline = nullptr;

@@ -1,10 +1,10 @@
-// The thread of a refresh and its way back.
+// The errand of a refresh and its way back.
 #include "plugin/chestmenu/refresh.h"
 
-#include "platform/background.h"
 #include "platform/turn.h"
 #include "plugin/base/guards.h"
 #include "plugin/chestmenu/later.h"
+#include "plugin/shopsystem/listbuilders.h"
 
 namespace ordomart {
 
@@ -30,10 +30,11 @@ playershopstate& stateof(const viewer& who) {
     return getplayershopstate(who.xuid);
 }
 
-void fetch(const goodsview& view, const viewer& who) {
+void fetch(const goodsview& view, const viewer& who, listwork& work) {
     const auto& plan = view.plan;
     const querytimer timer;
-    if (who.reload || plan.preparesalways) plan.prepare(who);
+    if (who.reload && plan.list && !work.makelist()) return;
+    if (plan.prepare != nullptr && (who.reload || plan.preparesalways)) plan.prepare(who);
     if (who.reload && plan.drawhead != nullptr && !plan.onetask) drawlater(view, who, plan.drawhead);
     if (plan.sort != nullptr) plan.sort(stateof(who));
     if (plan.timeline != nullptr && (who.reload || plan.timesalways)) timer.write(plan.timeline);
@@ -52,7 +53,17 @@ void refresh(const goodsview& view, ServerPlayer* player, bool reload) {
                      reload,
                      beginpage(player)};
     const auto safely = [](const std::function<void()>& body) { envelope(body, nullptr, refreshenvelope); };
-    safely([&] { Background::start([&view, who, safely] { safely([&] { fetch(view, who); }); }); });
+    safely([&] {
+        listbuilders.order({.session = who.session,
+                            .xuid = who.xuid,
+                            .picture = &view,
+                            .list = reload ? view.plan.list : std::nullopt,
+                            .shop = who.viewedshop,
+                            .isslow = view.plan.prepare != nullptr,
+                            .body = [&view, who, safely](listwork& work) { safely([&] { fetch(view, who, work); }); }});
+    });
 }
+
+void droprefresh(const goodsview& view, const ServerPlayer* player) { listbuilders.drop(player->sessionid(), &view); }
 
 }  // namespace ordomart

@@ -3,6 +3,7 @@
 
 #include "plugin/chestmenu/clickgrammar.h"
 #include "plugin/chestmenu/opening.h"
+#include "plugin/chestmenu/refresh.h"
 
 namespace ordomart {
 
@@ -15,6 +16,7 @@ public:
 
 private:
     static bool onclose(ServerPlayer* player, ItemStackRequestAction*, ListenRecorder* record) {
+        droprefresh(View, player);
         return Closed(player, *record);
     }
     static bool onclick(ServerPlayer* player, ItemStackRequestAction* action, ListenRecorder* record) {

@@ -23,7 +23,7 @@ constexpr goodsview view{
     .buttons = buttons,
     .back = screen::ordomenu,
     .plan = {.place = "Ordorecycleglobalshoppreviewprehandlermain",
-             .prepare = [](const viewer& who) { recycleshop::prepareglobalrecycleshopfilterforplayer(who.xuid); },
+             .list = listkind::globalrecycle,
              .sort = &sortrecyclereadlist,
              .timeline = "total query time:{}s",
              .timesalways = true,

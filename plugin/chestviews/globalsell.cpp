@@ -24,7 +24,7 @@ constexpr goodsview view{
     .back = screen::ordomenu,
     .backblankstwice = true,
     .plan = {.place = "Ordosellglobalshoppreviewprehandlermain",
-             .prepare = [](const viewer& who) { sellshop::prepareglobalsellshopfilterforplayer(who.xuid); },
+             .list = listkind::globalsell,
              .sort = &sortsellreadlist,
              .timeline = "total query and sort time:{}s",
              .timesalways = true,

@@ -10,21 +10,20 @@ namespace ordomart {
 
 namespace {
 
-enum pagebuttons : unsigned { lastpagebutton = 1, nextpagebutton = 2 };
+// The page that a form shows. Its buttons mean this page, whatever page the player is on when he presses them.
+struct sentpage {
+    std::int32_t number;
+    bool hasprevious, hasnext;
+};
 
-void answered(ServerPlayer* player, const listform& form, unsigned pagebuttons, int button) {
-    auto& page = getplayershopstate(player->getXuid()).*form.page;
-    if ((pagebuttons & lastpagebutton) != 0 && button-- == 0) {
-        page = std::max(page - 1, 0);
+void answered(ServerPlayer* player, const listform& form, const sentpage& sent, int button) {
+    const auto turnto = [&](std::int32_t page) {
+        getplayershopstate(player->getXuid()).*form.page = page;
         form.turned(player);
-        return;
-    }
-    if ((pagebuttons & nextpagebutton) != 0 && button-- == 0) {
-        ++page;
-        form.turned(player);
-        return;
-    }
-    const auto row = static_cast<std::size_t>(page) * pagesize + static_cast<std::size_t>(button);
+    };
+    if (sent.hasprevious && button-- == 0) return turnto(sent.number - 1);
+    if (sent.hasnext && button-- == 0) return turnto(sent.number + 1);
+    const auto row = static_cast<std::size_t>(sent.number) * pagesize + static_cast<std::size_t>(button);
     if (row < form.size(player)) {
         form.choose(player, row);
     } else {
@@ -47,27 +46,28 @@ std::string numberspart(const std::string& language, const char* countkey, std::
 }  // namespace
 
 void sendlistform(ServerPlayer* player, const listform& list) {
-    const auto page = getplayershopstate(player->getXuid()).*list.page;
     const auto count = list.size(player);
     const auto lastpage = static_cast<std::int32_t>(count / pagesize);
+    // The list may have become shorter since the page was chosen.
+    auto& page = getplayershopstate(player->getXuid()).*list.page;
+    page = std::clamp(page, 0, lastpage);
+    const sentpage sent{page, page > 0, page < lastpage};
 
     Form::SimpleForm form(tr(player, list.titlekey),
                           list.header + filled(tr(player, list.contentkey), page + 1, lastpage + 1, count));
-    unsigned pagebuttons = 0;
-    if (page > 0) {
-        form.addButton("\uE04DLast page\n上一页", "textures/ui/book_shiftleft_default.png");
-        pagebuttons |= lastpagebutton;
-    }
-    if (page < lastpage) {
-        form.addButton("Next page\uE04F\n下一页", "textures/ui/book_shiftright_default.png");
-        pagebuttons |= nextpagebutton;
-    }
+    if (sent.hasprevious) form.addButton("\uE04DLast page\n上一页", "textures/ui/book_shiftleft_default.png");
+    if (sent.hasnext) form.addButton("Next page\uE04F\n下一页", "textures/ui/book_shiftright_default.png");
     const auto first = static_cast<std::size_t>(page) * pagesize;
-    for (auto row = first; row < std::min(first + pagesize, count); ++row) form.addButton(list.text(player, row));
+    for (auto row = first; row < std::min(first + pagesize, count); ++row) {
+        // One that cannot be shown keeps its place, so that the others mean themselves.
+        std::string text;
+        envelopeat(list.place, [&] { text = list.text(player, row); });
+        form.addButton(text);
+    }
 
     sendform(player, form, {list.place, list.closed},
-             [shared = std::make_shared<const listform>(list), pagebuttons](ServerPlayer* who, int button) {
-                 answered(who, *shared, pagebuttons, button);
+             [shared = std::make_shared<const listform>(list), sent](ServerPlayer* who, int button) {
+                 answered(who, *shared, sent, button);
              });
 }
 

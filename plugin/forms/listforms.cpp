@@ -1,11 +1,9 @@
-// The lists of all goods and of all commissions. A list is gathered on a thread of its own and shown on the server
-// thread; page turns and the way back from a confirm form show it as it was.
-#include "platform/background.h"
+// The lists of all goods and of all commissions. A list is made beside the server thread and shown on it; page turns
+// and the way back from a confirm form show it as it was.
 #include "plugin/base/screens.h"
 #include "plugin/forms/listform.h"
 #include "plugin/forms/openers.h"
-#include "plugin/shopsystem/recycleshop.h"
-#include "plugin/shopsystem/sellshop.h"
+#include "plugin/shopsystem/listbuilders.h"
 
 namespace ordomart {
 
@@ -40,8 +38,7 @@ listform recycleform() {
     return form;
 }
 
-opresult openlist(ServerPlayer* player, bool refresh, const listform& form, void (*prepare)(const std::string& xuid),
-                  const char* timing) {
+opresult openlist(ServerPlayer* player, bool refresh, const listform& form, listkind list, const char* timing) {
     const auto show = [xuid = player->getXuid(), &form] {
         backtoplayer(xuid, form.place, [&form](ServerPlayer* who) { sendlistform(who, form); });
     };
@@ -49,14 +46,18 @@ opresult openlist(ServerPlayer* player, bool refresh, const listform& form, void
         show();
         return opresult::opened;
     }
-    Background::start([xuid = player->getXuid(), &form, prepare, timing, show] {
-        formenvelope(form.place, [&] {
-            const querytimer timer;
-            prepare(xuid);
-            timer.write(timing, form.place);
-            show();
-        });
-    });
+    listbuilders.order({.session = player->sessionid(),
+                        .xuid = player->getXuid(),
+                        .picture = &form,
+                        .list = list,
+                        .body = [&form, timing, show](listwork& work) {
+                            formenvelope(form.place, [&] {
+                                const querytimer timer;
+                                if (!work.makelist()) return;
+                                timer.write(timing, form.place);
+                                show();
+                            });
+                        }});
     return opresult::opened;
 }
 
@@ -69,14 +70,12 @@ const screenentry entries[] = {
 
 opresult openOrdosellshopAsformmenu(ServerPlayer* player, bool refresh) {
     static const listform form = sellform();
-    return openlist(player, refresh, form, sellshop::prepareglobalsellshopfilterforplayer,
-                    "total query time:{}s at {}");
+    return openlist(player, refresh, form, listkind::globalsell, "total query time:{}s at {}");
 }
 
 opresult openOrdorecycleshopAsformmenu(ServerPlayer* player, bool refresh) {
     static const listform form = recycleform();
-    return openlist(player, refresh, form, recycleshop::prepareglobalrecycleshopfilterforplayer,
-                    "total query time:{}s");
+    return openlist(player, refresh, form, listkind::globalrecycle, "total query time:{}s");
 }
 
 }  // namespace ordomart

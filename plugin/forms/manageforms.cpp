@@ -1,9 +1,10 @@
-// The operators' tools: bans, the list of shops to manage, the switch to the system shop. Shops are brought in on a
-// thread beside the server; what changes or shows something runs on the server thread.
+// The operators' tools: bans, the list of shops to manage, the switch to the system shop. Shops are brought in beside
+// the server thread, those of the list by a builder, that of a ban by the worker; what changes or shows something runs
+// on the server thread.
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <vector>
 
-#include "platform/background.h"
 #include "platform/clock.h"
 #include "platform/level.h"
 #include "platform/schedule.h"
@@ -13,8 +14,11 @@
 #include "plugin/base/screens.h"
 #include "plugin/formparts/formtools.h"
 #include "plugin/forms/openers.h"
+#include "plugin/shopsystem/brokenshops.h"
+#include "plugin/shopsystem/listbuilders.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
+#include "plugin/shopsystem/taskpool.h"
 
 namespace ordomart {
 
@@ -47,12 +51,19 @@ struct managelist {
     int standard = 0;  // the caller's own shop, so that confirming the form as it stands ends the management
 };
 
-std::string managelistentry(const std::string& xuid) {
-    globalruntimeshopmanager.bringin(xuid, sell);
-    const bool isknown = !PlayerInfo::fromXuid(xuid).empty();
+// Nothing for a shop that is broken: it cannot be managed. The own entry stands all the same, since it is the way out.
+std::optional<std::string> managelistentry(const std::string& xuid, bool isown) {
+    const auto owner = PlayerInfo::fromXuid(xuid);
+    try {
+        globalruntimeshopmanager.bringin(xuid, sell);
+    } catch (const std::exception& e) {
+        const Turn turn;
+        reportbroken(xuid, sell, e.what());
+        return isown ? std::optional("§a" + owner) : std::nullopt;
+    }
     const Turn turn;
     const auto& shop = globalruntimeshopmanager.getsellshop(xuid);
-    if (isknown) return "§a" + shop.ownername;
+    if (!owner.empty()) return "§a" + shop.ownername;
     return (shop.shopname.empty() ? shop.xuid : shop.shopname) + "§c(Fake)";
 }
 
@@ -86,11 +97,31 @@ void sendmanageform(ServerPlayer* player, const managelist& list) {
                 });
 }
 
+void gathermanagelist(const std::string& playerxuid, listwork& work) {
+    managelist list;
+    for (const auto& xuid : shopfilekeys()) {
+        if (!work.goeson()) return;
+        if (xuid.empty()) {
+            logger.error("find null json in datajson! at openmanagesetstateform");
+            return;
+        }
+        const bool isown = xuid == playerxuid;
+        const auto entry = managelistentry(xuid, isown);
+        if (!entry) continue;
+        if (isown) list.standard = static_cast<int>(list.entries.size());
+        list.entries.push_back(*entry);
+        list.xuids.push_back(xuid);
+    }
+    backtoplayer(
+        playerxuid, "openmanagesetstateform", [list](ServerPlayer* player) { sendmanageform(player, list); },
+        manageenvelope);
+}
+
 }  // namespace
 
 opresult setbanstate(ServerPlayer*, int type, const std::string& xuid, bool banned, const std::string& reason,
                      std::int64_t seconds) {
-    Background::start([order = banorder{type, xuid, banned, reason, seconds}] {
+    taskpool.enqueue([order = banorder{type, xuid, banned, reason, seconds}] {
         envelope(
             [&] {
                 if (order.istypeknown()) globalruntimeshopmanager.bringin(order.xuid, order.type);
@@ -101,24 +132,15 @@ opresult setbanstate(ServerPlayer*, int type, const std::string& xuid, bool bann
     return opresult::opened;
 }
 
-opresult openmanagesetstateform(const std::string& playerxuid) {
-    envelope(
-        [&] {
-            managelist list;
-            for (const auto& xuid : shopfilekeys()) {
-                if (xuid.empty()) {
-                    logger.error("find null json in datajson! at openmanagesetstateform");
-                    return;
-                }
-                if (xuid == playerxuid) list.standard = static_cast<int>(list.entries.size());
-                list.entries.push_back(managelistentry(xuid));
-                list.xuids.push_back(xuid);
-            }
-            backtoplayer(
-                playerxuid, "openmanagesetstateform", [list](ServerPlayer* player) { sendmanageform(player, list); },
-                manageenvelope);
-        },
-        nullptr, manageenvelope);
+opresult openmanagesetstateform(ServerPlayer* player) {
+    static constexpr char picture = 0;
+    listbuilders.order({.session = player->sessionid(),
+                        .xuid = player->getXuid(),
+                        .picture = &picture,
+                        .isslow = true,
+                        .body = [xuid = player->getXuid()](listwork& work) {
+                            envelope([&] { gathermanagelist(xuid, work); }, nullptr, manageenvelope);
+                        }});
     return opresult::opened;
 }
 

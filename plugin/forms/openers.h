@@ -26,8 +26,7 @@ opresult searchbyfilter(ServerPlayer* player, int type, const std::string& text,
                         bool initemname);
 opresult setbanstate(ServerPlayer* player, int type, const std::string& xuid, bool banned, const std::string& reason,
                      std::int64_t seconds);
-// The body of a thread of its own, which the caller starts; his xuid is taken on the server thread.
-opresult openmanagesetstateform(const std::string& playerxuid);
+opresult openmanagesetstateform(ServerPlayer* player);
 opresult openswitchsystemshop(ServerPlayer* player);
 
 }  // namespace ordomart

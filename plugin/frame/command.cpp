@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/background.h"
 #include "platform/level.h"
 #include "plugin/base/globals.h"
 #include "plugin/base/screens.h"
@@ -92,10 +91,7 @@ opresult ban(const call& c) {
 opresult unban(const call& c) { return orderban(c, false, "No Reason", noend, "the shop has been unbanned"); }
 
 opresult manage(const call& c) {
-    if (!c.given.target) {
-        Background::start([xuid = c.player->getXuid()] { openmanagesetstateform(xuid); });
-        return opresult::opened;
-    }
+    if (!c.given.target) return openmanagesetstateform(c.player);
     const std::string xuid = findother(c);
     if (xuid.empty()) return opresult::opened;
     getplayershopstate(c.player->getXuid()).manage(xuid);

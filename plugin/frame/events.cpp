@@ -8,6 +8,7 @@
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/objectives.h"
 #include "plugin/economy/offlinemoney.h"
+#include "plugin/shopsystem/listbuilders.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
@@ -37,6 +38,7 @@ bool onplayerjoin(const Event::PlayerJoinEvent& event) {
 }
 
 bool onplayerleft(const Event::PlayerLeftEvent& event) {
+    listbuilders.drop(event.player->sessionid());
     getplayershopstate(event.player->getXuid()).resetatleave();
     ChestInvontorymenuguihelper::listenermanager().forgetsession(event.player->sessionid());
     return true;

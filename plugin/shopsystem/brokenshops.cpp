@@ -22,6 +22,8 @@ std::map<std::pair<std::string, int>, account>& accounts() {
     return all;
 }
 
+int otherkind(int type) { return type == sell ? recycle : sell; }
+
 void tell(account& of, std::optional<std::uint32_t> revision, const std::string& fault) {
     if (of.revision != revision) of = {revision, {}};
     // One more than there are lines for, so that the last one, too, is written once.
@@ -41,9 +43,14 @@ void reportbroken(const baseshop& shop, int type, const std::string& fault) {
 void reportbroken(const std::string& xuid, int type, const std::string& fault) {
     account& of = accounts()[{xuid, type}];
     if (!of.told.contains(fault)) of = {};
+    // A file that does not parse has one fault, whichever half was asked for.
+    if (accounts()[{xuid, otherkind(type)}].told.contains(fault)) of.told.insert(fault);
     tell(of, std::nullopt, fault);
 }
 
-void forgetbroken(const std::string& xuid, int type) { accounts().erase({xuid, type}); }
+void forgetbroken(const std::string& xuid, int type) {
+    for (const auto& fault : accounts()[{xuid, type}].told) accounts()[{xuid, otherkind(type)}].told.erase(fault);
+    accounts().erase({xuid, type});
+}
 
 }  // namespace shopsystem

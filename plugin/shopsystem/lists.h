@@ -1,6 +1,6 @@
-// Filling and sorting the read lists. The builders run off the server thread and not in a turn: they take one for a
-// few rows at a time. Each empties or keeps the list as its callers need, clamps the page, and throws what a broken
-// shop file throws, with the rows so far in the list.
+// Filling and sorting the read lists of one player at once, on the thread that asks. That is never the server thread,
+// and not in a turn: one is taken for a few rows at a time. Each empties or keeps the list as its callers need and
+// clamps the page. Players' menus order their lists from the builders instead (listbuilders.h).
 #pragma once
 
 #include <string>
@@ -17,8 +17,8 @@ void preparesystemrecycle(const std::string& playerxuid);
 void preparesinglesell(const std::string& playerxuid, const std::string& shopxuid);
 void preparesinglerecycle(const std::string& playerxuid, const std::string& shopxuid);
 
-// By filterstep; 0 leaves the file order. Takes a turn to read and to replace the list, and sorts outside of it, unless
-// the caller is in one. A list that has been rebuilt meanwhile stays as it is.
+// By filterstep; 0 leaves the list as it is. Takes a turn to read and to replace the list, and sorts outside of it,
+// unless the caller is in one. A list that has been rebuilt meanwhile stays as it is.
 void sortsellreadlist(playershopstate& state);
 void sortrecyclereadlist(playershopstate& state);
 

@@ -3,6 +3,8 @@
 
 #include <unordered_map>
 
+#include "plugin/shopsystem/listbuilders.h"
+
 namespace shopsystem {
 
 namespace {
@@ -14,8 +16,8 @@ void playershopstate::resetatleave() {
     viewedshopid.clear();
     managedid = ordomart::managesnobody;
     menuopentime = 0;
-    recyclereadlist.clear();
-    sellreadlist.clear();
+    for (const auto kind : {listkind::globalsell, listkind::globalrecycle})
+        listbuilders.discard(emptylist(*this, kind));  // it may take long to free
     searchfilter = {};
     filterstep = 0;
     doubleclickmode = false;

@@ -17,9 +17,8 @@ bool contains(std::string_view source, std::string_view part) { return source.fi
 
 bool passes(const minimum& demanded) { return demanded.first <= demanded.second; }
 
-template <class Rows>
-bool passfields(const shopfilter& filter, const typename Rows::row& row, int mode) {
-    const auto& shop = Rows::shop(row.xuid);
+template <class Rows, class Shop>
+bool passfields(const shopfilter& filter, const typename Rows::row& row, const Shop& shop, int mode) {
     if (shop.revision != row.revision || row.*Rows::left == 0) return false;
 
     const std::pair<const std::string&, const std::string&> texts[] = {{filter.ownernamefilter, shop.ownername},
@@ -65,11 +64,16 @@ bool filterstring(const std::string& mfilter, const std::string& sourcestr) {
 }
 
 bool passfilter(const shopfilter& filter, const globalsellshopitem& row, int mode) {
-    return passfields<sellrows>(filter, row, mode);
+    return passfilter(filter, row, sellrows::shop(row.xuid), mode);
 }
-
 bool passfilter(const shopfilter& filter, const globalrecycleshopitem& row, int mode) {
-    return passfields<recyclerows>(filter, row, mode);
+    return passfilter(filter, row, recyclerows::shop(row.xuid), mode);
+}
+bool passfilter(const shopfilter& filter, const globalsellshopitem& row, const sellshop& shop, int mode) {
+    return passfields<sellrows>(filter, row, shop, mode);
+}
+bool passfilter(const shopfilter& filter, const globalrecycleshopitem& row, const recycleshop& shop, int mode) {
+    return passfields<recyclerows>(filter, row, shop, mode);
 }
 
 }  // namespace shopsystem

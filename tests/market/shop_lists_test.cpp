@@ -154,7 +154,6 @@ TEST(PlayerState, LeavingResetsWhatIsOfOneVisit) {
     state.menumode = 3;
     state.filter.minsellcount = 5;
     state.searchfilter.minsellcount = 5;
-    state.sellreadlist.add({});
     state.resetatleave();
     EXPECT_EQ(state.managedid, "114514");
     EXPECT_EQ(state.searchfilter.minsellcount, -1);
