@@ -168,8 +168,7 @@ TEST(Packets, EveryActionTypeAndNoOther) {
         "0a 02 03",
         "0b 02 03 05",
         "0c ac 02",
-        "0d ac 02 03 07 00 02 01 05 00 07 00 04 01 00 00 06 02 01 'q' 02 08 03 01 't' 0a 04 01 'n' 01 00 0c 05 01 'a' "
-        "0e",
+        "0d ac 02 03 06 00 02 01 05 00 07 00 04 01 00 00 06 02 01 'q' 02 08 03 01 't' 0a 04 01 'n' 01 00 0c",
         "0e ac 02",
         "0f ac 02 fe ff ff ff",
         "10 05 ac 02",
@@ -191,23 +190,74 @@ TEST(Packets, EveryActionTypeAndNoOther) {
     EXPECT_EQ(drop.requests[0].actions[0].source, (SlotInfo{28, 3, 7}));
     EXPECT_EQ(drop.requests[0].actions[0].amount, 5);
     EXPECT_EQ(drop.requests[0].actions[0].flag, 1);
-    EXPECT_THROW((void)readpacket<ItemStackRequestPacket>(bytes("01 05 01 14 00 00 00 00 00 00 00 00")), ReadError);
-    EXPECT_THROW((void)readpacket<ItemStackRequestPacket>(bytes("01 05 01 ff 00 00 00 00 00 00 00 00")), ReadError);
+}
+
+namespace {
+
+template <class P>
+void reads(std::string_view body) {
+    (void)readpacket<P>(body);
+}
+struct Case {
+    void (*read)(std::string_view);
+    std::string body;
+};
+constexpr auto request = &reads<ItemStackRequestPacket>;
+constexpr auto response = &reads<ItemStackResponsePacket>;
+constexpr auto slot = &reads<InventorySlotPacket>;
+constexpr auto content = &reads<InventoryContentPacket>;
+constexpr auto text = &reads<TextPacket>;
+constexpr auto opening = &reads<ContainerOpenPacket>;
+constexpr auto closing = &reads<ContainerClosePacket>;
+constexpr auto answer = &reads<ModalFormResponsePacket>;
+constexpr auto blockdata = &reads<BlockActorDataPacket>;
+constexpr auto command = &reads<CommandRequestPacket>;
+constexpr auto output = &reads<CommandOutputPacket>;
+constexpr auto gametype = &reads<SetPlayerGameTypePacket>;
+
+const std::string uuid = "00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00", requesttail = "00 00 00 00 00";
+
+}  // namespace
+
+// Each number at the end of what its kind allows, and one beyond.
+TEST(Packets, NumbersEndWhereTheWireDoes) {
+    const struct {
+        void (*read)(std::string_view);
+        std::string front, last, beyond, rest;
+    } ends[] = {
+        {closing, "", "7f", "80", "00"},
+        {opening, "", "7f", "80", "ff 00 00 00 01"},
+        {content, "", "7f", "80 01", "00"},
+        {slot, "", "7f", "80 01", "00 00"},
+        {command, "00", "0f", "10", uuid + "00 00"},
+        {output, "00" + uuid + "00", "03", "05", "00 00"},
+        {text, "", "0b", "0c", "00 00 00 00"},
+        {gametype, "", "0c", "0e", ""},
+        {gametype, "", "00", "01", ""},  // minus one
+        {answer, "05 00 01", "01", "02", ""},
+        {request, "01 05 01", "12", "14", requesttail},
+        {request, "01 05 01 0d 00 00 01", "04 00 00 00", "05 00", "00" + requesttail},
+        {request, "", "01 05 00", "02 05 00" + requesttail + "05 00", requesttail},  // two of one number
+        {response, "01 00 05 01", "1d 01 23", "1d 01 24", "00 00 00 00 00"},
+        {response, "01 00 05 01", "3c 01 32", "3d 01 32", "00 00 00 00 00"},
+    };
+    for (const auto& end : ends) {
+        SCOPED_TRACE(end.front + " " + end.beyond);
+        EXPECT_NO_THROW(end.read(bytes(end.front + end.last + end.rest)));
+        EXPECT_THROW(end.read(bytes(end.front + end.beyond + end.rest)), ReadError);
+    }
+    const auto full = [](std::size_t requests, std::size_t actions) {
+        ItemStackRequestPacket packet;
+        for (std::size_t i = 0; i < requests; ++i) packet.requests.push_back({static_cast<std::int32_t>(i)});
+        for (std::size_t i = 0; i < actions; ++i) packet.requests[i % requests].actions.emplace_back();
+        return topacket(packet).body();
+    };
+    EXPECT_NO_THROW(request(full(64, 256)));
+    EXPECT_THROW(request(full(65, 0)), ReadError);
+    EXPECT_THROW(request(full(2, 257)), ReadError);
 }
 
 TEST(Packets, HostileValuesAreRefused) {
-    struct Case {
-        std::function<void(std::string_view)> read;
-        std::string body;
-    };
-    const auto request = [](std::string_view b) { (void)readpacket<ItemStackRequestPacket>(b); };
-    const auto response = [](std::string_view b) { (void)readpacket<ItemStackResponsePacket>(b); };
-    const auto slot = [](std::string_view b) { (void)readpacket<InventorySlotPacket>(b); };
-    const auto content = [](std::string_view b) { (void)readpacket<InventoryContentPacket>(b); };
-    const auto text = [](std::string_view b) { (void)readpacket<TextPacket>(b); };
-    const auto close = [](std::string_view b) { (void)readpacket<ContainerClosePacket>(b); };
-    const auto answer = [](std::string_view b) { (void)readpacket<ModalFormResponsePacket>(b); };
-    const auto blockdata = [](std::string_view b) { (void)readpacket<BlockActorDataPacket>(b); };
     const std::string fourbillion = "ff ff ff ff 0f", item = "00 00 d8 04 01 00 00 00 00";
     const auto userdata = [&](const std::string& tag) {
         BinaryStream out;
@@ -236,13 +286,18 @@ TEST(Packets, HostileValuesAreRefused) {
         {slot, userdata(bytes("0a 00 00") + values::repeated(bytes("0a 00 00"), 10000) +
                         values::repeated(bytes("00"), 10001))},
         {blockdata, bytes("02 02 02 0a 00") + values::repeated(bytes("0a 00"), 10000)},
-        {text, bytes("0c 00 00 00 00")},                    // no such type
         {text, bytes("00 02 00 00 00")},                    // a bool of 2
         {text, bytes("00 00" + fourbillion + "61 00 00")},  // a long text
         {text, bytes("00 00 ff ff ff ff ff 00 00")},        // an endless varint
         {text, bytes("00 00 ff ff ff ff 1f 00 00")},        // one of 33 bits
-        {close, bytes("07 02")},
+        {closing, bytes("07 02")},
         {answer, bytes("05 02 01 31 00")},
+        {answer, bytes("05 01 01 '1' 01 00")},          // answered and closed
+        {answer, bytes("05 00 00")},                    // neither
+        {answer, bytes("05 01 01 ff 00")},              // not UTF-8
+        {text, bytes("01 00 01 c3 01 '(' 00 00")},      // nor in two pieces
+        {command, bytes("00 00" + uuid + "01 80 00")},  // nor a request's id
+        {blockdata, bytes("02 02 02 0a 01 'a' 00")},    // a root with a name
     };
     for (std::size_t i = 0; i < std::size(cases); ++i) EXPECT_THROW(cases[i].read(cases[i].body), ReadError) << i;
 }
