@@ -1,17 +1,13 @@
-// Start and stop of the plug-in as an operator sees them: log lines, files, and what a broken file does.
+// The start of the plug-in as an operator sees it: log lines, files, and what a broken file does.
 #include <gmock/gmock.h>
 
-#include "host/core/events.h"
 #include "platform/scoreboard.h"
 #include "platform/text.h"
 #include "tests/stage/stage.h"
 
 using namespace stage;
-using testing::AllOf;
 using testing::ElementsAre;
-using testing::EndsWith;
 using testing::HasSubstr;
-using testing::Not;
 using testing::StartsWith;
 
 namespace {
@@ -184,54 +180,6 @@ TEST(Start, WhereNothingCanBeWritten) {
                                    "[Ordomart][error] Can't find direct,try create:plugins/Ordomart/log/ ",
                                    "[Ordomart][error] create plugins/Ordomart/log/ error!"));
     EXPECT_EQ(stage.join("Ada", ada).types("ordomart getoffscores").chat(), "No:0");
-}
-
-TEST(Stop, WhatCannotBeSavedIsToldKeptAndTakenInLater) {
-    Stage stage;
-    const std::string file = base + "data/" + bob + ".json", aside = base + "unsaved/" + bob + ".sell.json";
-    stage.writeshop(bob, {good("apple", 7, 10)});
-    const std::string intact = stage.file(file);
-    std::vector<std::string> unsaved;
-    const auto restarts = [&] {
-        unsaved.clear();
-        stage.onserver([&] {
-            stage.server().events().listen([&](const platform::Event::ServerStoppedEvent& stopped) {
-                unsaved = stopped.unsaved;
-                return true;
-            });
-        });
-        stage.restart();
-    };
-    const auto listed = [&] {
-        const std::string text = stage.join("Ada", ada).types("ordomart formmenu").answers(0).formtext();
-        stage.clients().leave("Ada");
-        return text;
-    };
-    stage.join("Bea", "2535400000000003")
-        .setmoney(21)
-        .types("ordomart formmenu")
-        .answers(0)
-        .answers(0)
-        .fills({{"quantity", "3"}});
-    stage.write(file, "{");
-    restarts();
-    EXPECT_THAT(unsaved, ElementsAre(AllOf(StartsWith(file + " (sell): " + file + ": [json.exception.parse_error"),
-                                           EndsWith("; kept in " + aside + ", which the next start takes in"))));
-    EXPECT_THAT(told(stage).back(), StartsWith("[Ordomart][error] What was not saved waits in " + aside +
-                                               ", and its "
-                                               "shop stays closed: " +
-                                               file));
-    EXPECT_THAT(listed(), Not(HasSubstr("apple")));
-    EXPECT_EQ(stage.file(file), "{");
-
-    // Mended under the running server with a copy that is older than the trade.
-    stage.write(file, intact);
-    EXPECT_THAT(listed(), HasSubstr(":7   §f"));
-    EXPECT_THAT(stage.log(), HasSubstr("[info] What was not saved is taken in: " + aside + " is in " + file));
-    EXPECT_FALSE(stage.exists(aside));
-    restarts();
-    EXPECT_THAT(unsaved, ElementsAre());
-    EXPECT_THAT(listed(), HasSubstr(":7   §f"));
 }
 
 TEST(Languages, TheFileBelongsToTheOperatorAndIsCompleted) {

@@ -18,7 +18,7 @@
 #include "platform/clock.h"
 #include "platform/item.h"
 #include "platform/turn.h"
-#include "plugin/shopsystem/baseshop.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
 #include "tests/market/quiethost.h"
 
 namespace market_tests {
@@ -119,6 +119,13 @@ struct ShopHost : QuietHost {
         disk.contents[path(xuid)] = json({{"sell", sell}, {"recycles", recycles}}).dump();
     }
     json document(const std::string& xuid) { return json::parse(disk.contents.at(path(xuid))); }
+    // Of the manager, with the saves that they bring.
+    void ticks(int n) const {
+        for (; n > 0; --n) {
+            shopsystem::globalruntimeshopmanager.tick();
+            settle();
+        }
+    }
     // The worker has nothing left to do.
     void settle() const { background.wait(); }
     // How many lines hold the text.
@@ -128,5 +135,22 @@ struct ShopHost : QuietHost {
         return lines;
     }
 };
+
+inline shopsystem::sellshop& sells(const std::string& xuid) {
+    return shopsystem::globalruntimeshopmanager.getsellshop(xuid);
+}
+inline shopsystem::recycleshop& buys(const std::string& xuid) {
+    return shopsystem::globalruntimeshopmanager.getrecycleshop(xuid);
+}
+
+// What the body throws.
+inline std::string fault(const std::function<void()>& body) {
+    try {
+        body();
+        return "nothing";
+    } catch (const std::exception& e) {
+        return e.what();
+    }
+}
 
 }  // namespace market_tests

@@ -153,14 +153,6 @@ std::vector<std::string> Actor::sounds() const {
     return all;
 }
 
-std::string Actor::heard() const {
-    std::string all;
-    look([&](ModelClient& c) {
-        all = joined(c.sounds, [](const auto& s) { return fmt::format("{} {} {}", s.name, s.volume, s.pitch); });
-    });
-    return all;
-}
-
 json Actor::form() const {
     json front;
     look([&](ModelClient& c) {

@@ -48,7 +48,6 @@ public:
     [[nodiscard]] std::string replies() const;  // command output, likewise
     // Names, with volume and pitch behind them unless both are 1.
     [[nodiscard]] std::vector<std::string> sounds() const;
-    [[nodiscard]] std::string heard() const;     // "name volume pitch", joined by newlines
     [[nodiscard]] json form() const;             // in front; null when there is none
     [[nodiscard]] std::string formtext() const;  // every text of it, joined by newlines
     [[nodiscard]] bool menuopen() const;
