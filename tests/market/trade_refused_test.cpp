@@ -33,14 +33,20 @@ void opensshop(Stage& stage, Actor& alice) {
     alice.gives(8, "bread", 10);
 }
 
-// What the player is told; in a chest by a toast, and the view comes back.
-std::string does(Stage& stage, Actor& alice, const deed& what, bool chest) {
+// What the player is told; in a chest by a toast, and the view comes back. He answers the form, or closes it.
+std::string does(Stage& stage, Actor& alice, const deed& what, bool chest, bool closes = false) {
+    const auto answers = [&] {
+        if (closes)
+            alice.answers(nullptr);
+        else
+            alice.fills(what.answer);
+    };
     if (chest) {
         rests(stage);
         opens(stage, alice, what.command);
         alice.clicks(ContainerName::inventory, 9).forgets();
         rests(stage);
-        alice.fills(what.answer);
+        answers();
         stage.ticks(6);
         EXPECT_TRUE(alice.menuopen());
         EXPECT_EQ(alice.chat(), "");
@@ -48,7 +54,8 @@ std::string does(Stage& stage, Actor& alice, const deed& what, bool chest) {
         alice.closes();
         return told;
     }
-    alice.dismisses().types("ordomart formmenu").presses(what.list).presses(what.row).forgets().fills(what.answer);
+    alice.dismisses().types("ordomart formmenu").presses(what.list).presses(what.row).forgets();
+    answers();
     EXPECT_EQ(alice.toasts(), "");
     return alice.chat();
 }
@@ -226,8 +233,10 @@ TEST(TradeRefused, WhileTheServerCannotSave) {
     opensshop(stage, alice);
     stores.why = "server.sqlite cannot be written since yesterday";
     for (const deed* what : {&buying, &selling})
-        for (const bool chest : {false, true})
+        for (const bool chest : {false, true}) {
             EXPECT_EQ(does(stage, alice, *what, chest), (chest ? "SYSTEM: " : "") + closed);
+            EXPECT_EQ(does(stage, alice, *what, chest, true), "") << "who closes the form asks for nothing";
+        }
     EXPECT_EQ(alice.has(8) + std::to_string(alice.money()), "minecraft:bread*10100");
     stores.why.clear();
     EXPECT_EQ(does(stage, alice, buying, false) + does(stage, alice, selling, false), "");
