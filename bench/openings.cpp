@@ -359,7 +359,8 @@ std::string crowd(const std::string& module, int shops, int goods) {
     const double after = residentmb(), inuse = inusemb();
     const int threadsmost = market.morethreads();
     return fmt::format(
-        "{:4} more threads   {:4.1f} ticks a second   {:.0f} / {:.0f} / {:.0f} MB before / full / left, {:.0f} in use   "
+        "{:4} more threads   {:4.1f} ticks a second   {:.0f} / {:.0f} / {:.0f} MB before / full / left, {:.0f} in use  "
+        " "
         "quiet after {:5.2f} s   stopped in {:5.2f} s",
         threadsmost, rate, before, most, after, inuse, quiet, market.stops());
 }
