@@ -42,6 +42,7 @@ std::string does(Stage& stage, Actor& alice, const deed& what, bool chest, bool 
             alice.fills(what.answer);
     };
     if (chest) {
+        alice.dismisses();
         rests(stage);
         opens(stage, alice, what.command);
         alice.clicks(ContainerName::inventory, 9).forgets();
