@@ -3,7 +3,7 @@
 import * as api from "/api.js";
 import { calmly, h } from "/dom.js";
 
-const common = ["ordomart", "ordomart buy", "ordomart recycle", "ordomart ordomenu", "ordomart formmenu"];
+const common = ["ordomart", "ordomart buy", "ordomart recycle", "ordomart myshop", "ordomart ordomenu", "ordomart formmenu"];
 const started = ["ordomart search "];  // wants more words
 const mostkept = 50, mostoffered = 12, typingtime = 120;
 

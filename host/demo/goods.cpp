@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string_view>
@@ -69,12 +70,13 @@ struct Commission {
     const char* tag;
     int offer, wanted;
     bool filterdamage;
+    int collected = 0;  // has come in and waits for its owner
 };
 
 constexpr Commission commissions[] = {
-    {"Rosa", "wheat", "Wheat for the bakery", "every grain helps", "food", 3, 200, false},
+    {"Rosa", "wheat", "Wheat for the bakery", "every grain helps", "food", 3, 200, false, 120},
     {"Rosa", "egg", "Eggs", "", "food", 5, 64, false},
-    {"Bram", "cobblestone", "Stone for the wall", "any amount", "stone", 1, 1000, false},
+    {"Bram", "cobblestone", "Stone for the wall", "any amount", "stone", 1, 1000, false, 500},
     {"Bram", "iron_ingot", "Iron, I never have enough", "", "_ingot", 18, 128, false},
     {"Bram", "leather", "Leather", "for aprons", "materials", 8, 40, false},
     {"\u5c0f\u6e05", "paper", "\u6536\u7eb8", "\u62a4\u4e66\u7528", "\u6742\u8d27", 4, 128, false},
@@ -82,9 +84,30 @@ constexpr Commission commissions[] = {
      3, true},
 };
 
-std::string itemtext(const char* item, std::string_view userdata) {
-    return fmt::format("{{Count:1b,Damage:0s,Name:\"minecraft:{}\",WasPickedUp:0b{}}}", item,
+struct Discount {
+    const char* owner;
+    const char* tag;
+    const char* text;
+};
+
+constexpr Discount discounts[] = {
+    {"Rosa", "rare food", "-50"}, {"Bram", "tools", "%80"}, {"\u5c0f\u6e05", "\u88c5\u9970", "%90"}};
+
+// Shows an operator what a ban looks like, and how it is lifted.
+constexpr const char* bannedbuyer = "\u5c0f\u6e05";
+
+std::string itemtext(const char* item, std::string_view userdata, int count = 1) {
+    return fmt::format("{{Count:{}b,Damage:0s,Name:\"minecraft:{}\",WasPickedUp:0b{}}}", count, item,
                        userdata.empty() ? "" : fmt::format(",tag:{{{}}}", userdata));
+}
+
+// What has come in, as it came: full stacks and a rest.
+json stacksof(const Commission& commission) {
+    constexpr int full = 64;
+    json stacks = json::array();
+    for (int left = commission.collected; left > 0; left -= full)
+        stacks.push_back(itemtext(commission.item, "", std::min(left, full)));
+    return stacks;
 }
 
 json section(const DemoOwner& owner) {
@@ -122,14 +145,12 @@ json demoshop(const DemoOwner& owner) {
                                      {"shopitemleftnum", good.stock},
                                      {"itemnbt", itemtext(good.item, good.userdata)},
                                      {"allowbesearched", good.listed}});
-    // Two sales that do not end soon: a fifth off the tools, fifty coins off the rare food.
+    // They do not end soon.
     constexpr std::int64_t farahead = 4102444800;
-    if (name == "Bram")
-        sell["shopdiscount"] = {
-            {{"shopitemtag", "tools"}, {"discount", "%80"}, {"timestart", 0}, {"timeend", farahead}}};
-    if (name == "Rosa")
-        sell["shopdiscount"] = {
-            {{"shopitemtag", "rare food"}, {"discount", "-50"}, {"timestart", 0}, {"timeend", farahead}}};
+    for (const Discount& discount : discounts)
+        if (name == discount.owner)
+            sell["shopdiscount"] = {
+                {{"shopitemtag", discount.tag}, {"discount", discount.text}, {"timestart", 0}, {"timeend", farahead}}};
 
     json recycles = section(owner);
     recycles.update({{"recycleamount", 0}, {"recyclecost", 0}, {"recycleitems", json::array()}});
@@ -139,14 +160,18 @@ json demoshop(const DemoOwner& owner) {
                                                 {"recycleitemdescribe", wanted.describe},
                                                 {"recycleitemtag", wanted.tag},
                                                 {"recycleitemleftwanna", wanted.wanted},
-                                                {"nowhasrecyclenum", 0},
+                                                {"nowhasrecyclenum", wanted.collected},
                                                 {"offer", wanted.offer},
                                                 {"itemnbt", itemtext(wanted.item, "")},
                                                 {"allowbesearched", true},
                                                 {"filterauxordamage", wanted.filterdamage},
                                                 {"filterench", false},
                                                 {"filteritemnbt", false},
-                                                {"recycleditemnbtlist", json::array()}});
+                                                {"recycleditemnbtlist", stacksof(wanted)}});
+    if (name == bannedbuyer)
+        recycles["shopstate"] = {{"isbaned", true},
+                                 {"bantimeend", -1},
+                                 {"banreason", "\u793a\u4f8b\uff1a\u6b64\u5904\u6682\u505c\u56de\u6536"}};
     return {{"sell", std::move(sell)}, {"recycles", std::move(recycles)}};
 }
 

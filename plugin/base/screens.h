@@ -36,6 +36,12 @@ enum class screen {
     systemshopform,
     systemsellform,
     systemrecycleform,
+    goodslist,
+    uploadlist,
+    replenishlist,
+    commissionlist,
+    issuelist,
+    pickuplist,
     searchform,
     count,
     none = count

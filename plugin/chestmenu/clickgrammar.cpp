@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "plugin/base/effects.h"
+#include "plugin/base/guards.h"
 #include "plugin/chestmenu/refresh.h"
 
 namespace ordomart {
@@ -47,16 +48,40 @@ bool turnpage(const press& at, int step) {
     return false;
 }
 
-bool pressbutton(const press& at, int slot, bool byswap) {
+void hear(ServerPlayer* player, const sound& heard) {
+    if (heard.name != nullptr) playsound(player, heard.name, heard.pitch);
+}
+
+const viewbutton* buttonat(const goodsview& view, buttonrow row, int slot) {
+    const auto button = std::ranges::find_if(
+        view.buttons, [&](const auto& each) { return each.row == row && each.slot == slot; });
+    return button != view.buttons.end() ? &*button : nullptr;
+}
+
+bool pressbutton(const press& at, const viewbutton* button) {
+    if (button == nullptr) return false;
+    if (button->unlessbanned && at.view.isbanned(at.player)) {
+        playsound(at.player, "mob.villager.no");
+        return false;
+    }
+    hear(at.player, button->heard);
+    if (button->after != nullptr) return true;
+    if (button->act != nullptr) return button->act(at);
+    if (button->leadsto != screen::none) switchmenu(at.player, at.record, button->leadsto);
+    return false;
+}
+
+bool presshotbar(const press& at, int slot, bool byswap) {
     if (slot == previousslot) return turnpage(at, -1);
     if (slot == nextslot) return turnpage(at, 1);
-    const auto button = std::find_if(at.view.buttons.begin(), at.view.buttons.end(),
-                                     [&](const auto& each) { return each.slot == slot && (each.byswap || !byswap); });
-    if (button == at.view.buttons.end()) return false;
-    if (button->heard.name != nullptr) playsound(at.player, button->heard.name, button->heard.pitch);
-    if (button->act != nullptr) return button->act(at);
-    switchmenu(at.player, at.record, button->leadsto);
-    return false;
+    const auto* button = buttonat(at.view, buttonrow::hotbar, slot);
+    return button != nullptr && (button->byswap || !byswap) && pressbutton(at, button);
+}
+
+bool choose(const press& at, int slot) {
+    at.record->chosen = entryat(*at.record, slot);
+    hear(at.player, at.view.heardchoice);
+    return at.view.choice == nullptr || at.view.choice(at);
 }
 
 bool goback(const press& at) {
@@ -81,19 +106,32 @@ bool handleclick(const goodsview& view, ServerPlayer* player, ItemStackRequestAc
         case click::signthrown:
             return throwsign(player);
         case click::hotbar:
-            return pressbutton(at, slot, false);
+            return presshotbar(at, slot, false);
         case click::hotbarswap:
-            return pressbutton(at, slot, true);
+            return presshotbar(at, slot, true);
         case click::back:
             return goback(at);
         case click::armour:
-            return view.armour != nullptr && view.armour(at);
+            return pressbutton(at, buttonat(view, buttonrow::armour, slot));
         case click::listed:
-            return view.choice == nullptr || view.choice(at);
+            return choose(at, slot);
         case click::none:
             break;
     }
     return false;
+}
+
+bool handleclosed(const goodsview& view, ServerPlayer* player, const ListenRecorder& record) {
+    if (containermenuguihelper::nothingselected(player, record)) return false;
+    hear(player, view.heardclose);
+    const auto& chosen = record.selection;
+    envelope([&] {
+        if (chosen.isfrom(ContainerName::inventory)) return view.chosen(player, record.chosen);
+        const auto row = chosen.isfrom(ContainerName::armor) ? buttonrow::armour : buttonrow::hotbar;
+        if (const auto* button = buttonat(view, row, chosen.fromslot); button != nullptr && button->after != nullptr)
+            button->after(player);
+    });
+    return true;
 }
 
 }  // namespace ordomart

@@ -23,7 +23,8 @@ struct clickreading {
 
 [[nodiscard]] clickreading readclick(const ItemStackRequestAction& action);
 
-// A view's prehandler is this with its description.
+// A view's two handlers are these with its description.
 bool handleclick(const goodsview& view, ServerPlayer* player, ItemStackRequestAction* action, ListenRecorder* record);
+bool handleclosed(const goodsview& view, ServerPlayer* player, const ListenRecorder& record);
 
 }  // namespace ordomart

@@ -109,7 +109,7 @@ void clearplayerviewcontainers(ServerPlayer* player, std::initializer_list<std::
 
 namespace {
 
-falsestack helpsign(const ServerPlayer* player, const char* namekey, std::initializer_list<const char*> lorekeys) {
+falsestack helpsign(const ServerPlayer* player, const char* namekey, std::span<const char* const> lorekeys) {
     falsestack sign;
     setdisplayname(sign.tag, tr(player, namekey));
     sign.tag.putByte("Slot", 0);
@@ -117,19 +117,20 @@ falsestack helpsign(const ServerPlayer* player, const char* namekey, std::initia
     sign.tag.putShort("Damage", 3);
     setshine(sign.tag);
     clearlore(sign.tag);
-    for (const auto* key : lorekeys) addloreline(sign.tag, tr(player, key));
+    for (const auto* key : lorekeys)
+        if (key != nullptr) addloreline(sign.tag, tr(player, key));
     sign.load();
     return sign;
 }
 
 }  // namespace
 
-void sendhelpsign(ServerPlayer* player, const char* namekey, std::initializer_list<const char*> lorekeys) {
+void sendhelpsign(ServerPlayer* player, const char* namekey, std::span<const char* const> lorekeys) {
     sendcontainercontent(player, layout::offhand, {*helpsign(player, namekey, lorekeys).stack});
 }
 
 void setcursorsign(ServerPlayer* player, bool show) {
-    const auto sign = helpsign(player, "myshop.helper1", {"myshop.returnback"});
+    const auto sign = helpsign(player, "myshop.helper1", backlore);
     if (!show) sign.stack->setNull();
     sign.sendto(player, layout::ui, layout::cursorslot);
 }

@@ -4,6 +4,7 @@
 
 #include <initializer_list>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,8 +59,8 @@ void clearplayerview(ServerPlayer* player);
 void clearplayerviewcontainers(ServerPlayer* player, std::initializer_list<std::uint32_t> containerids);
 
 // The sign that helps and leads back: in the offhand, and on the cursor of a client that cannot click.
-void sendhelpsign(ServerPlayer* player, const char* namekey,
-                  std::initializer_list<const char*> lorekeys = {"myshop.returnback"});
+inline constexpr const char* backlore[] = {"myshop.returnback"};
+void sendhelpsign(ServerPlayer* player, const char* namekey, std::span<const char* const> lorekeys = backlore);
 void setcursorsign(ServerPlayer* player, bool show);
 
 }  // namespace ordomart

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -42,12 +43,20 @@ struct acceptedclick {
     [[nodiscard]] bool isfrom(ContainerName name) const { return fromcontainer == static_cast<std::uint8_t>(name); }
 };
 
+// What a listed slot of a picture shows: the place in the view's list, and a name that no other entry has, nor this one
+// in another state, since the list behind a picture may have changed by the time of a choice.
+struct pageentry {
+    std::int64_t row = -1;  // none
+    std::string name;
+};
+
+
 // What the client sees of a menu.
 struct menupicture {
     ordomart::screen menu = ordomart::screen::none;  // none before the first paint: no click counts
     std::uint64_t number = 0;          // no two of a run are alike: tells opening, menu and painting in one
     bool complete = false;             // until then only the way back counts, in the offhand and on the cursor
-    std::vector<std::string> entries;  // what stands in the listed slots, in a view's own words
+    std::vector<pageentry> entries;  // what stands in the listed slots, in a view's own words
 
     [[nodiscard]] bool takes(const ItemStackRequestAction& click) const;
 };
@@ -68,6 +77,8 @@ struct ListenRecorder {
     handler prehandler;
     acceptedclick selection;
     menupicture picture;
+    pageentry chosen;                  // the listed entry that the selection is, fixed at the click
+    std::optional<ItemStack> created;  // the item that was picked out of the creative list
 };
 
 struct newblockcontainerlistenersconfig {

@@ -59,7 +59,7 @@ bool isawaited(const ServerPlayer* player, std::uint64_t picture) {
     return record != nullptr && record->picture.number == picture;
 }
 
-void completepage(const ServerPlayer* player, std::vector<std::string> entries) {
+void completepage(const ServerPlayer* player, std::vector<pageentry> entries) {
     auto* const record = listenermanager().infront(player);
     if (record == nullptr) return;
     record->picture.complete = true;

@@ -15,6 +15,7 @@ namespace ordomart {
 
 using containermenuguihelper::ListenRecorder;
 using containermenuguihelper::menupicture;
+using containermenuguihelper::pageentry;
 using containermenuguihelper::plainhandler;
 
 // What a menu is painted over: an empty screen, or the player's own stacks.
@@ -45,6 +46,6 @@ void switchmenu(ServerPlayer* player, ListenRecorder* record, screen target);
 [[nodiscard]] std::uint64_t beginpage(ServerPlayer* player);
 [[nodiscard]] bool isawaited(const ServerPlayer* player, std::uint64_t picture);
 // The page has been painted, with these entries in the listed slots.
-void completepage(const ServerPlayer* player, std::vector<std::string> entries);
+void completepage(const ServerPlayer* player, std::vector<pageentry> entries);
 
 }  // namespace ordomart

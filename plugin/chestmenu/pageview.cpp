@@ -40,9 +40,11 @@ void drawpagebuttons(ServerPlayer* player, falsestack& builder, std::int64_t pag
 
 void drawbutton(ServerPlayer* player, falsestack& builder, const viewbutton& button) {
     auto look = button.look;
+    if (look.item == nullptr) return;
     if (button.statekey != nullptr) look.namekey = button.statekey(getplayershopstate(player->getXuid()));
     dress(builder, player, look, button.slot);
-    builder.sendto(player, layout::inventory, static_cast<std::uint32_t>(button.slot));
+    builder.sendto(player, button.row == buttonrow::armour ? layout::armour : layout::inventory,
+                   static_cast<std::uint32_t>(button.slot));
 }
 
 }  // namespace
@@ -70,14 +72,14 @@ void drawpage(ServerPlayer* player, const goodsview& view) {
     if (view.lostpageisfirst && page > lastpage) page = 0;
 
     falsestack goods;
-    std::vector<std::string> entries(pagesize);
+    std::vector<pageentry> entries(pagesize);
     auto slot = layout::firstlisted;
     for (auto i = std::int64_t{page} * pagesize; i < count && slot <= layout::lastlisted; ++i, ++slot) {
         // One good that cannot be shown must not take the rest of the page with it.
         envelopeat(view.plan.place, [&] {
             auto entry = view.row(player, goods, static_cast<std::size_t>(i));
             goods.sendto(player, layout::inventory, static_cast<std::uint32_t>(slot));
-            entries.at(static_cast<std::size_t>(slot - layout::firstlisted)) = std::move(entry);
+            entries.at(static_cast<std::size_t>(slot - layout::firstlisted)) = {i, std::move(entry)};
         });
     }
 
@@ -87,10 +89,10 @@ void drawpage(ServerPlayer* player, const goodsview& view) {
     completepage(player, std::move(entries));
 }
 
-std::string shownentry(const ListenRecorder& record, int slot) {
+pageentry entryat(const ListenRecorder& record, int slot) {
     const auto& shown = record.picture.entries;
     const auto place = static_cast<std::size_t>(slot - layout::firstlisted);
-    return place < shown.size() ? shown[place] : std::string();
+    return place < shown.size() ? shown[place] : pageentry();
 }
 
 void drawsign(ServerPlayer* player, const goodsview& view) { sendhelpsign(player, view.helpkey); }
@@ -104,7 +106,5 @@ bool putsignoncursor(const press& at) {
     setcursorsign(at.player, true);
     return false;
 }
-
-bool select(const press&) { return true; }
 
 }  // namespace ordomart

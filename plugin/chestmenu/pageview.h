@@ -50,15 +50,21 @@ struct sound {
 };
 inline constexpr sound clicksound{"random.click"};
 
+enum class buttonrow { hotbar, armour };
+
 struct viewbutton {
     int slot;
-    icon look;
+    icon look;  // without an item somebody else draws it
     // Gives the text where it depends on the player's state.
     const char* (*statekey)(const playershopstate&) = nullptr;
     sound heard = clicksound;
     bool byswap = false;  // answers to a swap from the cursor, too
     pressed act = nullptr;
     screen leadsto = screen::none;  // without `act`: the menu that is shown
+    buttonrow row = buttonrow::hotbar;
+    bool unlessbanned = false;  // a banned shop refuses the press
+    // The press ends the menu, and this follows its close.
+    void (*after)(ServerPlayer*) = nullptr;
 };
 
 // Who a refresh is for, as far as its thread needs to know. Taken on the server thread.
@@ -99,16 +105,19 @@ struct goodsview {
     bool backblankstwice = false;
     bool lostpageisfirst = false;  // a page behind the end becomes page 0; else it is shown empty
     pressed choice = nullptr;      // on a listed entry; without it every choice ends the menu
-    pressed armour = nullptr;      // on an armour slot; without it nothing
+    sound heardchoice = {};        // at such a click
+    sound heardclose = {};         // when the menu has closed with something chosen
+    void (*chosen)(ServerPlayer*, const pageentry&) = nullptr;  // what follows the choice of an entry
+    plainhandler closed = nullptr;                              // in place of all that follows a close
+    bool (*isbanned)(ServerPlayer*) = nullptr;                  // the shop that the buttons work on
     refreshplan plan;
 };
 
 // Shows the present page of the list as it is. From here on clicks on it count.
 void drawpage(ServerPlayer* player, const goodsview& view);
 
-// The name of the entry that a slot shows; empty where none is. The list behind a picture may have changed since: a
-// choice compares.
-[[nodiscard]] std::string shownentry(const ListenRecorder& record, int slot);
+// What a listed slot shows.
+[[nodiscard]] pageentry entryat(const ListenRecorder& record, int slot);
 
 // ---- heads
 void drawsign(ServerPlayer* player, const goodsview& view);
@@ -116,7 +125,6 @@ void drawsignandcursor(ServerPlayer* player, const goodsview& view);  // the cur
 
 // ---- buttons that views share
 bool putsignoncursor(const press& at);
-bool select(const press& at);
 inline constexpr viewbutton spyglassbutton{5,
                                            {"minecraft:spyglass",
                                             {},

@@ -7,17 +7,18 @@
 
 namespace ordomart {
 
-// `Closed` is what follows the end of the view, `Refresh` shows it, `Open` opens it.
-template <const goodsview& View, bool (*Closed)(ServerPlayer*, const ListenRecorder&),
-          void (*Refresh)(ServerPlayer*, bool reload), auto Open>
+// `Refresh` shows the view, `Open` opens it.
+template <const goodsview& View, void (*Refresh)(ServerPlayer*, bool reload), auto Open>
 class viewentry {
 public:
-    viewentry() : menu_(View.menu, {&onclose, &onclick, &draw, View.behind}), screen_(View.menu, &open) {}
+    viewentry()
+        : menu_(View.menu, {View.closed != nullptr ? View.closed : &onclose, &onclick, &draw, View.behind}),
+          screen_(View.menu, &open) {}
 
 private:
     static bool onclose(ServerPlayer* player, ItemStackRequestAction*, ListenRecorder* record) {
         droprefresh(View, player);
-        return Closed(player, *record);
+        return handleclosed(View, player, *record);
     }
     static bool onclick(ServerPlayer* player, ItemStackRequestAction* action, ListenRecorder* record) {
         return handleclick(View, player, action, record);

@@ -32,11 +32,16 @@ std::string drawpublicgood(ServerPlayer* player, falsestack& good, std::size_t i
 bool turnsort(const press& at);
 
 // Skull, sort, double-click mode, search. The spyglass and the compass keep the aux value of the name tag.
+template <class Rows>
 [[nodiscard]] constexpr std::array<viewbutton, 4> globalbuttons(const char* shopskey, screen shops) {
     return {{{2, {"minecraft:skull", 3, shopskey}, nullptr, clicksound, true, nullptr, shops},
              {3, {"minecraft:name_tag", 1, nullptr}, &sortkey, {"random.click", 0.6F}, true, &turnsort},
              spyglassbutton,
-             {6, {"minecraft:recovery_compass", {}, "searchform.title"}, nullptr, clicksound, false, &select}}};
+             {.slot = 6,
+              .look = {"minecraft:recovery_compass", {}, "searchform.title"},
+              .after = [](ServerPlayer* player) {
+                  openscreen(screen::searchform, player, {.type = Rows::type, .indescription = true});
+              }}}};
 }
 
 }  // namespace ordomart

@@ -12,7 +12,10 @@ namespace ordomart {
 namespace {
 
 constexpr const char* privateline = "error at besearched it shouldnt happen!";
-constexpr auto buttons = globalbuttons("recycleshop.filterbyplayer", screen::recycleshoplist);
+constexpr auto buttons = globalbuttons<recyclerows>("recycleshop.filterbyplayer", screen::recycleshoplist);
+
+constexpr tradechoice choice{
+    .face = tradeface::globalchest, .menu = screen::recycleshops, .tellchanged = true, .villager = true};
 
 constexpr goodsview view{
     .menu = screen::recycleshops,
@@ -22,6 +25,7 @@ constexpr goodsview view{
     .row = &drawpublicgood<recyclerows, privateline>,
     .buttons = buttons,
     .back = screen::ordomenu,
+    .chosen = [](ServerPlayer* player, const pageentry& entry) { followchoice<recyclerows>(player, entry, choice); },
     .plan = {.place = "Ordorecycleglobalshoppreviewprehandlermain",
              .list = listkind::globalrecycle,
              .sort = &sortrecyclereadlist,
@@ -30,14 +34,7 @@ constexpr goodsview view{
              .drawhead = &drawsignandcursor},
 };
 
-constexpr tradechoice choice{
-    .face = tradeface::globalchest, .tellchanged = true, .soundforrows = true, .searches = true};
-
-bool onclose(ServerPlayer* player, const ListenRecorder& record) {
-    return followchoice<recyclerows>(player, record, view.menu, choice);
-}
-
-const viewentry<view, &onclose, &Ordorecycleglobalshoppreviewprehandlermain, &openOrdorecycleshopsmenu> entered;
+const viewentry<view, &Ordorecycleglobalshoppreviewprehandlermain, &openOrdorecycleshopsmenu> entered;
 
 }  // namespace
 

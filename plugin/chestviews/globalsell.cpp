@@ -12,7 +12,13 @@ namespace ordomart {
 namespace {
 
 constexpr const char* privateline = "It shouldnt happen";
-constexpr auto buttons = globalbuttons("sellshop.filterbyplayer", screen::sellshoplist);
+constexpr auto buttons = globalbuttons<sellrows>("sellshop.filterbyplayer", screen::sellshoplist);
+
+constexpr tradechoice choice{.face = tradeface::globalchest,
+                             .menu = screen::sellshops,
+                             .lostrow = "error at globalsellshop ,low readlist size",
+                             .tellchanged = true,
+                             .tellretry = true};
 
 constexpr goodsview view{
     .menu = screen::sellshops,
@@ -23,6 +29,8 @@ constexpr goodsview view{
     .buttons = buttons,
     .back = screen::ordomenu,
     .backblankstwice = true,
+    .heardclose = {"mob.villager.haggle"},
+    .chosen = [](ServerPlayer* player, const pageentry& entry) { followchoice<sellrows>(player, entry, choice); },
     .plan = {.place = "Ordosellglobalshoppreviewprehandlermain",
              .list = listkind::globalsell,
              .sort = &sortsellreadlist,
@@ -31,17 +39,7 @@ constexpr goodsview view{
              .drawhead = &drawsignandcursor},
 };
 
-constexpr tradechoice choice{.face = tradeface::globalchest,
-                             .lostrow = "error at globalsellshop ,low readlist size",
-                             .tellchanged = true,
-                             .tellretry = true,
-                             .searches = true};
-
-bool onclose(ServerPlayer* player, const ListenRecorder& record) {
-    return followchoice<sellrows>(player, record, view.menu, choice);
-}
-
-const viewentry<view, &onclose, &Ordosellglobalshoppreviewprehandlermain, &openOrdosellshopsmenu> entered;
+const viewentry<view, &Ordosellglobalshoppreviewprehandlermain, &openOrdosellshopsmenu> entered;
 
 }  // namespace
 

@@ -32,6 +32,18 @@ struct writer {
         line("§o{}", row.*Rows::describe);
         line("§f§r§b【§2{}§b】", row.*Rows::tag);
     }
+    void owntitle() {
+        line("§f§r§l§f=====================");
+        line("§f§r§b{}:{}", T("shop.shopitemname"), row.*Rows::name);
+        line("§o{}", row.*Rows::describe);
+        line("§f§r§b【{}】", row.*Rows::tag);
+    }
+    void flag(const commissionflag& flag) {
+        line("§f§r{}:{}", T(flag.labelkey), flag.glyph(row));
+    }
+    void privacy() {
+        if (!row.allowbesearched) line("§r§d【§b{}§d】", T("shop.private"));
+    }
     void source() {
         line("§o{}:{}", T("shop.sourcefrom"), row.shopname);
         if (row.isopshop) addloreline(good.tag, opshopmark);
@@ -65,11 +77,33 @@ void addgoodlore(ServerPlayer* player, falsestack& good, const globalrecycleshop
     w.line("§f§r§g{} {}/{}", row.offer, getmoneyname(), w.T("measurement.entries"));
     for (const auto& flag : commissionflags) {
         if (w.detailed)
-            w.line("§f§r{}:{}", w.T(flag.labelkey), flag.glyph(row));
+            w.flag(flag);
         else if (row.*flag.set)
             w.line("§f§r{}", w.T(flag.labelkey));
     }
     w.source();
+}
+
+void addownlore(ServerPlayer* player, falsestack& good, const globalsellshopitem& row) {
+    writer<sellrows> w{player, good, row};
+    w.owntitle();
+    w.line("§f§r{}:{}", w.T("shopitem.leftnum"), row.shopitemleftnum);
+    const auto unit = fmt::format("{} {}/{}", row.realprice, getmoneyname(), w.T("measurement.entries"));
+    if (row.price != row.realprice)
+        w.line("§f§r§7{} §f§l-> §r§g{}", row.price, unit);
+    else
+        w.line("§f§r§g{}", unit);
+    w.privacy();
+}
+
+void addownlore(ServerPlayer* player, falsestack& good, const globalrecycleshopitem& row) {
+    writer<recyclerows> w{player, good, row};
+    w.owntitle();
+    w.line("§f§r{}:{}", w.T("recycleshopitem.leftnum"), row.recycleitemleftwanna);
+    w.line("§f§r{}:{}", w.T("recycleshopitem.hasrecyclenum"), row.nowhasrecyclenum);
+    w.line("§f§r§g{} {}/{}", row.offer, getmoneyname(), w.T("measurement.entries"));
+    for (const auto& flag : commissionflags) w.flag(flag);
+    w.privacy();
 }
 
 }  // namespace ordomart

@@ -10,4 +10,8 @@ namespace ordomart {
 void addgoodlore(ServerPlayer* player, falsestack& good, const globalsellshopitem& row);
 void addgoodlore(ServerPlayer* player, falsestack& good, const globalrecycleshopitem& row);
 
+// What the owner reads under his own.
+void addownlore(ServerPlayer* player, falsestack& good, const globalsellshopitem& row);
+void addownlore(ServerPlayer* player, falsestack& good, const globalrecycleshopitem& row);
+
 }  // namespace ordomart

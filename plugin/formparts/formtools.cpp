@@ -96,6 +96,11 @@ void toggleelement::show(Form::CustomForm& form, const std::string& locale, bool
 }
 bool toggleelement::on(const Form::Elements& answer) const { return answer.at(name).getBool(); }
 
+void sliderelement::show(Form::CustomForm& form, const std::string& locale, const range& numbers) const {
+    form.addSlider(name, tr(locale, labelkey), numbers.least, numbers.most, 1, numbers.standard);
+}
+int sliderelement::value(const Form::Elements& answer) const { return answer.at(name).getInt(); }
+
 void slotsliders::show(Form::CustomForm& form, const std::string& locale, const std::vector<slotcount>& slots) const {
     for (std::size_t i = 0; i < slots.size(); ++i) {
         form.addSlider(

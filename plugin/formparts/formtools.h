@@ -66,6 +66,17 @@ struct toggleelement {
     [[nodiscard]] bool on(const Form::Elements& answer) const;
 };
 
+struct sliderelement {
+    const char* name;
+    const char* labelkey;
+
+    struct range {
+        int least, most, standard;
+    };
+    void show(Form::CustomForm& form, const std::string& locale, const range& numbers) const;
+    [[nodiscard]] int value(const Form::Elements& answer) const;
+};
+
 // One slider for each inventory slot, from 0 to what was found in it, which is also the default.
 struct slotsliders {
     const char* nameprefix;  // the slider's place in the list follows

@@ -31,12 +31,6 @@ void answered(ServerPlayer* player, const listform& form, const sentpage& sent, 
     }
 }
 
-std::string namepart(const std::string& language, const std::string& name, const std::string& itemnbt,
-                     const std::string& mark) {
-    return fmt::format("{}:{}§r§f(§a{}§f){}", tr(language, "shop.shopitemname"), name,
-                       itemlocalname(itemfromsnbt(itemnbt), language), mark);
-}
-
 std::string numberspart(const std::string& language, const char* countkey, std::int32_t count,
                         const std::string& price) {
     return fmt::format("\n§f§r{}:{}   {} {}/{}", tr(language, countkey), count, price, getmoneyname(),
@@ -44,6 +38,12 @@ std::string numberspart(const std::string& language, const char* countkey, std::
 }
 
 }  // namespace
+
+std::string namepart(const std::string& language, const std::string& name, const std::string& itemnbt,
+                     const std::string& mark) {
+    return fmt::format("{}:{}§r§f(§a{}§f){}", tr(language, "shop.shopitemname"), name,
+                       itemlocalname(itemfromsnbt(itemnbt), language), mark);
+}
 
 void sendlistform(ServerPlayer* player, const listform& list) {
     const auto count = list.size(player);

@@ -29,6 +29,9 @@ struct listform {
 
 void sendlistform(ServerPlayer* player, const listform& form);
 
+// The name that a row's button begins with. `mark` stands behind it.
+[[nodiscard]] std::string namepart(const std::string& language, const std::string& name, const std::string& itemnbt,
+                                   const std::string& mark);
 // The text of a row's button. `mark` stands behind the name.
 [[nodiscard]] std::string rowtext(const std::string& language, const globalsellshopitem& row, const std::string& mark);
 [[nodiscard]] std::string rowtext(const std::string& language, const globalrecycleshopitem& row,

@@ -20,6 +20,21 @@ opresult readandopenrecycleFormmenu(ServerPlayer* player);
 opresult openOrdosellshopAsformmenu(ServerPlayer* player, bool refresh);
 opresult openOrdorecycleshopAsformmenu(ServerPlayer* player, bool refresh);
 
+// The owner's, on the shop that he manages or on his own.
+opresult openOrdomyshopAsformmenu(ServerPlayer* player, bool updatelang);
+opresult openOrdomyshopEditItemAsformmenu(ServerPlayer* player);
+opresult openOrdomyshopuploadItemAsformmenu(ServerPlayer* player);
+opresult openOrdomyshopreplenishmentAsformmenu(ServerPlayer* player);
+opresult openOrdomyrecycleshopAsformmenu(ServerPlayer* player, bool updatelang);
+opresult openOrdomyrecycleshopEditItemAsformmenu(ServerPlayer* player);
+opresult openOrdomyrecycleshopnewissueAsformmenu(ServerPlayer* player);
+opresult openOrdomyrecycleshoppickupAsformmenu(ServerPlayer* player);
+
+// The shared shop. The flag of its menu settles nothing.
+opresult openOrdosystemshopAsformmenu(ServerPlayer* player, bool unused);
+opresult openOrdosystemshopsellAsformmenu(ServerPlayer* player, bool refresh);
+opresult openOrdosystemshoprecycleAsformmenu(ServerPlayer* player, bool refresh);
+
 void setmyshopitemfiter(ServerPlayer* player);
 opresult opensearchitemform(ServerPlayer* player, int type, bool descdefault);
 opresult searchbyfilter(ServerPlayer* player, int type, const std::string& text, bool indesc, bool intag,

@@ -24,8 +24,6 @@ namespace {
 constexpr std::uint32_t offerlimit = 100000000;
 constexpr std::int32_t countlimit = 1000000000;
 
-bool isoperator(const Player& player) { return player.getCommandPermissionLevel() > CommandPermissionLevel::Any; }
-
 // In 64 bits. Of a record that has a negative count, as old ones may, it is negative.
 std::int64_t deposit(const recycleshopitem& item) {
     return static_cast<std::int64_t>(item.recycleitemleftwanna) * item.offer;
@@ -33,22 +31,6 @@ std::int64_t deposit(const recycleshopitem& item) {
 
 bool numberspass(const recycleshopitem& item) {
     return static_cast<std::uint32_t>(item.offer) < offerlimit && item.recycleitemleftwanna < countlimit;
-}
-
-// Nothing, or the refusal with both numbers.
-commissionresult mustown(const std::string& xuid, std::int64_t needed, refusal why) {
-    const auto has = moneyof(xuid);
-    if (!has) return refused(refusal::paymentrefused);
-    commissionresult result;
-    result.has = *has;
-    result.needed = needed;
-    if (result.has < needed) result.why = why;
-    return result;
-}
-
-bool paysfee(const Player& player, const recycleshop& shop) {
-    return !isoperator(player) && shop.recycleitems.is_array() &&
-           static_cast<std::int64_t>(shop.recycleitems.size()) > maxfreeslot;
 }
 
 // Two lines of one payment, the second also for a fee of nothing.
@@ -92,7 +74,7 @@ void keepelsewhere(recycleshopitem& item, const store& parted) {
     item.recycleditemnbtlist = parted.elsewhere;
 }
 
-void handover(ServerPlayer* player, const store& parted, commissionresult& result) {
+void handover(ServerPlayer* player, const store& parted, ownerresult& result) {
     for (const storedstack& stack : parted.here) givepieces(player, stack.item, stack.pieces);
     result.pieces = parted.pieces;
     result.keptstacks = static_cast<std::int64_t>(parted.elsewhere.size());
@@ -114,8 +96,8 @@ void takeform(recycleshopitem& item, const recycleshopitem& form) {
     item = std::move(changed);
 }
 
-commissionresult settle(ServerPlayer* player, std::int64_t before, std::int64_t after) {
-    commissionresult result;
+ownerresult settle(ServerPlayer* player, std::int64_t before, std::int64_t after) {
+    ownerresult result;
     if (isoperator(*player) || before == after) return result;
     const std::string& xuid = player->getXuid();
     if (after < before) {
@@ -132,12 +114,6 @@ commissionresult settle(ServerPlayer* player, std::int64_t before, std::int64_t 
 
 }  // namespace
 
-commissionresult refused(refusal why) {
-    commissionresult result;
-    result.why = why;
-    return result;
-}
-
 void writeback(recycleshop& shop, int index, const recycleshopitem& item) {
     json record;
     tojson(item, record);
@@ -149,18 +125,14 @@ void finish(ServerPlayer* player, recycleshop& shop) {
     envelope([&] { player->refreshInventory(); });
 }
 
-std::int64_t publishfee(const Player& player, const recycleshop& shop) {
-    return paysfee(player, shop) ? extraslotcost : 0;
-}
-
-commissionresult publishcommission(ServerPlayer* player, const std::string& shopxuid, const recycleshopitem& wanted,
+ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid, const recycleshopitem& wanted,
                                    const publishrules& rules) {
-    if (!marketopen()) return refused(refusal::marketclosed);
+    if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
     const std::string xuid = player->getXuid();
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (rules.banfirst && shop.isbanned()) return refused(refusal::banned);
-    const std::int64_t fee = publishfee(*player, shop);
-    if (paysfee(*player, shop))
+    const std::int64_t fee = recordfee(*player, shop.recycleitems);
+    if (fee != 0)
         if (const auto result = mustown(xuid, fee, refusal::feeshort); !result.ok()) return result;
     if (!rules.banfirst && shop.isbanned()) return refused(refusal::banned);
     if (!numberspass(wanted) || wanted.recycleitemleftwanna < 1) return refused(refusal::badnumbers);
@@ -171,7 +143,7 @@ commissionresult publishcommission(ServerPlayer* player, const std::string& shop
     json record;
     tojson(published, record);
 
-    commissionresult result;
+    ownerresult result;
     if (!isoperator(*player)) {
         // Deposit and fee in one payment, so that neither can be refused behind the other.
         const std::int64_t price = deposit(wanted) + fee;
@@ -187,9 +159,9 @@ commissionresult publishcommission(ServerPlayer* player, const std::string& shop
     return result;
 }
 
-commissionresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision,
+ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision,
                                   const recycleshopitem& form) {
-    if (!marketopen()) return refused(refusal::marketclosed);
+    if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
     if (!numberspass(form)) return refused(refusal::badnumbers);
     recycleshopitem wanted = form;
     wanted.recycleitemleftwanna = std::max(wanted.recycleitemleftwanna, 0);
@@ -199,7 +171,7 @@ commissionresult adjustcommission(ServerPlayer* player, const std::string& shopx
     recycleshopitem item = shop.getrecycleitem(index);
     const bool ends = wanted.recycleitemleftwanna == 0;
     const store parted = ends ? partstore(item) : store();
-    commissionresult result = settle(player, deposit(item), deposit(wanted));
+    ownerresult result = settle(player, deposit(item), deposit(wanted));
     if (!result.ok()) return result;
 
     if (!ends) {
@@ -219,16 +191,16 @@ commissionresult adjustcommission(ServerPlayer* player, const std::string& shopx
     return result;
 }
 
-commissionresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index,
+ownerresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index,
                                   std::uint32_t revision) {
-    if (!marketopen()) return refused(refusal::marketclosed);
+    if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (const refusal why = staleness(shop, index, revision); why != refusal::none) return refused(why);
     recycleshopitem item = shop.getrecycleitem(index);
     const store parted = partstore(item);
     keepelsewhere(item, parted);
     writeback(shop, index, item);
-    commissionresult result;
+    ownerresult result;
     handover(player, parted, result);
     finish(player, shop);
     return result;

@@ -7,8 +7,6 @@
 
 namespace shopsystem {
 
-[[nodiscard]] commissionresult refused(refusal why);
-
 // The record takes the place of the one at the index, which holds.
 void writeback(recycleshop& shop, int index, const recycleshopitem& item);
 // Ends every operation: the shop counts as changed, the player sees his real inventory.

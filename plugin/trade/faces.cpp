@@ -9,7 +9,7 @@
 namespace ordomart {
 
 void reopen(ServerPlayer* player, const reopening& menu, const std::string& shopxuid) {
-    openscreen(menu.which, player, {.shop = shopxuid, .refresh = menu.refresh});
+    if (menu.which != screen::none) openscreen(menu.which, player, {.shop = shopxuid, .refresh = menu.refresh});
 }
 
 std::string answerlanguage(const facerecord& face, const ServerPlayer* player, const std::string& formlanguage) {

@@ -23,7 +23,9 @@ constexpr struct {
     {refusal::shopchanged, "myshop.error.shopinfoupdate"},
     {refusal::recordgone, "myshop.error.itemchanged"},
     {refusal::itembroken, "myshop.error.itemchanged"},
+    {refusal::slotsempty, "ERROR empty hand"},
     {refusal::slotschanged, owntext::slotschanged},
+    {refusal::denied, "permission.deny"},
     {refusal::paymentrefused, owntext::paymentrefused},
 };
 

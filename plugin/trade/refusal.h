@@ -9,7 +9,7 @@ namespace shopsystem {
 enum class refusal {
     none,
     marketclosed,    // what would change now could not be saved
-    badquantity,     // not to be had in this quantity
+    badquantity,     // not to be had in this quantity, or for so long
     badnumbers,      // an offer or a count out of range
     banned,          // the shop is
     feeshort,        // not enough money for the fee of a further record
@@ -17,7 +17,9 @@ enum class refusal {
     shopchanged,     // since the player saw it
     recordgone,      // the place in the shop is empty
     itembroken,      // what is stored there is no item of this server
+    slotsempty,      // nothing lies in the chosen slot
     slotschanged,    // none of the chosen slots holds what it held
+    denied,          // the shop is not his, or it takes an operator
     paymentrefused,  // by whoever keeps the money
 };
 

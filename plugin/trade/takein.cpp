@@ -47,14 +47,14 @@ json recyclingrecord(const Player& player, const recycleshopitem& working, std::
 
 }  // namespace
 
-commissionresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recycleshopitem working,
+ownerresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recycleshopitem working,
                              const std::vector<slotcount>& slots, const std::vector<int>& asked) {
     if (!ordomart::marketopen()) return refused(refusal::marketclosed);
     PlayerInventory& inventory = player->getSupplies();
     const auto now = wantedslots(inventory, working, slots, asked);
     if (now.held.empty() && now.changed) return refused(refusal::slotschanged);
 
-    commissionresult result;
+    ownerresult result;
     result.slotschanged = now.changed;
     std::vector<slotcount> leaving;
     for (const auto& [slot, offered] : now.held) {

@@ -185,8 +185,17 @@ private:
         return std::regex_search(text, found, std::regex("([0-9]+) LLmoney")) ? found[1].str() : std::string();
     }
 
+    // The story stays with the main menu and the two lists of everything.
+    [[nodiscard]] static bool leadsaway(const Actor& actor, const place& at) {
+        if (at.container == 6) return at.slot == 2 && actor.shown(armorid, 2) == "minecraft:chest*1";
+        if (at.container != 28) return false;
+        const auto stack = actor.shown(inventoryid, at.slot);
+        return stack == "minecraft:ender_chest*1" || (at.slot == 2 && stack == "minecraft:skull*1");
+    }
+
     void presses(const step& s, std::vector<std::vector<platform::ItemStackRequestAction>> batch) {
         Actor& actor = *actors_[s.who];
+        if (actor.menuopen() && (leadsaway(actor, s.from) || leadsaway(actor, s.to))) return;
         const auto* const slot = std::find_if(std::begin(visible), std::end(visible), [&](const auto& each) {
             return each.container == s.from.container && s.from.slot >= each.first && s.from.slot <= each.last;
         });

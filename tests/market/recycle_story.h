@@ -25,7 +25,7 @@
 namespace recycling {
 
 using nlohmann::json;
-using shopsystem::globalruntimeshopmanager, shopsystem::commissionresult, shopsystem::recycleshopitem;
+using shopsystem::globalruntimeshopmanager, shopsystem::ownerresult, shopsystem::recycleshopitem;
 
 enum class act { publish, adjust, pickup, list, answer, stock, die, away, ban, opshop, save, forget };
 inline constexpr const char* actnames[] = {"publish", "adjust", "pickup", "list",   "answer", "stock",
@@ -231,8 +231,8 @@ private:
         return now_ == after ? "" : "something changed on the disk";
     }
 
-    std::optional<commissionresult> trades(const step& s) {
-        std::optional<commissionresult> result;
+    std::optional<ownerresult> trades(const step& s) {
+        std::optional<ownerresult> result;
         if (s.what == act::list) actors_[s.who]->dismisses();
         stage_.onserver([&] {
             auto* who = player(s.who);
@@ -281,7 +281,7 @@ private:
 
     // ---- the books
 
-    std::string wrong(const step& s, const picture& before, const std::optional<commissionresult>& result) {
+    std::string wrong(const step& s, const picture& before, const std::optional<ownerresult>& result) {
         std::size_t changed = players;
         for (std::size_t i = 0; i < players; ++i) {
             if (i != s.who && now_.money[i] != before.money[i]) return "somebody else's money moved";
@@ -300,7 +300,7 @@ private:
     }
 
     // Coins in purses and coins promised to sellers are one sum; pieces in hands, on the ground and in stores another.
-    std::string balance(const step& s, const picture& before, std::size_t changed, const commissionresult* result) {
+    std::string balance(const step& s, const picture& before, std::size_t changed, const ownerresult* result) {
         const bool isoperator = s.who == theoperator;
         const auto &then = before.shops[changed], &shop = now_.shops[changed];
         const auto grown = [&](const char* key) { return shop[key].get<int>() - then[key].get<int>(); };

@@ -40,8 +40,8 @@ struct Scene {
         stage.writeshop(owner, nullptr, recycleitems, json::object(), extra);
     }
     recycleshop& shop() { return globalruntimeshopmanager.getrecycleshop(owner); }
-    commissionresult does(::stage::Actor& actor, const std::function<commissionresult(ServerPlayer*)>& operation) {
-        commissionresult result;
+    ownerresult does(::stage::Actor& actor, const std::function<ownerresult(ServerPlayer*)>& operation) {
+        ownerresult result;
         stage.onserver([&] { result = operation(platform::host().level->getPlayerByXuid(actor.xuid())); });
         return result;
     }

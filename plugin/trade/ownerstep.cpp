@@ -1,0 +1,39 @@
+#include "plugin/trade/ownerstep.h"
+
+#include <nlohmann/json.hpp>
+
+#include "plugin/economy/economymanager.h"
+#include "plugin/economy/marketopen.h"
+
+namespace shopsystem {
+
+ownerresult refused(refusal why) {
+    ownerresult result;
+    result.why = why;
+    return result;
+}
+
+bool isoperator(const Player& player) { return player.getCommandPermissionLevel() > CommandPermissionLevel::Any; }
+
+refusal mayact(const Player& player, const std::string& shopxuid) {
+    if (!ordomart::marketopen()) return refusal::marketclosed;
+    return player.getXuid() == shopxuid || isoperator(player) ? refusal::none : refusal::denied;
+}
+
+ownerresult mustown(const std::string& xuid, std::int64_t needed, refusal why) {
+    const auto has = ordomart::moneyof(xuid);
+    if (!has) return refused(refusal::paymentrefused);
+    ownerresult result;
+    result.has = *has;
+    result.needed = needed;
+    if (result.has < needed) result.why = why;
+    return result;
+}
+
+std::int64_t recordfee(const Player& player, const nlohmann::json& records) {
+    const bool pays = !isoperator(player) && records.is_array() &&
+                      static_cast<std::int64_t>(records.size()) > ordomart::maxfreeslot;
+    return pays ? ordomart::extraslotcost : 0;
+}
+
+}  // namespace shopsystem
