@@ -53,8 +53,7 @@ void leave(const chooserview& view, ServerPlayer* player) {
 
 // The middle one of the three actions by which a client picks an item out of the creative list.
 bool pick(const chooserview& view, ServerPlayer* player, const ItemStackRequestAction& action, ListenRecorder* record) {
-    if (action.results.size() != 1)
-        return refuse(player, "It's not support to upload the item not equal one !", true);
+    if (action.results.size() != 1) return refuse(player, "It's not support to upload the item not equal one !", true);
     auto item = fromnetwork(action.results.front());
     if (!mayuse(player, item)) return false;
     item.set(1);

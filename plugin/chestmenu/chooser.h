@@ -1,6 +1,6 @@
-// A screen on which the player chooses one of his own stacks, bare but for the sign in the offhand. One that is creative
-// shows his client the creative list as well, so that he can name an item that he does not have; the client alone is
-// told so, and told the truth again however the screen is left.
+// A screen on which the player chooses one of his own stacks, bare but for the sign in the offhand. One that is
+// creative shows his client the creative list as well, so that he can name an item that he does not have; the client
+// alone is told so, and told the truth again however the screen is left.
 #pragma once
 
 #include <array>

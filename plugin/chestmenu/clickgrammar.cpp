@@ -53,8 +53,8 @@ void hear(ServerPlayer* player, const sound& heard) {
 }
 
 const viewbutton* buttonat(const goodsview& view, buttonrow row, int slot) {
-    const auto button = std::ranges::find_if(
-        view.buttons, [&](const auto& each) { return each.row == row && each.slot == slot; });
+    const auto button =
+        std::ranges::find_if(view.buttons, [&](const auto& each) { return each.row == row && each.slot == slot; });
     return button != view.buttons.end() ? &*button : nullptr;
 }
 

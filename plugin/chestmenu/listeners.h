@@ -50,12 +50,11 @@ struct pageentry {
     std::string name;
 };
 
-
 // What the client sees of a menu.
 struct menupicture {
     ordomart::screen menu = ordomart::screen::none;  // none before the first paint: no click counts
-    std::uint64_t number = 0;          // no two of a run are alike: tells opening, menu and painting in one
-    bool complete = false;             // until then only the way back counts, in the offhand and on the cursor
+    std::uint64_t number = 0;        // no two of a run are alike: tells opening, menu and painting in one
+    bool complete = false;           // until then only the way back counts, in the offhand and on the cursor
     std::vector<pageentry> entries;  // what stands in the listed slots, in a view's own words
 
     [[nodiscard]] bool takes(const ItemStackRequestAction& click) const;

@@ -1,5 +1,5 @@
-// Where the owner chooses a stack: one to put on sale, and one like which he wants others; the second may be an item that
-// he does not have.
+// Where the owner chooses a stack: one to put on sale, and one like which he wants others; the second may be an item
+// that he does not have.
 #include "plugin/chestmenu/chooser.h"
 #include "plugin/chestmenu/opening.h"
 #include "plugin/chestviews/openers.h"

@@ -34,14 +34,13 @@ bool turnsort(const press& at);
 // Skull, sort, double-click mode, search. The spyglass and the compass keep the aux value of the name tag.
 template <class Rows>
 [[nodiscard]] constexpr std::array<viewbutton, 4> globalbuttons(const char* shopskey, screen shops) {
-    return {{{2, {"minecraft:skull", 3, shopskey}, nullptr, clicksound, true, nullptr, shops},
-             {3, {"minecraft:name_tag", 1, nullptr}, &sortkey, {"random.click", 0.6F}, true, &turnsort},
-             spyglassbutton,
-             {.slot = 6,
-              .look = {"minecraft:recovery_compass", {}, "searchform.title"},
-              .after = [](ServerPlayer* player) {
-                  openscreen(screen::searchform, player, {.type = Rows::type, .indescription = true});
-              }}}};
+    return {
+        {{2, {"minecraft:skull", 3, shopskey}, nullptr, clicksound, true, nullptr, shops},
+         {3, {"minecraft:name_tag", 1, nullptr}, &sortkey, {"random.click", 0.6F}, true, &turnsort},
+         spyglassbutton,
+         {.slot = 6, .look = {"minecraft:recovery_compass", {}, "searchform.title"}, .after = [](ServerPlayer* player) {
+              openscreen(screen::searchform, player, {.type = Rows::type, .indescription = true});
+          }}}};
 }
 
 }  // namespace ordomart

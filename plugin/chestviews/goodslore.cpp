@@ -38,9 +38,7 @@ struct writer {
         line("§o{}", row.*Rows::describe);
         line("§f§r§b【{}】", row.*Rows::tag);
     }
-    void flag(const commissionflag& flag) {
-        line("§f§r{}:{}", T(flag.labelkey), flag.glyph(row));
-    }
+    void flag(const commissionflag& flag) { line("§f§r{}:{}", T(flag.labelkey), flag.glyph(row)); }
     void privacy() {
         if (!row.allowbesearched) line("§r§d【§b{}§d】", T("shop.private"));
     }

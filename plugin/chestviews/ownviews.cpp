@@ -1,13 +1,13 @@
-// The owner's pages: his goods and his commissions, to be adjusted, and the same to be replenished or picked up. All act
-// on the shop that he manages, or on his own.
+// The owner's pages: his goods and his commissions, to be adjusted, and the same to be replenished or picked up. All
+// act on the shop that he manages, or on his own.
 #include "platform/turn.h"
+#include "plugin/base/effects.h"
 #include "plugin/chestmenu/refresh.h"
 #include "plugin/chestmenu/viewentry.h"
 #include "plugin/chestviews/goodslore.h"
 #include "plugin/chestviews/openers.h"
 #include "plugin/chestviews/shopcard.h"
 #include "plugin/chestviews/views.h"
-#include "plugin/base/effects.h"
 #include "plugin/trade/commissionforms.h"
 #include "plugin/trade/goodsforms.h"
 #include "plugin/trade/shopforms.h"
@@ -38,8 +38,8 @@ template <class Rows, void (*Offer)(ServerPlayer*, const std::string&, std::int6
 void choose(ServerPlayer* player, const pageentry& entry) {
     const auto shopxuid = effectiveshop(player);
     const auto& shop = Rows::shop(shopxuid);
-    const bool same = holdsplace(shop.*Rows::records, entry.row) &&
-                      Rows::at(shop, static_cast<int>(entry.row)).itemnbt == entry.name;
+    const bool same =
+        holdsplace(shop.*Rows::records, entry.row) && Rows::at(shop, static_cast<int>(entry.row)).itemnbt == entry.name;
     Offer(player, shopxuid, same ? entry.row : -1, ownerside::chest);
 }
 
@@ -48,8 +48,8 @@ template <class Rows>
 void prepare(const viewer& who) {
     globalruntimeshopmanager.bringin(who.ownshop, Rows::type);
     const Turn turn;
-    notelook(Rows::shop(who.ownshop), {who.xuid, who.realname, who.language,
-                                       Rows::type == sell ? "'s shop" : "'s recycleshop", who.reload});
+    notelook(Rows::shop(who.ownshop),
+             {who.xuid, who.realname, who.language, Rows::type == sell ? "'s shop" : "'s recycleshop", who.reload});
 }
 
 template <class Rows>
@@ -180,7 +180,9 @@ const viewentry<pickupview, &Ordomyrecycleshoppickupitemprehandlermain, &openOrd
 }  // namespace
 
 void Ordomyshoppreviewprehandlermain(ServerPlayer* player, bool reload) { refresh(sellview, player, reload); }
-void Ordomyshopreplenishmentshopprehandlermain(ServerPlayer* player, bool reload) { refresh(reloadview, player, reload); }
+void Ordomyshopreplenishmentshopprehandlermain(ServerPlayer* player, bool reload) {
+    refresh(reloadview, player, reload);
+}
 void Ordomyrecycleshoppreviewprehandlermain(ServerPlayer* player, bool reload) { refresh(recycleview, player, reload); }
 void Ordomyrecycleshoppickupitemprehandlermain(ServerPlayer* player, bool reload) {
     refresh(pickupview, player, reload);

@@ -1,5 +1,5 @@
-// The shops of the server, a stack for each: those that sell something, and those that want something. A choice shows the
-// shop in the same container.
+// The shops of the server, a stack for each: those that sell something, and those that want something. A choice shows
+// the shop in the same container.
 #include "plugin/base/effects.h"
 #include "plugin/chestmenu/refresh.h"
 #include "plugin/chestmenu/viewentry.h"
@@ -45,7 +45,8 @@ void prepare(const viewer& who) {
 
 constexpr const char *sellprivate = "Its should not happen! in globalsellshopfilterbyplayerprehandlermain",
                      *recycleprivate = "Its shouldnt happen";
-constexpr const char *selllost = "error at singlesellshop ,low size", *recyclelost = "error at singlerecycleshop ,low size";
+constexpr const char *selllost = "error at singlesellshop ,low size",
+                     *recyclelost = "error at singlerecycleshop ,low size";
 constexpr viewbutton buttons[] = {spyglassbutton};
 
 constexpr goodsview sellview{
@@ -83,18 +84,23 @@ constexpr goodsview recycleview{
              .ticks = 1},
 };
 
-const viewentry<sellview, &globalsellshopfilterbyplayerprehandlermain, &openOrdosellshopfilterbyplayersmenu> sellentered;
+const viewentry<sellview, &globalsellshopfilterbyplayerprehandlermain, &openOrdosellshopfilterbyplayersmenu>
+    sellentered;
 const viewentry<recycleview, &globalrecycleshopfilterbyplayerprehandlermain, &openOrdorecycleshopfilterbyplayersmenu>
     recycleentered;
 
 }  // namespace
 
-void globalsellshopfilterbyplayerprehandlermain(ServerPlayer* player, bool reload) { refresh(sellview, player, reload); }
+void globalsellshopfilterbyplayerprehandlermain(ServerPlayer* player, bool reload) {
+    refresh(sellview, player, reload);
+}
 void globalrecycleshopfilterbyplayerprehandlermain(ServerPlayer* player, bool reload) {
     refresh(recycleview, player, reload);
 }
 
 opresult openOrdosellshopfilterbyplayersmenu(ServerPlayer* player) { return openchestmenu(player, sellview.menu); }
-opresult openOrdorecycleshopfilterbyplayersmenu(ServerPlayer* player) { return openchestmenu(player, recycleview.menu); }
+opresult openOrdorecycleshopfilterbyplayersmenu(ServerPlayer* player) {
+    return openchestmenu(player, recycleview.menu);
+}
 
 }  // namespace ordomart

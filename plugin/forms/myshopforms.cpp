@@ -32,18 +32,32 @@ constexpr ownmenubutton recyclebuttons[] = {
 constexpr ownmenu sellmenu{"openOrdomyshopAsformmenu", sell, "mainmenu.myshop", sellbuttons};
 constexpr ownmenu recyclemenu{"openOrdomyrecycleshopAsformmenu", recycle, "mainmenu.myreshop", recyclebuttons};
 
-constexpr ownlist adjustlist{"openOrdomyshopEditItemAsformmenu", sell, "myshop.adjustshop.form.menutitle",
-                             screen::myshopform, screen::goodslist, &offeradjust};
+constexpr ownlist adjustlist{"openOrdomyshopEditItemAsformmenu",
+                             sell,
+                             "myshop.adjustshop.form.menutitle",
+                             screen::myshopform,
+                             screen::goodslist,
+                             &offeradjust};
 // A turned page leads to the list of adjusting.
-constexpr ownlist replenishlist{"openOrdomyshopreplenishmentAsformmenu", sell,
-                                "myshop.replenishmentshop.form.menutitle", screen::myshopform, screen::goodslist,
+constexpr ownlist replenishlist{"openOrdomyshopreplenishmentAsformmenu",
+                                sell,
+                                "myshop.replenishmentshop.form.menutitle",
+                                screen::myshopform,
+                                screen::goodslist,
                                 &offerreplenish};
-constexpr ownlist commissionlist{"openOrdomyrecycleshopEditItemAsformmenu", recycle,
-                                 "myrecycleshop.adjustshop.form.menutitle", screen::myrecycleshopform,
-                                 screen::commissionlist, &offeradjustcommission};
-constexpr ownlist pickuplist{"openOrdomyrecycleshoppickupAsformmenu", recycle,
-                             "myrecycleshop.pickupitem.form.menutitle", screen::myrecycleshopform, screen::pickuplist,
-                             &offerpickup, true};
+constexpr ownlist commissionlist{"openOrdomyrecycleshopEditItemAsformmenu",
+                                 recycle,
+                                 "myrecycleshop.adjustshop.form.menutitle",
+                                 screen::myrecycleshopform,
+                                 screen::commissionlist,
+                                 &offeradjustcommission};
+constexpr ownlist pickuplist{"openOrdomyrecycleshoppickupAsformmenu",
+                             recycle,
+                             "myrecycleshop.pickupitem.form.menutitle",
+                             screen::myrecycleshopform,
+                             screen::pickuplist,
+                             &offerpickup,
+                             true};
 constexpr slotlist uploadlist{"openOrdomyshopuploadItemAsformmenu", sell, "myshop.onshop.form.menutitle",
                               screen::myshopform, &offerupload};
 constexpr slotlist issuelist{"openOrdomyrecycleshopnewissueAsformmenu", recycle, "myrecycleshop.onrecycleshop",

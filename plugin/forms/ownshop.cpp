@@ -27,7 +27,8 @@ opresult lookandshow(ServerPlayer* player, const std::string& shopxuid, shoptype
 }
 
 std::size_t recordcount(const std::string& shopxuid, shoptype kind) {
-    const auto& records = kind == shoptype::sell ? sellrows::shop(shopxuid).items : recyclerows::shop(shopxuid).recycleitems;
+    const auto& records =
+        kind == shoptype::sell ? sellrows::shop(shopxuid).items : recyclerows::shop(shopxuid).recycleitems;
     return records.is_array() ? records.size() : 0;
 }
 
@@ -99,8 +100,7 @@ opresult openslotlist(ServerPlayer* player, const slotlist& list) {
                                            stack.isNull() ? "cEMPTY" : "a" + itemlocalname(stack, language)));
             }
             sendform(who, form,
-                     {list.place,
-                      [&list](ServerPlayer* p) { openscreen(list.closed, p, {.refresh = false}); }},
+                     {list.place, [&list](ServerPlayer* p) { openscreen(list.closed, p, {.refresh = false}); }},
                      [&list, shopxuid](ServerPlayer* p, int button) {
                          list.offer(p, shopxuid, {.slot = button}, ownerside::form);
                      });
@@ -117,8 +117,8 @@ opresult openownmenu(ServerPlayer* player, const ownmenu& menu, bool updatelang)
                                           : frontpage(recyclerows::shop(shopxuid), look);
         },
         [&menu, shopxuid](ServerPlayer* who, const std::string& page) {
-            Form::SimpleForm form(tr(who, menu.titlekey), page + "\n" + greyline + "\n" + yourname(*who) + "\n" +
-                                                              yourmoney(*who));
+            Form::SimpleForm form(tr(who, menu.titlekey),
+                                  page + "\n" + greyline + "\n" + yourname(*who) + "\n" + yourmoney(*who));
             for (const auto& button : menu.buttons) form.addButton(tr(who, button.textkey), button.image);
             sendform(who, form, {menu.place, [](ServerPlayer* p) { openscreen(screen::lastmainmenuform, p); }},
                      [&menu, shopxuid](ServerPlayer* p, int button) {

@@ -8,8 +8,8 @@
 
 #include "plugin/forms/listform.h"
 #include "plugin/shopsystem/baseshop.h"
-#include "plugin/trade/ownerface.h"
 #include "plugin/shopsystem/stackplace.h"
+#include "plugin/trade/ownerface.h"
 
 namespace ordomart {
 

@@ -33,8 +33,8 @@ struct systemlist {
     void (*prepare)(const std::string& playerxuid);
     screen self;
 };
-constexpr systemlist selllist{"openOrdosystemshopsellAsformmenu", "sellmenu", "sellformUI.content",
-                              &preparesystemsell, screen::systemsellform};
+constexpr systemlist selllist{"openOrdosystemshopsellAsformmenu", "sellmenu", "sellformUI.content", &preparesystemsell,
+                              screen::systemsellform};
 constexpr systemlist recyclelist{"openOrdosystemshoprecycleAsformmenu", "recyclemenu", "recycleformUI.content",
                                  &preparesystemrecycle, screen::systemrecycleform};
 
@@ -76,11 +76,10 @@ opresult openlist(ServerPlayer* player, const systemlist& list, bool refresh) {
                 timer.write("total query time:{}s at {}", list.place);
             }
             const Turn turn;
-            backtoplayer(xuid, list.place,
-                         [&list, header = headerof<Rows>(xuid, language),
-                          ban = banlines(Rows::shop(systemshopid), language)](ServerPlayer* who) {
-                             show<Rows>(who, list, header, ban);
-                         });
+            backtoplayer(
+                xuid, list.place,
+                [&list, header = headerof<Rows>(xuid, language), ban = banlines(Rows::shop(systemshopid), language)](
+                    ServerPlayer* who) { show<Rows>(who, list, header, ban); });
         });
     });
     return opresult::opened;

@@ -4,9 +4,9 @@
 #include "plugin/base/effects.h"
 #include "plugin/base/language.h"
 #include "plugin/economy/paynotes.h"
+#include "plugin/formparts/commissionflags.h"
 #include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
-#include "plugin/formparts/commissionflags.h"
 #include "plugin/trade/commissions.h"
 #include "plugin/trade/ownrow.h"
 

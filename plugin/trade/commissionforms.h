@@ -5,8 +5,8 @@
 #include <string>
 
 #include "platform/player.h"
-#include "plugin/trade/ownerface.h"
 #include "plugin/shopsystem/stackplace.h"
+#include "plugin/trade/ownerface.h"
 
 namespace ordomart {
 

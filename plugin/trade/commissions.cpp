@@ -126,7 +126,7 @@ void finish(ServerPlayer* player, recycleshop& shop) {
 }
 
 ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid, const recycleshopitem& wanted,
-                                   const publishrules& rules) {
+                              const publishrules& rules) {
     if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
     const std::string xuid = player->getXuid();
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
@@ -160,7 +160,7 @@ ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid,
 }
 
 ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision,
-                                  const recycleshopitem& form) {
+                             const recycleshopitem& form) {
     if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
     if (!numberspass(form)) return refused(refusal::badnumbers);
     recycleshopitem wanted = form;
@@ -191,8 +191,7 @@ ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, 
     return result;
 }
 
-ownerresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index,
-                                  std::uint32_t revision) {
+ownerresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision) {
     if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (const refusal why = staleness(shop, index, revision); why != refusal::none) return refused(why);

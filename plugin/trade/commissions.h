@@ -24,16 +24,16 @@ inline constexpr publishrules formpublish{true}, chestslotpublish{true}, chestcr
 
 // `wanted`: names, offer, leftwanna, the four toggles and itemnbt, the template with the count it had.
 ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid, const recycleshopitem& wanted,
-                                   const publishrules& rules);
+                              const publishrules& rules);
 // Takes from the chosen slots that still hold what is wanted, at most `asked[i]` of slots[i], pays the player, counts,
 // logs. `working` is the record as the face read it; that the index holds and the revision is still the same is the
 // face's to test.
 ownerresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recycleshopitem working,
-                             const std::vector<slotcount>& slots, const std::vector<int>& asked);
+                        const std::vector<slotcount>& slots, const std::vector<int>& asked);
 // `form`: name, describe, tag, offer, leftwanna, the four toggles are taken from it; a count of 0 or less ends it. One
 // with stacks that cannot be handed over is not erased: it stays as it was, with nothing wanted any more.
 ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision,
-                                  const recycleshopitem& form);
+                             const recycleshopitem& form);
 ownerresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision);
 
 }  // namespace shopsystem

@@ -66,10 +66,10 @@ ownerresult uploadgood(ServerPlayer* player, const std::string& shopxuid, const 
         writepayline(player->getXuid(), fee, "SYSTEM", "pay for extraslot");
         result.charged = fee;
     }
-    result.why = shop.isbanned()                              ? refusal::banned
+    result.why = shop.isbanned()                            ? refusal::banned
                  : !isbelow(wanted.price, uploadpricelimit) ? refusal::badnumbers
-                 : isempty                                    ? refusal::slotsempty
-                                                              : refusal::none;
+                 : isempty                                  ? refusal::slotsempty
+                                                            : refusal::none;
     if (!result.ok()) return result;
 
     shopitem item = wanted;
@@ -151,8 +151,8 @@ ownerresult setstock(ServerPlayer* player, const goodsnapshot& at, std::int32_t 
     return {};
 }
 
-ownerresult publishdiscount(const Player& player, const std::string& shopxuid, const std::string& tag, const std::string& discount,
-                            std::int64_t seconds) {
+ownerresult publishdiscount(const Player& player, const std::string& shopxuid, const std::string& tag,
+                            const std::string& discount, std::int64_t seconds) {
     if (const auto why = mayact(player, shopxuid); why != refusal::none) return refused(why);
     if (seconds < 1 || seconds > longestdiscount || discount.empty()) return refused(refusal::badquantity);
     auto& shop = globalruntimeshopmanager.getsellshop(shopxuid);

@@ -11,8 +11,8 @@
 #include "platform/player.h"
 #include "plugin/shopsystem/itemidentity.h"
 #include "plugin/shopsystem/sellshop.h"
-#include "plugin/trade/ownerstep.h"
 #include "plugin/shopsystem/stackplace.h"
+#include "plugin/trade/ownerstep.h"
 
 namespace ordomart {
 
@@ -41,8 +41,8 @@ ownerresult setstock(ServerPlayer* player, const goodsnapshot& at, std::int32_t 
 [[nodiscard]] std::vector<slotcount> findsameitems(Player& player, const std::string& itemnbt);
 
 // `seconds` from now. Takes the place of every other discount of the tag.
-ownerresult publishdiscount(const Player& player, const std::string& shopxuid, const std::string& tag, const std::string& discount,
-                            std::int64_t seconds);
+ownerresult publishdiscount(const Player& player, const std::string& shopxuid, const std::string& tag,
+                            const std::string& discount, std::int64_t seconds);
 
 struct shoptexts {
     std::string shopname, describe, shopitemicon;

@@ -1,4 +1,5 @@
-// The owner's dialogs about goods, each written once for both faces: adjust, upload, replenish, discount. Server thread.
+// The owner's dialogs about goods, each written once for both faces: adjust, upload, replenish, discount. Server
+// thread.
 #pragma once
 
 #include <cstdint>
@@ -6,8 +7,8 @@
 
 #include "platform/player.h"
 #include "plugin/shopsystem/sellshop.h"
-#include "plugin/trade/ownerface.h"
 #include "plugin/shopsystem/stackplace.h"
+#include "plugin/trade/ownerface.h"
 
 namespace ordomart {
 

@@ -31,8 +31,8 @@ ownerresult mustown(const std::string& xuid, std::int64_t needed, refusal why) {
 }
 
 std::int64_t recordfee(const Player& player, const nlohmann::json& records) {
-    const bool pays = !isoperator(player) && records.is_array() &&
-                      static_cast<std::int64_t>(records.size()) > ordomart::maxfreeslot;
+    const bool pays =
+        !isoperator(player) && records.is_array() && static_cast<std::int64_t>(records.size()) > ordomart::maxfreeslot;
     return pays ? ordomart::extraslotcost : 0;
 }
 

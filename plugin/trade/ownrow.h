@@ -25,7 +25,8 @@ std::optional<typename Rows::row> ownrow(ServerPlayer* player, const std::string
     };
     if (!holdsplace(shop.*Rows::records, index)) return fail("wrong castindex", tr(player, "myshop.error.itemchanged"));
     auto row = Rows::at(shop, static_cast<int>(index));
-    if (row.*Rows::left == -1) return fail("should not be invalid when getgitem", tr(player, "myshop.error.itemchanged"));
+    if (row.*Rows::left == -1)
+        return fail("should not be invalid when getgitem", tr(player, "myshop.error.itemchanged"));
     item = itemfromsnbt(row.itemnbt);
     if (checkrawitemvalid(item)) return row;
     player->sendText(

@@ -48,8 +48,8 @@ void offeredit(ServerPlayer* player, const std::string& shopxuid, shoptype kind,
     sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }},
              [&face, shopxuid, kind](ServerPlayer* who, const Form::Elements& answer) {
                  const auto step = editshop(*who, shopxuid, kind,
-                                            {nameinput.text(answer), describeinput.text(answer),
-                                             iconinput.text(answer), opshoptoggle.on(answer)});
+                                            {nameinput.text(answer), describeinput.text(answer), iconinput.text(answer),
+                                             opshoptoggle.on(answer)});
                  playsound(who, step.ok() ? "mob.villager.yes" : "mob.villager.no");
                  follow(who, face, step);
              });
@@ -58,14 +58,15 @@ void offeredit(ServerPlayer* player, const std::string& shopxuid, shoptype kind,
 void showeventlog(ServerPlayer* player, const std::string& shopxuid, shoptype kind, ownerside side) {
     if (moneymode == 0) getoffmoney(player, false);
     const auto& face = faces[kind][static_cast<std::size_t>(side)];
-    taskpool.enqueue([&face, shopxuid, xuid = player->getXuid(), suffix = logsuffixes[kind][static_cast<std::size_t>(side)]] {
-        backtoplayer(xuid, face.place, [&face, text = readeventlog(shopxuid, suffix)](ServerPlayer* who) {
-            Form::CustomForm form(tr(who, "myshop.shopeventlog.form.menutitle"));
-            form.addLabel("Iteminfo", text);
-            sendform(who, form, {face.place, [&face](ServerPlayer* p) { goback(p, face); }},
-                     [&face](ServerPlayer* p, const Form::Elements&) { goback(p, face); });
+    taskpool.enqueue(
+        [&face, shopxuid, xuid = player->getXuid(), suffix = logsuffixes[kind][static_cast<std::size_t>(side)]] {
+            backtoplayer(xuid, face.place, [&face, text = readeventlog(shopxuid, suffix)](ServerPlayer* who) {
+                Form::CustomForm form(tr(who, "myshop.shopeventlog.form.menutitle"));
+                form.addLabel("Iteminfo", text);
+                sendform(who, form, {face.place, [&face](ServerPlayer* p) { goback(p, face); }},
+                         [&face](ServerPlayer* p, const Form::Elements&) { goback(p, face); });
+            });
         });
-    });
 }
 
 }  // namespace ordomart

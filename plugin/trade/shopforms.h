@@ -1,5 +1,5 @@
-// The owner's dialogs about his shop as a whole, each written once for both kinds of shop and both faces: its texts, and
-// its history. Server thread.
+// The owner's dialogs about his shop as a whole, each written once for both kinds of shop and both faces: its texts,
+// and its history. Server thread.
 #pragma once
 
 #include <string>

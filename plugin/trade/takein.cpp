@@ -48,7 +48,7 @@ json recyclingrecord(const Player& player, const recycleshopitem& working, std::
 }  // namespace
 
 ownerresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recycleshopitem working,
-                             const std::vector<slotcount>& slots, const std::vector<int>& asked) {
+                        const std::vector<slotcount>& slots, const std::vector<int>& asked) {
     if (!ordomart::marketopen()) return refused(refusal::marketclosed);
     PlayerInventory& inventory = player->getSupplies();
     const auto now = wantedslots(inventory, working, slots, asked);

@@ -65,7 +65,9 @@ TEST(Owner, ACommissionIsPublishedFilledPickedUpAndEnded) {
     for (const bool llmoney : {true, false}) {
         Counter c(llmoney);
         c.formmenu(c.alice, "change to recyl");
-        c.alice.presses("New recycle commission").presses("Slot No. 0").fills({{"offer", "10"}, {"quantity you want", "8"}});
+        c.alice.presses("New recycle commission")
+            .presses("Slot No. 0")
+            .fills({{"offer", "10"}, {"quantity you want", "8"}});
         EXPECT_EQ(c.alice.money(), 920);
         EXPECT_EQ(c.alice.has(0), "minecraft:apple*64");
 
