@@ -108,6 +108,13 @@ void tellended(ServerPlayer* player, const ownerface& face, const ownerresult& s
         player->sendToastPacket(step.name + ended, total);
 }
 
+// He may have lost the right to manage the shop since the dialog opened.
+template <class Step>
+ownerresult ifallowed(const ServerPlayer* player, const std::string& shopxuid, Step step) {
+    const auto why = mayact(*player, shopxuid);
+    return why == refusal::none ? step() : refused(why);
+}
+
 using publisher = std::function<ownerresult(ServerPlayer*, recycleshopitem wanted)>;
 
 void sendissueform(ServerPlayer* player, const ownerface& face, const std::string& shopxuid, const ItemStack& like,
@@ -124,7 +131,8 @@ void sendissueform(ServerPlayer* player, const ownerface& face, const std::strin
     issueelements.show(form, language, standard);
     sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }},
              [&face, shopxuid, publish](ServerPlayer* who, const Form::Elements& answer) {
-                 done(who, face, nameof(shopxuid), publish(who, issueelements.read(answer)));
+                 done(who, face, nameof(shopxuid),
+                      ifallowed(who, shopxuid, [&] { return publish(who, issueelements.read(answer)); }));
              });
 }
 
@@ -176,7 +184,9 @@ void offeradjustcommission(ServerPlayer* player, const std::string& shopxuid, st
     sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }},
              [&face, shopxuid, place = row->index, revision = row->revision](ServerPlayer* who,
                                                                              const Form::Elements& answer) {
-                 const auto step = adjustcommission(who, shopxuid, place, revision, adjustelements.read(answer));
+                 const auto step = ifallowed(who, shopxuid, [&] {
+                     return adjustcommission(who, shopxuid, place, revision, adjustelements.read(answer));
+                 });
                  if (step.ended) tellended(who, face, step);
                  done(who, face, nameof(shopxuid), step);
              });
@@ -194,7 +204,8 @@ void offerpickup(ServerPlayer* player, const std::string& shopxuid, std::int64_t
     sendform(player, form, {face.place},
              [&face, shopxuid, place = static_cast<int>(index), revision = shop.revision](ServerPlayer* who, bool yes) {
                  if (!yes) return goback(who, face);
-                 const auto step = pickupcommission(who, shopxuid, place, revision);
+                 const auto step =
+                     ifallowed(who, shopxuid, [&] { return pickupcommission(who, shopxuid, place, revision); });
                  if (step.ok())
                      who->sendToastPacket(nameof(shopxuid), (face.chest ? "Total get num :" : "Total get num : ") +
                                                                 std::to_string(step.pieces));

@@ -127,12 +127,12 @@ void finish(ServerPlayer* player, recycleshop& shop) {
 
 ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid, const recycleshopitem& wanted,
                               const publishrules& rules) {
-    if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
+    if (!marketopen()) return refused(refusal::marketclosed);
     const std::string xuid = player->getXuid();
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (rules.banfirst && shop.isbanned()) return refused(refusal::banned);
     const std::int64_t fee = recordfee(*player, shop.recycleitems);
-    if (fee != 0)
+    if (paysfee(*player, shop.recycleitems))
         if (const auto result = mustown(xuid, fee, refusal::feeshort); !result.ok()) return result;
     if (!rules.banfirst && shop.isbanned()) return refused(refusal::banned);
     if (!numberspass(wanted) || wanted.recycleitemleftwanna < 1) return refused(refusal::badnumbers);
@@ -161,7 +161,7 @@ ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid,
 
 ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision,
                              const recycleshopitem& form) {
-    if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
+    if (!marketopen()) return refused(refusal::marketclosed);
     if (!numberspass(form)) return refused(refusal::badnumbers);
     recycleshopitem wanted = form;
     wanted.recycleitemleftwanna = std::max(wanted.recycleitemleftwanna, 0);
@@ -192,7 +192,7 @@ ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, 
 }
 
 ownerresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, int index, std::uint32_t revision) {
-    if (const refusal why = mayact(*player, shopxuid); why != refusal::none) return refused(why);
+    if (!marketopen()) return refused(refusal::marketclosed);
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (const refusal why = staleness(shop, index, revision); why != refusal::none) return refused(why);
     recycleshopitem item = shop.getrecycleitem(index);

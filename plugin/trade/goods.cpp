@@ -59,10 +59,12 @@ ownerresult uploadgood(ServerPlayer* player, const std::string& shopxuid, const 
     if (!isempty && !stillholds(*player, from, shown)) return refused(refusal::slotschanged);
 
     ownerresult result;
-    if (const auto fee = recordfee(*player, shop.items); fee != 0) {
+    if (paysfee(*player, shop.items)) {
+        const auto fee = recordfee(*player, shop.items);
         result = mustown(player->getXuid(), fee, refusal::feeshort);
         if (!result.ok()) return result;
-        if (!MCGLOBALECONOMYMANAGER::reduceMoneyhas(player->getXuid(), fee)) return refused(refusal::paymentrefused);
+        if (fee != 0 && !MCGLOBALECONOMYMANAGER::reduceMoneyhas(player->getXuid(), fee))
+            return refused(refusal::paymentrefused);
         writepayline(player->getXuid(), fee, "SYSTEM", "pay for extraslot");
         result.charged = fee;
     }

@@ -30,10 +30,13 @@ ownerresult mustown(const std::string& xuid, std::int64_t needed, refusal why) {
     return result;
 }
 
+bool paysfee(const Player& player, const nlohmann::json& records) {
+    return !isoperator(player) && records.is_array() &&
+           static_cast<std::int64_t>(records.size()) > ordomart::maxfreeslot;
+}
+
 std::int64_t recordfee(const Player& player, const nlohmann::json& records) {
-    const bool pays =
-        !isoperator(player) && records.is_array() && static_cast<std::int64_t>(records.size()) > ordomart::maxfreeslot;
-    return pays ? ordomart::extraslotcost : 0;
+    return paysfee(player, records) ? ordomart::extraslotcost : 0;
 }
 
 }  // namespace shopsystem

@@ -30,7 +30,8 @@ struct ownerresult {
 [[nodiscard]] refusal mayact(const Player& player, const std::string& shopxuid);
 // Nothing, or the refusal with both numbers.
 [[nodiscard]] ownerresult mustown(const std::string& xuid, std::int64_t needed, refusal why);
-// What one more record costs a player: 0 for operators and up to the free number of records.
+// Whether one more record costs a player something: not operators, and not up to the free number. What it costs.
+[[nodiscard]] bool paysfee(const Player& player, const nlohmann::json& records);
 [[nodiscard]] std::int64_t recordfee(const Player& player, const nlohmann::json& records);
 
 }  // namespace shopsystem
