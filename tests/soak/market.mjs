@@ -111,7 +111,7 @@ export class Server {
     const field = (name) => Number(status.match(new RegExp(`^${name}:\\s+(\\d+)`, "m"))[1]);
     const files = await readdir(`${proc}/fd`);
     const kinds = await Promise.all(files.map((file) => readlink(`${proc}/fd/${file}`).catch(() => "")));
-    return { threads: field("Threads"), megabytes: Math.round(field("VmRSS") / 1024), files: kinds.filter(Boolean).length };
+    return { threads: field("Threads"), megabytes: Math.round(field("VmRSS") / 1024), files: kinds.filter((kind) => kind && !/\.(re)?log$/.test(kind)).length };  // histories stay open
   }
 
   async stop() {

@@ -176,7 +176,10 @@ let money = 0, wheatheld = 0, goodsheld = 0;
 for (let number = 0; number < clients; ++number) {
   await dismisses(number);
   money += await moneyof(number);
-  for (const slot of (await server.call("GET", of(number, "/inventory"))).slots)
+  // A click behind a menu that has just closed takes a stack up: the cursor counts, too.
+  const { slots: [...held] } = await server.call("GET", of(number, "/inventory"));
+  held.push((await server.call("GET", of(number))).slots.cursor[0]);
+  for (const slot of held)
     if (slot?.item === "minecraft:wheat") wheatheld += slot.count;
     else if (slot) goodsheld += slot.count;
 }
