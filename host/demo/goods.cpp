@@ -91,7 +91,7 @@ struct Discount {
 };
 
 constexpr Discount discounts[] = {
-    {"Rosa", "rare food", "-50"}, {"Bram", "tools", "%80"}, {"\u5c0f\u6e05", "\u88c5\u9970", "%90"}};
+    {"Rosa", "rare food", "-50"}, {"Bram", "tools", "%80"}, {"\u5c0f\u6e05", "\u6742\u8d27", "%90"}};
 
 // Shows an operator what a ban looks like, and how it is lifted.
 constexpr const char* bannedbuyer = "\u5c0f\u6e05";
