@@ -53,13 +53,12 @@ constexpr menubutton buttons[] = {
 opresult openmainmenu(ServerPlayer* player, menusize size, const char* place) {
     getplayershopstate(player->getXuid()).menumode = size;
     const auto& locale = player->getLanguageCode();
-    const bool isoperator = player->getCommandPermissionLevel() > CommandPermissionLevel::Any;
 
     Form::SimpleForm form(tr(locale, "mainmenu"), tr(locale, "formUI.mainmenu.tips"));
     std::vector<const menubutton*> shown;
     for (const auto& button : buttons) {
         if (size == shortmenu && !button.inshortmenu) continue;
-        if (button.operatorsonly && !isoperator) continue;
+        if (button.operatorsonly && !isoperator(*player)) continue;
         form.addButton(tr(locale, button.textkey), button.image);
         shown.push_back(&button);
     }

@@ -67,11 +67,6 @@ std::optional<std::string> managelistentry(const std::string& xuid, bool isown) 
     return (shop.shopname.empty() ? shop.xuid : shop.shopname) + "§c(Fake)";
 }
 
-// Asked at each answer: rights may have gone since the form was sent.
-bool isoperator(const ServerPlayer* player) {
-    return player->getCommandPermissionLevel() > CommandPermissionLevel::Any;
-}
-
 void managechosen(ServerPlayer* player, const std::string& xuid) {
     auto& state = getplayershopstate(player->getXuid());
     if (xuid == player->getXuid()) {
@@ -79,7 +74,7 @@ void managechosen(ServerPlayer* player, const std::string& xuid) {
         player->sendText("resetsuccessfully");
     } else if (xuid.empty()) {
         player->sendText("cant find player");
-    } else if (!isoperator(player)) {
+    } else if (!isoperator(*player)) {
         systemtoast(player, tr(player, "permission.deny"));
     } else {
         state.manage(xuid);
@@ -145,7 +140,7 @@ opresult openmanagesetstateform(ServerPlayer* player) {
 }
 
 opresult openswitchsystemshop(ServerPlayer* player) {
-    if (!isoperator(player)) {
+    if (!isoperator(*player)) {
         systemtoast(player, tr(player, "permission.deny"));
         return opresult::refused;
     }

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "platform/turn.h"
+#include "plugin/base/effects.h"
 #include "plugin/formparts/shoplines.h"
 #include "plugin/shopsystem/rowkinds.h"
 #include "plugin/shopsystem/taskpool.h"
@@ -24,6 +25,13 @@ opresult lookandshow(ServerPlayer* player, const std::string& shopxuid, shoptype
         });
     });
     return opresult::opened;
+}
+
+// Who has lost the right to manage the shop since the form was sent gets no further.
+bool maystill(ServerPlayer* player, const std::string& shopxuid) {
+    const bool may = mayrun(*player, shopxuid);
+    if (!may) systemtoast(player, tr(player, "permission.deny"));
+    return may;
 }
 
 std::size_t recordcount(const std::string& shopxuid, shoptype kind) {
@@ -54,7 +62,7 @@ listform formof(const ownlist& list, const std::string& shopxuid) {
         return textofrow(list, shopxuid, player->getLanguageCode(), static_cast<int>(row));
     };
     form.choose = [&list, shopxuid](ServerPlayer* player, std::size_t row) {
-        list.offer(player, shopxuid, static_cast<std::int64_t>(row), ownerside::form);
+        if (maystill(player, shopxuid)) list.offer(player, shopxuid, static_cast<std::int64_t>(row), ownerside::form);
     };
     form.wrongrow = [](ServerPlayer* player) {
         logger.error("wrong castindex");
@@ -76,7 +84,7 @@ std::string frontpage(Shop& shop, const firstlook& look) {
 }  // namespace
 
 opresult openownlist(ServerPlayer* player, const ownlist& list) {
-    const auto shopxuid = targetshop(player);
+    const auto shopxuid = effectiveshop(player);
     return lookandshow(
         player, shopxuid, list.kind, list.place, [shopxuid, kind = list.kind] { return recordcount(shopxuid, kind); },
         [&list, shopxuid](ServerPlayer* who, std::size_t count) {
@@ -87,7 +95,7 @@ opresult openownlist(ServerPlayer* player, const ownlist& list) {
 }
 
 opresult openslotlist(ServerPlayer* player, const slotlist& list) {
-    const auto shopxuid = targetshop(player);
+    const auto shopxuid = effectiveshop(player);
     return lookandshow(
         player, shopxuid, list.kind, list.place, [] { return true; },
         [&list, shopxuid](ServerPlayer* who, bool) {
@@ -102,13 +110,13 @@ opresult openslotlist(ServerPlayer* player, const slotlist& list) {
             sendform(who, form,
                      {list.place, [&list](ServerPlayer* p) { openscreen(list.closed, p, {.refresh = false}); }},
                      [&list, shopxuid](ServerPlayer* p, int button) {
-                         list.offer(p, shopxuid, {.slot = button}, ownerside::form);
+                         if (maystill(p, shopxuid)) list.offer(p, shopxuid, {.slot = button}, ownerside::form);
                      });
         });
 }
 
 opresult openownmenu(ServerPlayer* player, const ownmenu& menu, bool updatelang) {
-    const auto shopxuid = targetshop(player);
+    const auto shopxuid = effectiveshop(player);
     const firstlook look{player->getXuid(), player->getRealName(), player->getLanguageCode(), "'s shop", updatelang};
     return lookandshow(
         player, shopxuid, menu.kind, menu.place,
@@ -122,7 +130,7 @@ opresult openownmenu(ServerPlayer* player, const ownmenu& menu, bool updatelang)
             for (const auto& button : menu.buttons) form.addButton(tr(who, button.textkey), button.image);
             sendform(who, form, {menu.place, [](ServerPlayer* p) { openscreen(screen::lastmainmenuform, p); }},
                      [&menu, shopxuid](ServerPlayer* p, int button) {
-                         menu.buttons[static_cast<std::size_t>(button)].act(p, shopxuid);
+                         if (maystill(p, shopxuid)) menu.buttons[static_cast<std::size_t>(button)].act(p, shopxuid);
                      });
         });
 }

@@ -40,10 +40,11 @@ playershopstate& getplayershopstate(const std::string& xuid) {
     return states[xuid];
 }
 
+bool isoperator(const Player& player) { return player.getCommandPermissionLevel() > CommandPermissionLevel::Any; }
+
 std::string effectiveshop(const Player* player) {
     playershopstate& state = getplayershopstate(player->getXuid());
-    const bool mayyet = player->getCommandPermissionLevel() > CommandPermissionLevel::Any;
-    if (state.managedid != ordomart::managesnobody && !mayyet) state.manage(ordomart::managesnobody);
+    if (state.managedid != ordomart::managesnobody && !isoperator(*player)) state.manage(ordomart::managesnobody);
     return state.managedid == ordomart::managesnobody ? player->getXuid() : state.managedid;
 }
 

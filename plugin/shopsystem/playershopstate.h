@@ -35,6 +35,8 @@ struct playershopstate {
 
 // A missing record is made.
 [[nodiscard]] playershopstate& getplayershopstate(const std::string& xuid);
+// Asked at each step and at each answer, since rights may go while a form is open.
+[[nodiscard]] bool isoperator(const Player& player);
 // The shop that the player's owner views act on. Who manages somebody else's without being an operator any more stops
 // managing it.
 [[nodiscard]] std::string effectiveshop(const Player* player);

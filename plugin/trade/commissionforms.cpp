@@ -3,7 +3,6 @@
 
 #include "plugin/base/effects.h"
 #include "plugin/base/language.h"
-#include "plugin/economy/paynotes.h"
 #include "plugin/formparts/commissionflags.h"
 #include "plugin/formparts/formtools.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
@@ -36,8 +35,6 @@ constexpr ownerface pickupfaces[] = {
      .unless = {{{refusal::none, {}}, {refusal::recordgone, {}}}}},
     {.place = "openOrdomyrecycleshoppickupitemmenu", .back = {screen::myrecycleshoppickup}, .chest = true},
 };
-
-const ownerface& of(const ownerface (&faces)[2], ownerside side) { return faces[static_cast<std::size_t>(side)]; }
 
 // The elements of a commission, as both forms name them.
 struct commissionelements {
@@ -88,15 +85,12 @@ constexpr commissionelements adjustelements{
      {"myrecycleshop_adjustshopmenu_toggletitle3", "myrecycleshop.onreshop.form.inputshopfilterench"},
      {"myrecycleshop_adjustshopmenu_toggletitle4", "myrecycleshop.onreshop.form.inputshopfilteritemnbt"}}};
 
-void done(ServerPlayer* player, const ownerface& face, const std::string& shopname, const ownerresult& step) {
-    tellcharge(player, shopname, step);
-    if (step.received != 0) moneytoast(player, shopname, '+', step.received);
-    if (step.ok()) playsound(player, "mob.villager.yes");
-    follow(player, face, step);
-}
-
 const std::string& nameof(const std::string& shopxuid) {
     return globalruntimeshopmanager.getrecycleshop(shopxuid).shopname;
+}
+
+void done(ServerPlayer* player, const ownerface& face, const std::string& shopxuid, const ownerresult& step) {
+    finishstep(player, face, nameof(shopxuid), step);
 }
 
 void tellended(ServerPlayer* player, const ownerface& face, const ownerresult& step) {
@@ -129,11 +123,9 @@ void sendissueform(ServerPlayer* player, const ownerface& face, const std::strin
     standard.recycleitemleftwanna = 1;
     standard.allowbesearched = standard.filterauxordamage = true;
     issueelements.show(form, language, standard);
-    sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }},
-             [&face, shopxuid, publish](ServerPlayer* who, const Form::Elements& answer) {
-                 done(who, face, nameof(shopxuid),
-                      ifallowed(who, shopxuid, [&] { return publish(who, issueelements.read(answer)); }));
-             });
+    senddialog(player, face, form, [&face, shopxuid, publish](ServerPlayer* who, const Form::Elements& answer) {
+        done(who, face, shopxuid, ifallowed(who, shopxuid, [&] { return publish(who, issueelements.read(answer)); }));
+    });
 }
 
 // At most five of the stacks that wait, a line each.
@@ -156,7 +148,7 @@ void offercommission(ServerPlayer* player, const std::string& shopxuid, const st
     const auto stack = like.stackof(*player);
     if (stack.isNull()) return player->sendText("ERROR empty hand");
     const auto& rules = side == ownerside::chest ? chestslotpublish : formpublish;
-    sendissueform(player, of(issuefaces, side), shopxuid, stack,
+    sendissueform(player, faceof(issuefaces, side), shopxuid, stack,
                   [shopxuid, like, shown = itemtosnbt(stack), &rules](ServerPlayer* who, recycleshopitem wanted) {
                       if (!stillholds(*who, like, shown)) return refused(refusal::slotschanged);
                       wanted.itemnbt = itemtosnbtasis(like.stackof(*who));
@@ -165,7 +157,7 @@ void offercommission(ServerPlayer* player, const std::string& shopxuid, const st
 }
 
 void offercommission(ServerPlayer* player, const std::string& shopxuid, const ItemStack& like) {
-    sendissueform(player, of(issuefaces, ownerside::chest), shopxuid, like,
+    sendissueform(player, faceof(issuefaces, ownerside::chest), shopxuid, like,
                   [shopxuid, text = itemtosnbtasis(like)](ServerPlayer* who, recycleshopitem wanted) {
                       wanted.itemnbt = text;
                       return publishcommission(who, shopxuid, wanted, chestcreativepublish);
@@ -173,7 +165,7 @@ void offercommission(ServerPlayer* player, const std::string& shopxuid, const It
 }
 
 void offeradjustcommission(ServerPlayer* player, const std::string& shopxuid, std::int64_t index, ownerside side) {
-    const auto& face = of(adjustfaces, side);
+    const auto& face = faceof(adjustfaces, side);
     ItemStack item;
     const auto row = ownrow<recyclerows>(player, shopxuid, index, side, item);
     if (!row) return lost(player, face);
@@ -181,19 +173,19 @@ void offeradjustcommission(ServerPlayer* player, const std::string& shopxuid, st
     Form::CustomForm form(tr(language, "myrecycleshop.adjustshop.form.menutitle"));
     form.addLabel("Iteminfo", itemhovertext(item, language));
     adjustelements.show(form, language, *row);
-    sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }},
-             [&face, shopxuid, place = row->index, revision = row->revision](ServerPlayer* who,
-                                                                             const Form::Elements& answer) {
-                 const auto step = ifallowed(who, shopxuid, [&] {
-                     return adjustcommission(who, shopxuid, place, revision, adjustelements.read(answer));
-                 });
-                 if (step.ended) tellended(who, face, step);
-                 done(who, face, nameof(shopxuid), step);
-             });
+    senddialog(player, face, form,
+               [&face, shopxuid, place = row->index, revision = row->revision](ServerPlayer* who,
+                                                                               const Form::Elements& answer) {
+                   const auto step = ifallowed(who, shopxuid, [&] {
+                       return adjustcommission(who, shopxuid, place, revision, adjustelements.read(answer));
+                   });
+                   if (step.ended) tellended(who, face, step);
+                   done(who, face, shopxuid, step);
+               });
 }
 
 void offerpickup(ServerPlayer* player, const std::string& shopxuid, std::int64_t index, ownerside side) {
-    const auto& face = of(pickupfaces, side);
+    const auto& face = faceof(pickupfaces, side);
     const auto& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (!holdsplace(shop.recycleitems, index)) {
         tellrefusal(player, face, refused(refusal::recordgone));
@@ -209,7 +201,7 @@ void offerpickup(ServerPlayer* player, const std::string& shopxuid, std::int64_t
                  if (step.ok())
                      who->sendToastPacket(nameof(shopxuid), (face.chest ? "Total get num :" : "Total get num : ") +
                                                                 std::to_string(step.pieces));
-                 done(who, face, {}, step);
+                 done(who, face, shopxuid, step);
              });
 }
 

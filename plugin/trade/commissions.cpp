@@ -12,6 +12,7 @@
 #include "plugin/economy/marketopen.h"
 #include "plugin/economy/paynotes.h"
 #include "plugin/formparts/formtools.h"
+#include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/trade/commissionsteps.h"
 
@@ -109,6 +110,7 @@ ownerresult settle(ServerPlayer* player, std::int64_t before, std::int64_t after
     if (!result.ok()) return result;
     if (!MCGLOBALECONOMYMANAGER::reduceMoneyhas(xuid, after - before)) return refused(refusal::paymentrefused);
     result.charged = after - before;
+    result.ischarged = true;
     return result;
 }
 
@@ -151,6 +153,7 @@ ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid,
         if (!result.ok()) return result;
         if (price != 0 && !MCGLOBALECONOMYMANAGER::reduceMoneyhas(xuid, price)) return refused(refusal::paymentrefused);
         result.charged = price;
+        result.ischarged = true;
     }
     if (!shop.recycleitems.is_array()) shop.recycleitems = json::array();
     shop.recycleitems.push_back(std::move(record));

@@ -9,6 +9,7 @@
 #include "plugin/economy/paynotes.h"
 #include "plugin/formparts/formtools.h"
 #include "plugin/formparts/rememberedslots.h"
+#include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
 namespace ordomart {
@@ -67,6 +68,7 @@ ownerresult uploadgood(ServerPlayer* player, const std::string& shopxuid, const 
             return refused(refusal::paymentrefused);
         writepayline(player->getXuid(), fee, "SYSTEM", "pay for extraslot");
         result.charged = fee;
+        result.ischarged = true;
     }
     result.why = shop.isbanned()                            ? refusal::banned
                  : !isbelow(wanted.price, uploadpricelimit) ? refusal::badnumbers
@@ -128,6 +130,8 @@ ownerresult replenishgood(ServerPlayer* player, const goodsnapshot& at, const st
     auto& shop = globalruntimeshopmanager.getsellshop(at.shopxuid);
     if (const auto why = staleness(shop, at); why != refusal::none) return refused(why);
     shopitem item = shop.getshopitem(at.index);
+    // A file may hold less than nothing, and what he puts in must not vanish in it.
+    item.shopitemleftnum = std::max(item.shopitemleftnum, 0);
     ownerresult result;
     const auto now = matchagain(player->getSupplies(), slots, asked,
                                 [&](const ItemStack& stack) { return itemtosnbt(stack) == item.itemnbt; });

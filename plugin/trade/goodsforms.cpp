@@ -2,10 +2,13 @@
 // revision.
 #include "plugin/trade/goodsforms.h"
 
+#include <algorithm>
+
 #include "plugin/base/effects.h"
 #include "plugin/base/language.h"
 #include "plugin/base/numbers.h"
 #include "plugin/formparts/formtools.h"
+#include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/trade/goods.h"
 #include "plugin/trade/ownrow.h"
@@ -44,8 +47,6 @@ constexpr ownerface replenishfaces[] = {
      .showscustomlore = true},
 };
 constexpr ownerface discountface{.place = "openOrdomyshoppreviewmenu", .back = {screen::myshop}, .chest = true};
-
-const ownerface& of(const ownerface (&faces)[2], ownerside side) { return faces[static_cast<std::size_t>(side)]; }
 
 // The elements of a good, as the adjust and the upload form name them.
 struct goodelements {
@@ -105,10 +106,8 @@ goodsnapshot snapshotof(const globalsellshopitem& row) {
     return {row.xuid, row.index, row.revision, row.shopitemleftnum, row.itemnbt};
 }
 
-void done(ServerPlayer* player, const ownerface& face, const ownerresult& step) {
-    if (step.slotschanged) systemtoast(player, refusaltext(refusal::slotschanged, player->getLanguageCode()));
-    if (step.ok()) playsound(player, "mob.villager.yes");
-    follow(player, face, step);
+void done(ServerPlayer* player, const ownerface& face, const std::string& shopxuid, const ownerresult& step) {
+    finishstep(player, face, globalruntimeshopmanager.getsellshop(shopxuid).shopname, step);
 }
 
 void telloffshelf(ServerPlayer* player, const ownerface& face, const std::string& name) {
@@ -121,7 +120,7 @@ void telloffshelf(ServerPlayer* player, const ownerface& face, const std::string
 }  // namespace
 
 void offeradjust(ServerPlayer* player, const std::string& shopxuid, std::int64_t index, ownerside side) {
-    const auto& face = of(adjustfaces, side);
+    const auto& face = faceof(adjustfaces, side);
     ItemStack item;
     const auto row = ownrow<sellrows>(player, shopxuid, index, side, item);
     if (!row) return lost(player, face);
@@ -130,17 +129,17 @@ void offeradjust(ServerPlayer* player, const std::string& shopxuid, std::int64_t
     auto info = tr(language, "myshop.adjustshop.form.helper1");
     if (!face.chest) info += "\n" + itemhovertext(item, language);
     form.addLabel("Iteminfo", info);
-    adjustelements.show(form, language, *row, {0, row->shopitemleftnum, row->shopitemleftnum});
-    sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }},
-             [&face, at = snapshotof(*row)](ServerPlayer* who, const Form::Elements& answer) {
-                 const auto step = adjustgood(who, at, adjustelements.read(answer), adjustelements.count.value(answer));
-                 if (step.ended) telloffshelf(who, face, step.name);
-                 done(who, face, step);
-             });
+    const int stock = std::max(row->shopitemleftnum, 0);
+    adjustelements.show(form, language, *row, {0, stock, stock});
+    senddialog(player, face, form, [&face, at = snapshotof(*row)](ServerPlayer* who, const Form::Elements& answer) {
+        const auto step = adjustgood(who, at, adjustelements.read(answer), adjustelements.count.value(answer));
+        if (step.ended) telloffshelf(who, face, step.name);
+        done(who, face, at.shopxuid, step);
+    });
 }
 
 void offerupload(ServerPlayer* player, const std::string& shopxuid, const stackplace& from, ownerside side) {
-    const auto& face = of(uploadfaces, side);
+    const auto& face = faceof(uploadfaces, side);
     const auto stack = from.stackof(*player);
     if (stack.isNull()) return player->sendText("ERROR empty hand");
     const auto& language = player->getLanguageCode();
@@ -152,38 +151,36 @@ void offerupload(ServerPlayer* player, const std::string& shopxuid, const stackp
     standard.shopitemname = standardname(stack);
     standard.allowbesearched = true;
     uploadelements.show(form, language, standard, {face.chest ? 1 : 0, stack.getCount(), stack.getCount()});
-    sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }},
-             [&face, shopxuid, from, shown = itemtosnbt(stack)](ServerPlayer* who, const Form::Elements& answer) {
-                 const auto step = uploadgood(who, shopxuid, from, shown, uploadelements.read(answer),
-                                              uploadelements.count.value(answer));
-                 tellcharge(who, globalruntimeshopmanager.getsellshop(shopxuid).shopname, step);
-                 done(who, face, step);
-             });
+    senddialog(player, face, form,
+               [&face, shopxuid, from, shown = itemtosnbt(stack)](ServerPlayer* who, const Form::Elements& answer) {
+                   const auto step = uploadgood(who, shopxuid, from, shown, uploadelements.read(answer),
+                                                uploadelements.count.value(answer));
+                   done(who, face, shopxuid, step);
+               });
 }
 
 void offerreplenish(ServerPlayer* player, const std::string& shopxuid, std::int64_t index, ownerside side) {
-    const auto& face = of(replenishfaces, side);
+    const auto& face = faceof(replenishfaces, side);
     ItemStack item;
     const auto row = ownrow<sellrows>(player, shopxuid, index, side, item);
     if (!row) return lost(player, face);
     const auto& language = player->getLanguageCode();
     Form::CustomForm form(tr(language, "myshop.replenishmentshop.form.menutitle"));
     form.addLabel("Iteminfo", itemhovertext(item, language));
-    const answerguard guard{face.place, [&face](ServerPlayer* who) { goback(who, face); }};
     const auto at = snapshotof(*row);
     if (isoperator(*player) && (row->isopshop || !face.chest)) {
         const auto present = std::to_string(row->shopitemleftnum);
         form.addInput(opstock.name, face.chest ? tr(language, refill.labelkey) : opstockhint,
                       face.chest ? opstockhint : "", present);
-        sendform(player, form, guard, [&face, at](ServerPlayer* who, const Form::Elements& answer) {
-            done(who, face, setstock(who, at, opstock.number(answer)));
+        senddialog(player, face, form, [&face, at](ServerPlayer* who, const Form::Elements& answer) {
+            done(who, face, at.shopxuid, setstock(who, at, opstock.number(answer)));
         });
         return;
     }
     const auto slots = findsameitems(*player, row->itemnbt);
     refill.show(form, language, slots);
-    sendform(player, form, guard, [&face, at, slots](ServerPlayer* who, const Form::Elements& answer) {
-        done(who, face, replenishgood(who, at, slots, refill.values(answer, slots)));
+    senddialog(player, face, form, [&face, at, slots](ServerPlayer* who, const Form::Elements& answer) {
+        done(who, face, at.shopxuid, replenishgood(who, at, slots, refill.values(answer, slots)));
     });
 }
 
@@ -194,12 +191,11 @@ void offerdiscount(ServerPlayer* player, const std::string& shopxuid) {
     discounttag.show(form, language);
     discounttext.show(form, language);
     discounttime.show(form, language, "7200");
-    sendform(player, form, {discountface.place, [](ServerPlayer* who) { goback(who, discountface); }},
-             [shopxuid](ServerPlayer* who, const Form::Elements& answer) {
-                 done(who, discountface,
-                      publishdiscount(*who, shopxuid, discounttag.text(answer), discounttext.text(answer),
-                                      typednumber64(discounttime.text(answer))));
-             });
+    senddialog(player, discountface, form, [shopxuid](ServerPlayer* who, const Form::Elements& answer) {
+        done(who, discountface, shopxuid,
+             publishdiscount(*who, shopxuid, discounttag.text(answer), discounttext.text(answer),
+                             typednumber64(discounttime.text(answer))));
+    });
 }
 
 }  // namespace ordomart

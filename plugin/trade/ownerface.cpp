@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "plugin/base/effects.h"
 #include "plugin/base/language.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/paynotes.h"
 #include "plugin/formparts/formtools.h"
-#include "plugin/shopsystem/playershopstate.h"
 
 namespace ordomart {
 
@@ -36,8 +36,6 @@ std::string textof(const ServerPlayer* player, const ownerface& face, const owne
 
 }  // namespace
 
-std::string targetshop(const Player* player) { return effectiveshop(player); }
-
 void goback(ServerPlayer* player, const ownerface& face) { reopen(player, face.back, {}); }
 
 void lost(ServerPlayer* player, const ownerface& face) {
@@ -61,8 +59,17 @@ void follow(ServerPlayer* player, const ownerface& face, const ownerresult& step
     goback(player, face);
 }
 
-void tellcharge(ServerPlayer* player, const std::string& shopname, const ownerresult& step) {
-    if (step.charged != 0) moneytoast(player, shopname, '-', step.charged);
+void finishstep(ServerPlayer* player, const ownerface& face, const std::string& shopname, const ownerresult& step) {
+    if (step.slotschanged) systemtoast(player, refusaltext(refusal::slotschanged, player->getLanguageCode()));
+    if (step.ischarged) moneytoast(player, shopname, '-', step.charged);
+    if (step.received != 0) moneytoast(player, shopname, '+', step.received);
+    if (step.ok()) playsound(player, "mob.villager.yes");
+    follow(player, face, step);
+}
+
+void senddialog(ServerPlayer* player, const ownerface& face, const Form::CustomForm& form,
+                std::function<void(ServerPlayer*, const Form::Elements&)> answered) {
+    sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }}, std::move(answered));
 }
 
 std::string standardname(const ItemStack& stack) {

@@ -4,9 +4,11 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <nlohmann/json_fwd.hpp>
 #include <string>
 
+#include "platform/form.h"
 #include "platform/item.h"
 #include "plugin/base/screens.h"
 #include "plugin/trade/faces.h"
@@ -31,8 +33,10 @@ struct ownerface {
     bool showscustomlore = false;
 };
 
-// The shop that an owner's dialog is about, as it was when the dialog opened.
-[[nodiscard]] std::string targetshop(const Player* player);
+// One of a dialog's two faces, in the order of ownerside.
+[[nodiscard]] inline const ownerface& faceof(const ownerface (&faces)[2], ownerside side) {
+    return faces[static_cast<std::size_t>(side)];
+}
 
 void goback(ServerPlayer* player, const ownerface& face);
 // There is nothing to make the dialog for; the player has been told.
@@ -41,8 +45,11 @@ void lost(ServerPlayer* player, const ownerface& face);
 void tellrefusal(ServerPlayer* player, const ownerface& face, const ownerresult& step);
 // Tells it, and opens what follows.
 void follow(ServerPlayer* player, const ownerface& face, const ownerresult& step);
-// The money that a step took, as a toast under the shop's name.
-void tellcharge(ServerPlayer* player, const std::string& shopname, const ownerresult& step);
+// The same behind all that the step has moved: money as a toast under the shop's name, and the sound of success.
+void finishstep(ServerPlayer* player, const ownerface& face, const std::string& shopname, const ownerresult& step);
+// A closed form goes back.
+void senddialog(ServerPlayer* player, const ownerface& face, const Form::CustomForm& form,
+                std::function<void(ServerPlayer*, const Form::Elements&)> answered);
 
 // The title that a new record begins with: the item's description id behind its first colon.
 [[nodiscard]] std::string standardname(const ItemStack& stack);

@@ -4,6 +4,7 @@
 
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/marketopen.h"
+#include "plugin/shopsystem/playershopstate.h"
 
 namespace shopsystem {
 
@@ -13,11 +14,13 @@ ownerresult refused(refusal why) {
     return result;
 }
 
-bool isoperator(const Player& player) { return player.getCommandPermissionLevel() > CommandPermissionLevel::Any; }
+bool mayrun(const Player& player, const std::string& shopxuid) {
+    return player.getXuid() == shopxuid || isoperator(player);
+}
 
 refusal mayact(const Player& player, const std::string& shopxuid) {
     if (!ordomart::marketopen()) return refusal::marketclosed;
-    return player.getXuid() == shopxuid || isoperator(player) ? refusal::none : refusal::denied;
+    return mayrun(player, shopxuid) ? refusal::none : refusal::denied;
 }
 
 ownerresult mustown(const std::string& xuid, std::int64_t needed, refusal why) {

@@ -16,6 +16,7 @@ struct ownerresult {
     refusal why = refusal::none;
     std::int64_t needed = 0, has = 0;
     std::int64_t charged = 0, received = 0;  // what left or reached the player; a kept fee also before a refusal
+    bool ischarged = false;                  // also with a charge of nothing
     std::int64_t pieces = 0;                 // stacks' counts handed over or taken in
     bool slotschanged = false;               // a chosen stack was left where it lies, being another one by now
     std::int64_t keptstacks = 0;             // stay in the record, since this server cannot make them; he was told
@@ -25,8 +26,9 @@ struct ownerresult {
 };
 
 [[nodiscard]] ownerresult refused(refusal why);
-[[nodiscard]] bool isoperator(const Player& player);
-// The first tests of every step: the market is open, and the shop is his or he may manage it.
+// The shop is his, or he may manage it.
+[[nodiscard]] bool mayrun(const Player& player, const std::string& shopxuid);
+// The first tests of every step: the market is open, and he may run the shop.
 [[nodiscard]] refusal mayact(const Player& player, const std::string& shopxuid);
 // Nothing, or the refusal with both numbers.
 [[nodiscard]] ownerresult mustown(const std::string& xuid, std::int64_t needed, refusal why);

@@ -36,7 +36,7 @@ shoptexts textsof(const Shop& shop) {
 }  // namespace
 
 void offeredit(ServerPlayer* player, const std::string& shopxuid, shoptype kind, ownerside side) {
-    const auto& face = faces[kind][static_cast<std::size_t>(side)];
+    const auto& face = faceof(faces[kind], side);
     const auto texts = kind == shoptype::sell ? textsof(globalruntimeshopmanager.getsellshop(shopxuid))
                                               : textsof(globalruntimeshopmanager.getrecycleshop(shopxuid));
     const auto& language = player->getLanguageCode();
@@ -45,26 +45,24 @@ void offeredit(ServerPlayer* player, const std::string& shopxuid, shoptype kind,
     describeinput.show(form, language, texts.describe);
     iconinput.show(form, language, texts.shopitemicon);
     opshoptoggle.show(form, language, texts.isopshop);
-    sendform(player, form, {face.place, [&face](ServerPlayer* who) { goback(who, face); }},
-             [&face, shopxuid, kind](ServerPlayer* who, const Form::Elements& answer) {
-                 const auto step = editshop(*who, shopxuid, kind,
-                                            {nameinput.text(answer), describeinput.text(answer), iconinput.text(answer),
-                                             opshoptoggle.on(answer)});
-                 playsound(who, step.ok() ? "mob.villager.yes" : "mob.villager.no");
-                 follow(who, face, step);
-             });
+    senddialog(player, face, form, [&face, shopxuid, kind](ServerPlayer* who, const Form::Elements& answer) {
+        const auto step = editshop(
+            *who, shopxuid, kind,
+            {nameinput.text(answer), describeinput.text(answer), iconinput.text(answer), opshoptoggle.on(answer)});
+        playsound(who, step.ok() ? "mob.villager.yes" : "mob.villager.no");
+        follow(who, face, step);
+    });
 }
 
 void showeventlog(ServerPlayer* player, const std::string& shopxuid, shoptype kind, ownerside side) {
     if (moneymode == 0) getoffmoney(player, false);
-    const auto& face = faces[kind][static_cast<std::size_t>(side)];
+    const auto& face = faceof(faces[kind], side);
     taskpool.enqueue(
         [&face, shopxuid, xuid = player->getXuid(), suffix = logsuffixes[kind][static_cast<std::size_t>(side)]] {
             backtoplayer(xuid, face.place, [&face, text = readeventlog(shopxuid, suffix)](ServerPlayer* who) {
                 Form::CustomForm form(tr(who, "myshop.shopeventlog.form.menutitle"));
                 form.addLabel("Iteminfo", text);
-                sendform(who, form, {face.place, [&face](ServerPlayer* p) { goback(p, face); }},
-                         [&face](ServerPlayer* p, const Form::Elements&) { goback(p, face); });
+                senddialog(who, face, form, [&face](ServerPlayer* p, const Form::Elements&) { goback(p, face); });
             });
         });
 }
