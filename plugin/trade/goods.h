@@ -21,8 +21,6 @@ struct goodsnapshot {
     std::string shopxuid;
     std::int32_t index = 0;
     std::uint32_t revision = 0;
-    std::int32_t stock = 0;
-    std::string itemnbt;
 };
 
 // `wanted`: names, price and whether it may be searched. `shown` is the item that the form was made for. The fee comes

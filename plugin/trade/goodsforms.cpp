@@ -22,7 +22,7 @@ constexpr ownerface adjustfaces[] = {
     {.place = "openOrdomyshopEditItemAsformmenu",
      .back = {screen::goodslist},
      .unless = {{{refusal::badnumbers, {screen::myshop}}, {refusal::recordgone, {}}, {refusal::itembroken, {}}}}},
-    {.place = "openOrdomyshoppreviewmenu", .back = {screen::myshop}, .chest = true, .showscustomlore = true},
+    {.place = "openOrdomyshoppreviewmenu", .back = {screen::myshop}, .chest = true},
 };
 constexpr ownerface uploadfaces[] = {
     {.place = "openOrdomyshopuploadItemAsformmenu",
@@ -34,17 +34,13 @@ constexpr ownerface uploadfaces[] = {
     {.place = "openOrdomyshoponshopitempreviewmenu",
      .back = {screen::myshoponshop},
      .unless = {{{refusal::banned, {}}}},
-     .chest = true,
-     .showscustomlore = true},
+     .chest = true},
 };
 constexpr ownerface replenishfaces[] = {
     {.place = "openOrdomyshopreplenishmentAsformmenu",
      .back = {screen::replenishlist},
      .unless = {{{refusal::recordgone, {}}}}},
-    {.place = "openOrdomyshopreloaditempreviewmenu",
-     .back = {screen::myshopreload},
-     .chest = true,
-     .showscustomlore = true},
+    {.place = "openOrdomyshopreloaditempreviewmenu", .back = {screen::myshopreload}, .chest = true},
 };
 constexpr ownerface discountface{.place = "openOrdomyshoppreviewmenu", .back = {screen::myshop}, .chest = true};
 
@@ -102,9 +98,7 @@ constexpr inputelement discounttext{"myshop_publishdiscount_inputtitle2",
 constexpr inputelement discounttime{"myshop_publishdiscount_inputtitle3",
                                     "myshop.publishdiscount.form.inputdiscounttime", "input duration"};
 
-goodsnapshot snapshotof(const globalsellshopitem& row) {
-    return {row.xuid, row.index, row.revision, row.shopitemleftnum, row.itemnbt};
-}
+goodsnapshot snapshotof(const globalsellshopitem& row) { return {row.xuid, row.index, row.revision}; }
 
 void done(ServerPlayer* player, const ownerface& face, const std::string& shopxuid, const ownerresult& step) {
     finishstep(player, face, globalruntimeshopmanager.getsellshop(shopxuid).shopname, step);

@@ -30,7 +30,6 @@ struct ownerface {
     };
     std::array<exception, 4> unless{};
     bool chest = false;
-    bool showscustomlore = false;
 };
 
 // One of a dialog's two faces, in the order of ownerside.

@@ -177,3 +177,25 @@ TEST(OwnerStories, TheSharedShopIsTakenOverAndGivenBack) {
     f.mymenu(f.olga, "Adjust items on sale");
     EXPECT_EQ(f.olga.form()["buttons"].size(), 1U);
 }
+
+// Numbers at their end: a deposit and a charge of nothing are told, and a stock below nothing swallows nothing.
+TEST(OwnerStories, NothingIsANumberToo) {
+    Fair f;
+    const std::string dave = "2535400000000004";
+    f.stage.writeshop(dave, {good("apple", 5, -5)}, nullptr, {}, {{"shopname", "Stall"}});
+    Actor& owner = f.stage.join("Dave", dave).gives(0, "apple", 20);
+    f.mymenu(owner, "change to recyl");
+    owner.presses("New recycle commission").presses("Slot No. 0").fills({{"quantity you want", "2"}});
+    EXPECT_EQ(owner.toasts(), "Stall: - §b0 §rLLmoney");
+    f.mymenu(owner, "Restock");
+    owner.presses("apple").fills({{"No.0", 4}});
+    EXPECT_EQ(f.sells(dave)["items"][0]["shopitemleftnum"], 4);
+    f.stage.writeshop("below", {good("apple", 5, -5)});
+    f.olga.types("ordomart manage below");
+    f.stage.ticks(6);
+    f.olga.closes();
+    f.mymenu(f.olga, "Adjust items on sale");
+    f.olga.presses("apple").fills({{"Quantity", 0}});
+    EXPECT_TRUE(f.sells("below")["items"].empty());
+    EXPECT_EQ(f.olga.counts("minecraft:apple"), 0);
+}
