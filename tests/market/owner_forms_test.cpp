@@ -182,7 +182,7 @@ TEST(OwnerStories, TheSharedShopIsTakenOverAndGivenBack) {
 TEST(OwnerStories, NothingIsANumberToo) {
     Fair f;
     const std::string dave = "2535400000000004";
-    f.stage.writeshop(dave, {good("apple", 5, -5)}, nullptr, {}, {{"shopname", "Stall"}});
+    f.stage.writeshop(dave, {good("apple", 5, -5)}, nullptr, json::object(), {{"shopname", "Stall"}});
     Actor& owner = f.stage.join("Dave", dave).gives(0, "apple", 20);
     f.mymenu(owner, "change to recyl");
     owner.presses("New recycle commission").presses("Slot No. 0").fills({{"quantity you want", "2"}});
