@@ -7,6 +7,8 @@ using namespace forms;
 
 namespace {
 
+using Answers = std::vector<std::pair<std::string, json>>;
+
 const std::string root = "2535400000000009";
 
 struct Fair {
@@ -198,4 +200,59 @@ TEST(OwnerStories, NothingIsANumberToo) {
     f.olga.presses("apple").fills({{"Quantity", 0}});
     EXPECT_TRUE(f.sells("below")["items"].empty());
     EXPECT_EQ(f.olga.counts("minecraft:apple"), 0);
+}
+
+// Owners know the forms by these.
+TEST(OwnerStories, WhatTheFormsHaveAlwaysDone) {
+    Fair f;
+    const std::string dave = "2535400000000005";
+    auto wish = [](int stacks) {
+        auto record = commission("bread", 3, 5, fmt::format("{} stacks", stacks));
+        record["nowhasrecyclenum"] = stacks * 2;
+        record["recycleditemnbtlist"] = json::array_t(static_cast<std::size_t>(stacks), snbt("bread", 2));
+        return record;
+    };
+    f.stage.writeshop(dave, goods(38), {wish(0), wish(4), wish(5), wish(6)}, json::object(), {{"shopname", "Stall"}});
+    Actor& owner = f.stage.join("Dave", dave).setmoney(100).gives(0, "clock", 2);
+    const std::string line = "minecraft:bread * 2\n";
+    const std::pair<int, std::string> asked[] = {{0, ""},
+                                                 {4, line + line + line + line},
+                                                 {5, line + line + line + line + line + "and 0 more..."},
+                                                 {6, line + line + line + line + line + "and 1 more..."}};
+    f.mymenu(owner, "change to recyl");
+    for (const auto& [stacks, list] : asked) {
+        owner.presses("Pick up recycled items").presses(fmt::format("{} stacks", stacks));
+        EXPECT_EQ(owner.form()["content"], "get ALL item?\n" + list);
+        owner.presses("no");
+        EXPECT_EQ(owner.form()["title"], "Pick up recycled items");
+        owner.forgets().presses(fmt::format("{} stacks", stacks)).presses("yes");
+        EXPECT_EQ(owner.toasts(), fmt::format("Stall: Total get num : {}", stacks * 2));
+        EXPECT_TRUE(owner.form().is_null());
+        f.mymenu(owner, "change to recyl");
+    }
+    EXPECT_EQ(owner.counts("minecraft:bread"), 30);
+
+    // A turned page of one list is a page of the other.
+    f.mymenu(owner, "Restock");
+    EXPECT_EQ(owner.form()["title"], "Restock items on sale");
+    owner.presses("Next page");
+    EXPECT_EQ(owner.form()["title"], "Adjust items on sale");
+    EXPECT_EQ(owner.form()["buttons"].size(), 13U);
+
+    // An operator is told of the fee and does not pay it. What the chest would not put on sale, the forms do.
+    f.stage.writeshop("full", goods(37), json::array_t(37, wish(0)));
+    f.olga.types("ordomart manage full").gives(0, "clock", 2);
+    f.stage.ticks(6);
+    f.olga.closes();
+    for (const bool recycles : {false, true}) {
+        f.mymenu(f.olga, recycles ? "change to recyl" : "Put an item on sale");
+        if (recycles) f.olga.presses("New recycle commission");
+        f.olga.presses("Slot No. 0");
+        EXPECT_TRUE(holds(f.olga.formtext(), "exceeded the free limit of 36, and 500 will be charged"));
+        f.olga.forgets().fills(recycles ? Answers{{"offer", "9"}} : Answers{{"Quantity", 1}});
+        EXPECT_EQ(f.olga.sounds(), std::vector<std::string>{"mob.villager.yes"});
+        EXPECT_EQ(f.olga.toasts(), "");
+    }
+    EXPECT_EQ(f.olga.money(), 1000);
+    EXPECT_EQ(f.sells("full")["items"].size(), 38U);
 }
