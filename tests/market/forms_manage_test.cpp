@@ -110,6 +110,23 @@ TEST(Manage, TheListOfShopsAndTheOwnEntryThatEndsIt) {
               std::string::npos);
 }
 
+TEST(Manage, WhatTheListDoesNotOfferChoosesNobody) {
+    Stage stage;
+    stage.writeshop(bob, nullptr);
+    stage.writeshop(root, nullptr);
+    Actor& admin = stage.join("Root", root, "en_US", desktop, 1);
+    for (const char* text :
+         {"[2]", "[-1]", "[0.5]", "[4294967296]", "[\"0\"]", "[]", "[0,0]", "[null]", "0", "{}", ""}) {
+        SCOPED_TRACE(text);
+        admin.dismisses().forgets().types("ordomart manage");
+        admin.look([&](client::ModelClient& c) { c.answer(text); });
+        stage.server().settle();
+        EXPECT_EQ(admin.chat() + admin.toasts(), "");
+        admin.types("ordomart formmenu").presses("My shop (form)");
+        EXPECT_NE(admin.formtext().find(":Root\n"), std::string::npos) << "his own";
+    }
+}
+
 // Who was an operator when he chose, and is none any more.
 TEST(Manage, WhoLosesHisRightsKeepsNobodysShop) {
     Stage stage;

@@ -202,6 +202,21 @@ TEST(OwnerStories, NothingIsANumberToo) {
     EXPECT_EQ(f.olga.counts("minecraft:apple"), 0);
 }
 
+// From each slot what still is the same; the others are told of and left alone.
+TEST(OwnerStories, ARestockTakesOnlyTheSameItem) {
+    Fair f;
+    f.alice.gives(3, "apple", 5)
+        .gives(4, "apple", 1, "{Name:\"minecraft:apple\",Count:1b,tag:{display:{Name:\"Gold\"}}}");
+    f.mymenu(f.alice, "Restock");
+    f.alice.presses("apple").gives(0, "diamond", 7).gives(3, "apple", 2).forgets();
+    EXPECT_EQ(f.alice.form()["content"].size(), 3U) << "the label and two slots";
+    f.alice.fills({{"No.0", 6}, {"No.3", 5}});
+    EXPECT_EQ(f.alice.toasts(), "SYSTEM: Some of the slots hold something else by now. Nothing was taken from them.");
+    EXPECT_EQ(f.alice.form()["title"], "Restock items on sale");
+    EXPECT_EQ(f.sells(ada)["items"][0]["shopitemleftnum"], 12);
+    EXPECT_EQ(f.alice.has(0) + f.alice.has(3) + f.alice.has(4), "minecraft:diamond*7minecraft:apple*1");
+}
+
 // Owners know the forms by these.
 TEST(OwnerStories, WhatTheFormsHaveAlwaysDone) {
     Fair f;

@@ -158,6 +158,7 @@ TEST(OwnerForms, AnAnswerThatMayNotBeChangesNothing) {
             m.submits(*m.owner, *way);
             m.owner->revives();
         });
+        refuses("dead, closing", deadtext, [&] { m.owner->dies().answers(nullptr).revives(); });
         refuses("nothing can be saved", cannotsave, [&] {
             m.stores.why = "the disk is full";
             m.submits(*m.owner, *way);
@@ -239,6 +240,9 @@ TEST(OwnerForms, ALateAnswerCountsByWhatIsTrueByThen) {
             else
                 m.olga.presses(way->buttons[steps]);
             EXPECT_EQ(m.told(m.olga), denied);
+            if (steps < way->buttons.size()) {
+                EXPECT_TRUE(m.olga.form().is_null()) << "led on";
+            }
             EXPECT_EQ(m.photograph().since(before), "[]");
             m.may(1);
         }
