@@ -75,7 +75,6 @@ struct Market {
         owner = &stage.join(fmt::format("Owner{}", number), xuid);
         return owner->setmoney(2000).gives(0, "apple", 20);
     }
-    const std::string& name() const { return owner->who().name; }
     void opens(Actor& who, const road& way, std::size_t steps = 99) {
         who.dismisses().types("ordomart formmenu").presses("My shop (form)");
         for (std::size_t i = 0; i < std::min(steps, way.buttons.size()); ++i) who.presses(way.buttons[i]);
@@ -95,7 +94,7 @@ struct Market {
         who.look([&](client::ModelClient& c) { id = c.forms().front().id; });
         return id;
     }
-    // What a form was or would be answered with, past the client's own book of forms.
+    // Past the client's own book of forms, also for one that was answered or never sent.
     void answersraw(Actor& who, std::uint32_t id, const std::string& text) {
         who.look([&](client::ModelClient& c) {
             c.sendraw(platform::sealpacket(platform::topacket(platform::ModalFormResponsePacket{id, text, {}})));
