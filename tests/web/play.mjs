@@ -10,9 +10,27 @@ export const purse = 5000;  // what the demo market welcomes a player with
 // The server, page and so on of the test that runs. `errors`: what the page complained of.
 export const play = {};
 
-export function onpages() {
+// Opens a page on which nothing may go wrong.
+async function watched(context) {
+  const page = await context.newPage();
+  const { errors, server } = play;
+  page.on("pageerror", (error) => errors.push(error.message));
+  page.on("console", (message) => message.type() === "error" && errors.push(message.text()));
+  page.on("request", (request) => new URL(request.url()).origin !== server.origin && errors.push(`a request to ${request.url()}`));
+  await page.goto(server.address);
+  return page;
+}
+
+// One more page beside the test's own, in a browser that speaks `locale`.
+export async function opens({ locale }) {
+  const context = await play.browser.newContext({ locale, reducedMotion: "reduce", viewport: { width: 800, height: 600 } });
+  context.setDefaultTimeout(15000);
+  return watched(context);
+}
+
+export function onpages(serverarguments = []) {
   before(async () => {
-    play.server = await startserver();
+    play.server = await startserver(serverarguments);
     play.browser = await startbrowser();
   });
   after(async () => {
@@ -22,12 +40,8 @@ export function onpages() {
   beforeEach(async () => {
     play.context = await play.browser.newContext({ locale: "en-GB", viewport: { width: 1400, height: 1000 } });
     play.context.setDefaultTimeout(15000);
-    play.page = await play.context.newPage();
-    const errors = play.errors = [], { page, server } = play;
-    page.on("pageerror", (error) => errors.push(error.message));
-    page.on("console", (message) => message.type() === "error" && errors.push(message.text()));
-    page.on("request", (request) => new URL(request.url()).origin !== server.origin && errors.push(`a request to ${request.url()}`));
-    await page.goto(server.address);
+    play.errors = [];
+    play.page = await watched(play.context);
   });
   afterEach(async () => {
     await play.context.close();

@@ -1,10 +1,12 @@
 // Takes the pictures of docs/screenshots: the page in its main states, played by hand like the tests do. Names of scenes
-// as arguments take only those again.
+// as arguments take only those again. `--menus FOLDER [LOOK ...]` takes every menu there is into another folder, as the walk
+// of the tests comes by, for somebody to look at.
 import { mkdir } from "node:fs/promises";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
 
 import { joins, Player, startbrowser, startserver } from "./stage.mjs";
+import { combinations, fillsharedshop, walk } from "./walkers.mjs";
 
 const folder = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../../docs/screenshots");
 await mkdir(folder, { recursive: true });
@@ -145,13 +147,29 @@ const scenes = {
   }],
 };
 
-const asked = process.argv.slice(2);
-for (const name of asked) if (!(name in scenes)) throw new Error(`no scene is called ${name}: ${Object.keys(scenes).join(", ")}`);
+async function everymenu(server, browser, into, looks) {
+  await mkdir(into, { recursive: true });
+  await fillsharedshop(server);
+  for (const combination of combinations.filter(({ look }) => looks.length === 0 || looks.includes(look))) {
+    const context = await browser.newContext({ locale: combination.locale, viewport: { width: 1000, height: 900 }, reducedMotion: "reduce" });
+    const page = await context.newPage();
+    await page.goto(server.address);
+    const seen = (picture, _, player) => player.card.screenshot({ path: path.join(into, `${picture.replace(/\W+/g, "-")}.png`) });
+    await walk(server, page, combination, { seen });
+    await context.close();
+  }
+}
 
-const server = await startserver(), browser = await startbrowser();
-try {
+async function takescenes(server, browser, asked) {
+  for (const name of asked) if (!(name in scenes)) throw new Error(`no scene is called ${name}: ${Object.keys(scenes).join(", ")}`);
   for (const [name, [look, play]] of Object.entries(scenes))
     if (asked.length === 0 || asked.includes(name)) await scene(browser, server, look, play);
+}
+
+const [first, into, ...looks] = process.argv.slice(2), every = first === "--menus";
+const server = await startserver(every ? ["--manual"] : []), browser = await startbrowser();
+try {
+  await (every ? everymenu(server, browser, into, looks) : takescenes(server, browser, process.argv.slice(2)));
 } finally {
   await browser.close();
   await server.stop();

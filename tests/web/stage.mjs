@@ -15,9 +15,9 @@ const browserpath = process.env.CHROMIUM ?? "/usr/bin/chromium";
 const browserarguments = ["--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
   "--disable-background-networking", "--disable-component-update", "--disable-sync"];
 
-export async function startserver() {
+export async function startserver(more = []) {
   const directory = await mkdtemp(path.join(tmpdir(), "ordomart-page-"));
-  const server = spawn(program, [path.join(directory, "server"), "--api-port", "0"], { stdio: ["pipe", "pipe", "inherit"] });
+  const server = spawn(program, [path.join(directory, "server"), "--api-port", "0", ...more], { stdio: ["pipe", "pipe", "inherit"] });
   const address = await new Promise((found, failed) => {
     server.once("error", failed);
     server.once("exit", (code) => failed(new Error(`the server ended with ${code} before it printed its address`)));
@@ -28,7 +28,7 @@ export async function startserver() {
   });
   const url = new URL(address), token = url.hash.slice("#token=".length);
   return {
-    address, token, origin: url.origin,
+    address, token, origin: url.origin, files: path.join(directory, "server/plugins/Ordomart"),
     async call(method, part, body, headers = { Authorization: `Bearer ${token}` }) {
       const response = await fetch(url.origin + part, { method, headers, body: body && JSON.stringify(body) });
       return { status: response.status, ...(await response.json()) };
