@@ -127,7 +127,7 @@ const texturesigns = {
 export function texture(image) {
   const base = String(image?.data ?? "").replace(/^.*\//, "").replace(/\.\w+$/, "");
   const swapped = base.replace(/^(planks|log|wool|bed)_(.+)$/, "$2_$1");
-  for (const name of [base, swapped, base.replace(/_\d+$/, "")])
+  for (const name of [base, swapped, base.replace(/_\d+$/, ""), base.replace(/^(bed)_.+$/, "$1")])
     if (table.has(`minecraft:${name}`)) return picture(`minecraft:${name}`);
   const picked = svg("svg", { viewBox: "0 0 16 16", "aria-hidden": "true", class: "picture" });
   if (base in texturesigns) picked.append(svg("path", { d: texturesigns[base], class: "texturesign" }));

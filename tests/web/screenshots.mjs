@@ -85,6 +85,33 @@ const scenes = {
     await alice.card.locator(".slot-inventory.full").first().waitFor();
     await shot("sale-done");
   }],
+  owner: [{}, async (page, shot) => {
+    const rosa = await joins(page, { name: "Rosa" });
+    await rosa.types("ordomart myshop");
+    await rosa.slot("inventory", 9).and(page.locator(".full")).waitFor();
+    await rosa.slot("inventory", 16).hover();
+    await page.locator(".tooltip").waitFor();
+    await shot("owner-shop");
+    await page.waitForTimeout(personspace);
+    await rosa.slot("inventory", 9).click();
+    await rosa.asked("Adjust items on sale");
+    await page.mouse.move(0, 0);
+    await shot("owner-adjust");
+    await rosa.form.getByRole("button", { name: "Close" }).click();
+    await rosa.slot("inventory", 9).and(page.locator(".full")).waitFor();
+    await rosa.slot("armor", 2).click();
+    await rosa.card.getByRole("button", { name: /Pick up recycled items/ }).waitFor();
+    await rosa.slot("inventory", 9).hover();
+    await page.locator(".tooltip").waitFor();
+    await shot("owner-recycle");
+    await page.keyboard.press("Escape");
+    await page.locator(".menuopen").waitFor({ state: "detached" });
+    await rosa.types("ordomart formmenu");
+    await rosa.asked("Main menu");
+    await rosa.chooses(/My shop/);
+    await rosa.asked("Restock");
+    await shot("owner-form");
+  }],
   operator: [{ colorScheme: "dark", viewport: { width: 1500, height: 900 } }, async (page, shot) => {
     await page.locator("[data-t=operator]").first().click();
     const greta = await joins(page, { name: "Greta", permission: "2" });
