@@ -112,6 +112,14 @@ const scenes = {
     await rosa.asked("Restock");
     await shot("owner-form");
   }],
+  ownerchinese: [{ locale: "zh-CN", colorScheme: "dark" }, async (page, shot) => {
+    const owner = await joins(page, { name: "小清", language: "zh_CN", device: "touch" });
+    await owner.types("ordomart formmenu");
+    await owner.asked("主菜单");
+    await owner.chooses(/我的商店/);
+    await owner.asked("补货");
+    await shot("owner-chinese");
+  }],
   operator: [{ colorScheme: "dark", viewport: { width: 1500, height: 900 } }, async (page, shot) => {
     await page.locator("[data-t=operator]").first().click();
     const greta = await joins(page, { name: "Greta", permission: "2" });
