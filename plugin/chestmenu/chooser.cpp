@@ -10,6 +10,8 @@
 
 namespace ordomart {
 
+using ChestInvontorymenuguihelper::listenermanager;
+
 namespace {
 
 constexpr int creative = 1;
@@ -45,10 +47,12 @@ void showcreativelist(ServerPlayer* player) {
     player->sendNetworkPacket(topacket(content));
 }
 
-void leave(const chooserview& view, ServerPlayer* player) {
-    if (view.created == nullptr) return;
-    player->refreshInventory();
-    sendplayergametype(player, player->getPlayerGameType());
+void tellrealgametype(ServerPlayer* player) { sendplayergametype(player, player->getPlayerGameType()); }
+
+// Behind a screen that was closed late, another one of the kind may stand in front of him by now.
+bool iscreativestill(const chooserview& view, const ServerPlayer* player, const ListenRecorder& closed) {
+    const auto* front = listenermanager().infront(player);
+    return front != nullptr && front != &closed && front->picture.menu == view.menu;
 }
 
 // The middle one of the three actions by which a client picks an item out of the creative list.
@@ -73,7 +77,10 @@ bool handlechooserclick(const chooserview& view, ServerPlayer* player, ItemStack
     if (view.created != nullptr && action->is(ActionType::craftresult)) return pick(view, player, *action, record);
     switch (readclick(*action).what) {
         case click::back:
-            leave(view, player);
+            if (view.created != nullptr) {
+                player->refreshInventory();
+                tellrealgametype(player);
+            }
             playsound(player, "random.click");
             switchmenu(player, record, view.back);
             return false;
@@ -92,7 +99,8 @@ bool handlechooserclick(const chooserview& view, ServerPlayer* player, ItemStack
 }
 
 bool handlechooserclosed(const chooserview& view, ServerPlayer* player, const ListenRecorder& record) {
-    leave(view, player);
+    // His real stacks he has been sent by now, unless another menu stands in front of him.
+    if (view.created != nullptr && !iscreativestill(view, player, record)) tellrealgametype(player);
     if (containermenuguihelper::nothingselected(player, record)) return false;
     envelope([&] {
         if (record.created)

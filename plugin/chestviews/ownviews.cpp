@@ -1,5 +1,7 @@
 // The owner's pages: his goods and his commissions, to be adjusted, and the same to be replenished or picked up. All
 // act on the shop that he manages, or on his own.
+#include <fmt/format.h>
+
 #include "platform/turn.h"
 #include "plugin/base/effects.h"
 #include "plugin/chestmenu/refresh.h"
@@ -24,22 +26,33 @@ std::size_t countown(ServerPlayer* player) {
     return records.is_array() ? records.size() : 0;
 }
 
+std::int32_t listprice(const globalsellshopitem& row) { return row.price; }
+std::int32_t listprice(const globalrecycleshopitem& row) { return row.offer; }
+
+// Names a row by what its owner has written, not by what trade changes: a sale that comes between picture and click
+// must not refuse him the dialog, and another record of the same item must not open in this one's place.
+template <class Rows>
+std::string ownname(const typename Rows::row& row) {
+    return fmt::format("{}\n{}\n{}\n{}\n{}\n{}", row.xuid, row.*Rows::name, row.*Rows::describe, row.*Rows::tag,
+                       listprice(row), row.itemnbt);
+}
+
 template <class Rows>
 std::string drawown(ServerPlayer* player, falsestack& good, std::size_t i) {
     const auto row = Rows::at(Rows::shop(effectiveshop(player)), static_cast<int>(i));
     good.startgood(row.itemnbt);
     addownlore(player, good, row);
     good.finishgood();
-    return row.itemnbt;
+    return ownname<Rows>(row);
 }
 
-// The dialog of the entry, while the same item stands in its place.
+// The dialog of the entry, while the same record stands in its place.
 template <class Rows, void (*Offer)(ServerPlayer*, const std::string&, std::int64_t, ownerside)>
 void choose(ServerPlayer* player, const pageentry& entry) {
     const auto shopxuid = effectiveshop(player);
     const auto& shop = Rows::shop(shopxuid);
-    const bool same =
-        holdsplace(shop.*Rows::records, entry.row) && Rows::at(shop, static_cast<int>(entry.row)).itemnbt == entry.name;
+    const bool same = holdsplace(shop.*Rows::records, entry.row) &&
+                      ownname<Rows>(Rows::at(shop, static_cast<int>(entry.row))) == entry.name;
     Offer(player, shopxuid, same ? entry.row : -1, ownerside::chest);
 }
 
@@ -78,7 +91,8 @@ constexpr viewbutton refusedbyban(viewbutton button) {
     button.unlessbanned = true;
     return button;
 }
-constexpr viewbutton onhotbar(int slot, icon look) { return {.slot = slot, .look = look}; }
+// A client that holds the sign presses the first two by a swap, as in every view that has them.
+constexpr viewbutton onhotbar(int slot, icon look) { return {.slot = slot, .look = look, .byswap = slot <= 3}; }
 
 constexpr icon card{}, label{"minecraft:stick", 0, "shop.setting"};
 constexpr icon history{"minecraft:book", 0, "shop.eventlogger", {"shop.eventlogger.helper1"}};
