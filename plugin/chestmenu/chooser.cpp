@@ -47,8 +47,6 @@ void showcreativelist(ServerPlayer* player) {
     player->sendNetworkPacket(topacket(content));
 }
 
-void tellrealgametype(ServerPlayer* player) { sendplayergametype(player, player->getPlayerGameType()); }
-
 // Behind a screen that was closed late, another one of the kind may stand in front of him by now.
 bool iscreativestill(const chooserview& view, const ServerPlayer* player, const ListenRecorder& closed) {
     const auto* front = listenermanager().infront(player);
@@ -67,6 +65,8 @@ bool pick(const chooserview& view, ServerPlayer* player, const ItemStackRequestA
 
 }  // namespace
 
+void leavecreative(ServerPlayer* player) { sendplayergametype(player, player->getPlayerGameType()); }
+
 void drawchooser(ServerPlayer* player, const chooserview& view) {
     if (view.created != nullptr) showcreativelist(player);
     sendhelpsign(player, view.helpkey, view.lorekeys);
@@ -79,7 +79,7 @@ bool handlechooserclick(const chooserview& view, ServerPlayer* player, ItemStack
         case click::back:
             if (view.created != nullptr) {
                 player->refreshInventory();
-                tellrealgametype(player);
+                leavecreative(player);
             }
             playsound(player, "random.click");
             switchmenu(player, record, view.back);
@@ -100,7 +100,7 @@ bool handlechooserclick(const chooserview& view, ServerPlayer* player, ItemStack
 
 bool handlechooserclosed(const chooserview& view, ServerPlayer* player, const ListenRecorder& record) {
     // His real stacks he has been sent by now, unless another menu stands in front of him.
-    if (view.created != nullptr && !iscreativestill(view, player, record)) tellrealgametype(player);
+    if (view.created != nullptr && !iscreativestill(view, player, record)) leavecreative(player);
     if (containermenuguihelper::nothingselected(player, record)) return false;
     envelope([&] {
         if (record.created)

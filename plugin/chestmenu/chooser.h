@@ -25,13 +25,17 @@ struct chooserview {
 void drawchooser(ServerPlayer* player, const chooserview& view);
 bool handlechooserclick(const chooserview& view, ServerPlayer* player, ItemStackRequestAction* action,
                         ListenRecorder* record);
+void leavecreative(ServerPlayer* player);
 bool handlechooserclosed(const chooserview& view, ServerPlayer* player, const ListenRecorder& record);
 
 // How a chooser enters the market: one object of this kind in its file.
 template <const chooserview& View, opresult (*Open)(ServerPlayer*)>
 class chooserentry {
 public:
-    chooserentry() : menu_(View.menu, {&onclose, &onclick, &draw, backdrop::ownstacks}), screen_(View.menu, &open) {}
+    chooserentry()
+        : menu_(View.menu,
+                {&onclose, &onclick, &draw, backdrop::ownstacks, View.created != nullptr ? &leavecreative : nullptr}),
+          screen_(View.menu, &open) {}
 
 private:
     static bool onclose(ServerPlayer* player, ItemStackRequestAction*, ListenRecorder* record) {

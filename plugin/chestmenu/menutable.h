@@ -27,6 +27,8 @@ struct menurow {
     // As at its opening: lists are made anew. Paints at once, or begins a page that is painted later.
     void (*draw)(ServerPlayer*) = nullptr;
     backdrop behind = backdrop::blank;
+    // What the client was told beside the picture is taken back, when another opening takes the menu's place.
+    void (*leave)(ServerPlayer*) = nullptr;
 };
 
 struct menuentry {

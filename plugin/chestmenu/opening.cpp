@@ -96,12 +96,16 @@ opresult openchestmenu(ServerPlayer* player, screen which, std::optional<std::st
                        const containermenuguihelper::blockcontainerblockconfig& blocks) {
     if (const auto guarded = guardopening(player); guarded != opresult::opened) return guarded;
     const auto position = player->getPosition();
+    const auto* const front = listenermanager().infront(player);
+    const auto replaced = front != nullptr ? front->picture.menu : screen::none;
     const auto containerid = player->_nextContainerCounter();
     const auto& menu = menuof(which);
     if (!containermenuguihelper::opencontainerlistener(listenermanager(), player, containerid,
                                                        {player->getDimensionId(), position.toBlockPos()}, position,
                                                        blocks, menu.mainhandler, menu.prehandler))
         return opresult::refused;
+    // Its close may never come.
+    if (replaced != screen::none && menuof(replaced).leave != nullptr) menuof(replaced).leave(player);
     constexpr std::uint64_t paintticks = 5;
     later(player->sessionid(), paintticks,
           [which, opening = listenermanager().find(player, containerid)->picture.number,

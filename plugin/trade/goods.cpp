@@ -135,6 +135,7 @@ ownerresult replenishgood(ServerPlayer* player, const goodsnapshot& at, const st
     ownerresult result;
     const auto now = matchagain(player->getSupplies(), slots, asked,
                                 [&](const ItemStack& stack) { return itemtosnbt(stack) == item.itemnbt; });
+    if (now.held.empty() && now.changed) return refused(refusal::slotschanged);
     result.slotschanged = now.changed;
     for (const auto& [slot, count] : now.held) {
         const int taken = std::min(count, moststock - item.shopitemleftnum);

@@ -124,6 +124,24 @@ inline std::string order(const Actor& player) {
     return all;
 }
 
+// What lies in a player's slots, and what his client shows of them: alike while no menu stands.
+inline std::string belongings(const Actor& actor) {
+    std::string all;
+    for (int slot = 0; slot <= 40; ++slot) all += actor.has(slot) + ",";
+    return all;
+}
+inline std::string screen(const Actor& actor) {
+    std::string all;
+    for (int slot = 0; slot < 36; ++slot) all += actor.shown(inventoryid, slot) + ",";
+    for (int slot = 0; slot < 4; ++slot) all += actor.shown(armorid, slot) + ",";
+    return all + actor.shown(offhandid, 0) + "," + actor.shown(uiid, 0);
+}
+inline int gametype(const Actor& actor) {
+    int type = -1;
+    actor.look([&](client::ModelClient& c) { type = c.gametype(); });
+    return type;
+}
+
 inline json goods(int n) {
     json all = json::array();
     for (int i = 0; i < n; ++i) all.push_back(good("apple", i + 1, 10, fmt::format("good {:02}", i)));

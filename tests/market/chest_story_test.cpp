@@ -234,18 +234,6 @@ private:
         }
     }
 
-    static constexpr int lastslot = 40;
-    std::string belongings(const Actor& actor) const {
-        std::string all;
-        for (int slot = 0; slot <= lastslot; ++slot) all += actor.has(slot) + ",";
-        return all;
-    }
-    std::string screen(const Actor& actor) const {
-        std::string all;
-        for (int slot = 0; slot < 36; ++slot) all += actor.shown(inventoryid, slot) + ",";
-        for (int slot = 0; slot < 4; ++slot) all += actor.shown(armorid, slot) + ",";
-        return all + actor.shown(offhandid, 0) + "," + actor.shown(uiid, 0);
-    }
     std::string truth() {
         std::string all = stage_.shopfile(bob).dump();
         for (Actor* actor : actors_) all += fmt::format("\n{} {}", actor->money(), belongings(*actor));

@@ -1,33 +1,8 @@
 // What an owner does with his shops, by forms and by the chest, and what others see of it.
-#include "tests/market/chest_stage.h"
+#include "plugin/base/language.h"
+#include "tests/market/owner_stage.h"
 
-using namespace chest;
-
-namespace {
-
-struct Counter {
-    explicit Counter(bool llmoney = true) : stage({.llmoney = llmoney}) {
-        alice.setmoney(1000).gives(0, "apple", 64).gives(9, "apple", 10);
-        carl.setmoney(1000);
-    }
-    void formmenu(Actor& who, const std::string& button) {
-        who.dismisses().types("ordomart formmenu").presses("My shop (form)").presses(button);
-    }
-    void chestmenu(const std::string& command) {
-        alice.dismisses();
-        rests(stage);
-        opens(stage, alice, command);
-        stage.ticks(1);
-    }
-    json goods() { return stage.shopfile(ada)["sell"]["items"]; }
-    json commissions() { return stage.shopfile(ada)["recycles"]["recycleitems"]; }
-
-    Stage stage;
-    Actor& alice = stage.join("Alice", ada);
-    Actor& carl = stage.join("Carl", bob);
-};
-
-}  // namespace
+using namespace owner;
 
 TEST(Owner, AGoodIsUploadedBoughtReplenishedAdjustedAndTakenOff) {
     Counter c;
@@ -115,19 +90,41 @@ TEST(Owner, ShopsAreLookedAtOneByOne) {
 // By packets alone, and taken back however he leaves the screen.
 TEST(Owner, TheCreativeListIsShownToTheClientAlone) {
     Counter c;
-    const auto gametype = [&] {
-        int type = -1;
-        c.alice.look([&](client::ModelClient& m) { type = m.gametype(); });
-        return type;
-    };
     c.chestmenu("ordomart myreshop");
     c.alice.clicks(ContainerName::hotbar, 2);
-    EXPECT_EQ(gametype(), 1);
+    EXPECT_EQ(gametype(c.alice), 1);
     c.alice.clicks(ContainerName::offhand, 1);
-    EXPECT_EQ(gametype(), 0);
+    EXPECT_EQ(gametype(c.alice), 0);
     c.stage.ticks(1);
     c.alice.clicks(ContainerName::hotbar, 2);
-    EXPECT_EQ(gametype(), 1);
+    EXPECT_EQ(gametype(c.alice), 1);
     c.alice.closes();
-    EXPECT_EQ(gametype(), 0);
+    EXPECT_EQ(gametype(c.alice), 0);
+}
+
+// Who holds the sign presses by swaps, and only the first two buttons and the page buttons answer to those.
+TEST(Owner, TheListsAreReachedByASwapAsWell) {
+    const struct {
+        const char* command;
+        int slot;
+        const char* helpkey;
+    } swaps[] = {
+        {"ordomart myshop", 2, "myshop.onshop.helper1"},
+        {"ordomart myshop", 3, "myshop.replenishmentshop.helper1"},
+        {"ordomart myshop", 4, "myshop.helper1"},
+        {"ordomart myshop", 5, "myshop.helper1"},
+        {"ordomart myreshop", 2, "myrecycleshop.onreshop.helper1"},
+        {"ordomart myreshop", 3, "myrecycleshop.pickuprecycleitem.helper1"},
+        {"ordomart myreshop", 5, "myrecycleshop.helper1"},
+    };
+    Counter c;
+    for (const auto& swap : swaps) {
+        c.chestmenu(swap.command);
+        sends(c.stage, c.alice,
+              {{action(ActionType::swap, ContainerName::cursor, 0, ContainerName::hotbar, swap.slot)}});
+        c.stage.ticks(1);
+        EXPECT_EQ(named(c.alice, offhandid, 0), ordomart::tr("en_US", swap.helpkey)) << swap.command << swap.slot;
+        EXPECT_TRUE(c.alice.menuopen());
+        c.alice.closes();
+    }
 }
