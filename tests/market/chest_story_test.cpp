@@ -1,7 +1,7 @@
 // Random stories of clicks: whatever two players press, throw and swap on open menus, their real stacks, their money
 // and the shops stay as they are. A menu that stands is one of the pictures that there are, and what it shows is what a
-// click chooses; without a menu each of them sees what he has. A story that fails is told again with fewer steps.
-// ORDOMART_SEED and ORDOMART_STORIES tell others, and more of them.
+// click chooses, and where a press leads; without a menu each of them sees what he has, in his own game type. A story
+// that fails is told again with fewer steps. ORDOMART_SEED and ORDOMART_STORIES tell others, and more of them.
 #include <cstdlib>
 #include <random>
 #include <regex>
@@ -60,6 +60,9 @@ public:
     Theatre() {
         // No two prices are alike.
         stage_.writeshop(bob, goods(30), json::array({commission("stone", 301, 20), commission("apple", 302, 9)}));
+        stage_.writeshop(ada, ownshop(401, 28), ownshop(451, 3));
+        stage_.writeshop(lin, ownshop(501, 2), ownshop(551, 28));
+        stage_.writeshop("systemshop", {good("bread", 601, 5)}, {commission("bread", 602, 5)});
         for (int who = 0; who < 2; ++who) {
             Actor* const actor = actors_[who];
             actor->setmoney(1000).gives(0, "diamond_sword", 1).gives(8, "apple", 64).gives(9, "stone", 5);
@@ -91,8 +94,24 @@ public:
     }
 
 private:
+    // Goods and commissions at once, of which every text that a dialog shows names the price.
+    static json ownshop(int firstprice, int n) {
+        json records = json::array();
+        for (int price = firstprice; price < firstprice + n; ++price) {
+            const auto named = fmt::format(
+                R"({{Count:{}b,Damage:0s,Name:"minecraft:stone",tag:{{display:{{Name:"piece {}"}}}}}})", 1, price);
+            json record = good(named, price, 10);
+            record.update(commission("stone", price, 10));
+            record["itemnbt"] = named;
+            record["recycleditemnbtlist"] = json::array({fmt::format("{{Count:1b,Name:\"piece {}\"}}", price)});
+            records.push_back(std::move(record));
+        }
+        return records;
+    }
     void perform(const step& s) {
-        static constexpr const char* menus[] = {"ordomart ordomenu", "ordomart buy", "ordomart recycle"};
+        static constexpr const char* menus[] = {"ordomart ordomenu", "ordomart buy",      "ordomart recycle",
+                                                "ordomart myshop",   "ordomart myreshop", "ordomart buybyshop",
+                                                "ordomart rebyshop"};
         Actor& actor = *actors_[s.who];
         const auto from = static_cast<ContainerName>(s.from.container), to = static_cast<ContainerName>(s.to.container);
         // With the numbers of the real stacks, so that the server itself would do what is asked.
@@ -161,8 +180,11 @@ private:
         stage_.ticks(n);
         now_ += n;
     }
+    static constexpr int paintticks = 6;
     // Long enough open, and with no other on its way, to be painted.
-    [[nodiscard]] bool stands(std::size_t who) const { return actors_[who]->menuopen() && now_ - since_[who] >= 6; }
+    [[nodiscard]] bool stands(std::size_t who) const {
+        return actors_[who]->menuopen() && now_ - since_[who] >= paintticks;
+    }
 
     void look(std::size_t who) {
         const Actor& actor = *actors_[who];
@@ -172,30 +194,122 @@ private:
         });
         if (!actor.menuopen())
             complainunless(screen(actor) == belongings(actor), actor, "has no menu and is shown one");
+        const auto view = viewof(actor);
+        complainunless(!stands(who) || view != nullptr, actor, "has a menu that is none");
+        const bool creative = view != nullptr && view == std::string_view("myrecycleshop.onreshop.helper1");
+        if (!actor.menuopen() || stands(who))
+            complainunless(gametype(actor) == (actor.menuopen() && creative ? 1 : 0), actor, "has another's game type");
+    }
+
+    // The key of the help sign that he sees, "" in the main menu, null for a picture that there is not.
+    static constexpr const char* views[] = {"sellshop.helper1",
+                                            "recycleshop.helper1",
+                                            "sellshopfilterbyplayer.helper1",
+                                            "recyleshopfilterbyplayer.helper1",
+                                            "myshop.helper1",
+                                            "myshop.onshop.helper1",
+                                            "myshop.replenishmentshop.helper1",
+                                            "myrecycleshop.helper1",
+                                            "myrecycleshop.onreshop.helper1",
+                                            "myrecycleshop.pickuprecycleitem.helper1"};
+    static const char* viewof(const Actor& actor) {
         const auto sign = named(actor, offhandid, 0);
-        const auto signis = [&](const char* key) { return sign == ordomart::tr(actor.who().language, key); };
-        const bool ismain = actor.shown(armorid, 0) == "minecraft:emerald*1" && sign.empty();
-        complainunless(!stands(who) || ismain || signis("sellshop.helper1") || signis("recycleshop.helper1"), actor,
-                       "has a menu that is none");
+        if (sign.empty() && actor.shown(armorid, 0) == "minecraft:emerald*1") return "";
+        const auto found = std::ranges::find_if(
+            views, [&](const char* key) { return sign == ordomart::tr(actor.who().language, key); });
+        return found != std::end(views) ? *found : nullptr;
+    }
+
+    // Where a press leads in the same container, by the signs of both views; and what dialog it leads to. A slot of -1
+    // is any that shows a stack.
+    struct way {
+        const char* from;
+        int container, slot;
+        const char* to;
+    };
+    static constexpr way doors[] = {
+        {"", 6, 0, "sellshop.helper1"},
+        {"", 6, 1, "recycleshop.helper1"},
+        {"", 6, 2, "myshop.helper1"},
+        {"", 28, 0, "sellshop.helper1"},
+        {"", 28, 1, "recycleshop.helper1"},
+        {"sellshop.helper1", 28, 2, "sellshopfilterbyplayer.helper1"},
+        {"recycleshop.helper1", 28, 2, "recyleshopfilterbyplayer.helper1"},
+        {"sellshopfilterbyplayer.helper1", 34, 1, "sellshop.helper1"},
+        {"sellshopfilterbyplayer.helper1", 29, -1, "sellshop.helper1"},
+        {"recyleshopfilterbyplayer.helper1", 34, 1, "recycleshop.helper1"},
+        {"recyleshopfilterbyplayer.helper1", 29, -1, "recycleshop.helper1"},
+        {"myshop.helper1", 28, 2, "myshop.onshop.helper1"},
+        {"myshop.helper1", 28, 3, "myshop.replenishmentshop.helper1"},
+        {"myshop.helper1", 6, 2, "myrecycleshop.helper1"},
+        {"myshop.helper1", 34, 1, ""},
+        {"myshop.onshop.helper1", 34, 1, "myshop.helper1"},
+        {"myshop.replenishmentshop.helper1", 34, 1, "myshop.helper1"},
+        {"myrecycleshop.helper1", 28, 2, "myrecycleshop.onreshop.helper1"},
+        {"myrecycleshop.helper1", 28, 3, "myrecycleshop.pickuprecycleitem.helper1"},
+        {"myrecycleshop.helper1", 6, 2, "myshop.helper1"},
+        {"myrecycleshop.helper1", 34, 1, ""},
+        {"myrecycleshop.onreshop.helper1", 34, 1, "myrecycleshop.helper1"},
+        {"myrecycleshop.pickuprecycleitem.helper1", 34, 1, "myrecycleshop.helper1"},
+    };
+    static constexpr const char* eventlog = "myshop.shopeventlog.form.menutitle";
+    static constexpr way dialogs[] = {
+        {"myshop.helper1", 29, -1, "myshop.adjustshop.form.menutitle"},
+        {"myshop.helper1", 28, 4, "myshop.publishdiscount.form.menutitle"},
+        {"myshop.helper1", 6, 0, "myshop.shopedit.form.menutitle"},
+        {"myshop.replenishmentshop.helper1", 29, -1, "myshop.replenishmentshop.form.menutitle"},
+        {"myshop.onshop.helper1", 29, -1, "myshop.onshop.form.menutitle"},
+        {"myshop.onshop.helper1", 28, -1, "myshop.onshop.form.menutitle"},
+        {"myshop.onshop.helper1", 6, -1, "myshop.onshop.form.menutitle"},
+        {"myrecycleshop.helper1", 29, -1, "myrecycleshop.adjustshop.form.menutitle"},
+        {"myrecycleshop.helper1", 6, 0, "myshop.shopedit.form.menutitle"},
+        {"myrecycleshop.pickuprecycleitem.helper1", 29, -1, "myrecycleshop.pickupitem.form.menutitle"},
+        {"myrecycleshop.onreshop.helper1", 29, -1, "myrecycleshop.onreshop.form.menutitle"},
+        {"myrecycleshop.onreshop.helper1", 28, -1, "myrecycleshop.onreshop.form.menutitle"},
+        {"myrecycleshop.onreshop.helper1", 6, -1, "myrecycleshop.onreshop.form.menutitle"},
+    };
+    template <class Ways>
+    static const way* wayfrom(const Ways& ways, const char* view, const place& at) {
+        const auto found = std::ranges::find_if(ways, [&](const way& each) {
+            return view != nullptr && view == std::string_view(each.from) && each.container == at.container &&
+                   (each.slot == -1 || each.slot == at.slot);
+        });
+        return found != std::end(ways) ? &*found : nullptr;
+    }
+    // On these a press means nothing, and is not heard.
+    static bool isdead(const char* view, const step& s) {
+        const std::string_view in = view;
+        if (s.from.container == 6) return s.from.slot == (in.starts_with("my") ? 1 : 0);
+        return s.from.container == 28 && s.type == 3 && in.find(".on") != in.npos;
+    }
+
+    // What the first text field holds: in a dialog about a stack of one's own, the item's name.
+    static std::string firstinput(const json& form) {
+        for (const auto& element : form["content"])
+            if (element["type"] == "input") return element["default"];
+        return {};
     }
 
     // What a text says of a price; empty when nothing.
     static std::string price(const std::string& text) {
         std::smatch found;
-        return std::regex_search(text, found, std::regex("([0-9]+) LLmoney")) ? found[1].str() : std::string();
+        return std::regex_search(text, found, std::regex("([0-9]+) LLmoney|piece ([0-9]+)"))
+                   ? found[1].str() + found[2].str()
+                   : std::string();
     }
-
-    // The story stays with the main menu and the two lists of everything.
-    [[nodiscard]] static bool leadsaway(const Actor& actor, const place& at) {
-        if (at.container == 6) return at.slot == 2 && actor.shown(armorid, 2) == "minecraft:chest*1";
-        if (at.container != 28) return false;
-        const auto stack = actor.shown(inventoryid, at.slot);
-        return stack == "minecraft:ender_chest*1" || (at.slot == 2 && stack == "minecraft:skull*1");
+    // The same of a dialog, which may have it in a field of its own.
+    static std::string formprice(const std::string& text) {
+        const auto found = price(text);
+        if (!found.empty()) return found;
+        const json form = json::parse(text);
+        const bool hasfield = form["type"] == "custom_form" && form["content"].size() > 3;
+        return hasfield && form["content"][3].contains("default") ? form["content"][3]["default"].get<std::string>()
+                                                                  : "";
     }
 
     void presses(const step& s, std::vector<std::vector<platform::ItemStackRequestAction>> batch) {
         Actor& actor = *actors_[s.who];
-        if (actor.menuopen() && (leadsaway(actor, s.from) || leadsaway(actor, s.to))) return;
+        const char* const view = viewof(actor);
         const auto* const slot = std::find_if(std::begin(visible), std::end(visible), [&](const auto& each) {
             return each.container == s.from.container && s.from.slot >= each.first && s.from.slot <= each.last;
         });
@@ -213,14 +327,42 @@ private:
         sends(stage_, actor, std::move(batch));
 
         const bool offered = forms() > before, reacted = offered || !actor.menuopen() || !actor.sounds().empty();
+        // The lists of shops are painted a tick later than all others.
+        if (stood && viewof(actor) == nullptr) since_[s.who] = now_ - (paintticks - 1);
         const bool press = s.what != act::creativepick && (s.type <= 1 || s.type == 3);
-        complainunless(!stood || !press || stack.empty() || reacted, actor, "sees " + stack + ", and it is dead");
-        if (!offered) return;
-        std::string form;
-        actor.look([&](client::ModelClient& c) { form = c.forms().back().json; });
-        const bool search = s.from.container == 28 && stack == "minecraft:recovery_compass*1";
-        complainunless(search || (!shownprice.empty() && price(form) == shownprice), actor,
-                       fmt::format("presses on {} for {} and is offered {}", stack, shownprice, form));
+        const bool counts = stood && press && !dead_[s.who] && view != nullptr && !stack.empty() && !isdead(view, s);
+        complainunless(!counts || reacted, actor, "sees " + stack + ", and it is dead");
+        if (offered) return judgeoffer(s, view, stack, shownprice);
+        const auto* const door = wayfrom(doors, view, s.from);
+        // Not each time, so that a press may also come before the picture.
+        if (!counts || door == nullptr || s.number % 2 == 0) return;
+        ticks(2);
+        const auto* const now = viewof(actor);
+        complainunless(!actor.menuopen() || (now != nullptr && now == std::string_view(door->to)), actor,
+                       fmt::format("presses on {} in {} and does not get to {}", stack, view, door->to));
+    }
+
+    void judgeoffer(const step& s, const char* view, const std::string& stack, const std::string& shownprice) {
+        const Actor& actor = *actors_[s.who];
+        std::string text;
+        actor.look([&](client::ModelClient& c) { text = c.forms().back().json; });
+        const json form = json::parse(text);
+        const auto istitled = [&](const char* key) { return form["title"] == ordomart::tr(actor.who().language, key); };
+        // A history comes when it has been read.
+        if (istitled(eventlog)) return;
+        bool right = false;
+        if (const auto* const dialog = wayfrom(dialogs, view, s.from); s.what == act::creativepick)
+            right = istitled("myrecycleshop.onreshop.form.menutitle");
+        else if (dialog == nullptr)
+            right = (s.from.container == 28 && stack == "minecraft:recovery_compass*1") ||
+                    (!shownprice.empty() && formprice(text) == shownprice);
+        else if (std::string_view(dialog->from).find(".on") != std::string_view::npos)
+            right = istitled(dialog->to) && stack.starts_with("minecraft:" + firstinput(form) + "*");
+        else
+            right = istitled(dialog->to) && (dialog->container != 29 || stack.empty() || formprice(text) == shownprice);
+        complainunless(right, actor,
+                       fmt::format("presses on {} for {} in {} and is offered {}", stack, shownprice,
+                                   view != nullptr ? view : "no view", text));
     }
 
     // Every opening comes to its end, and a form that is closed opens its view again.
@@ -235,7 +377,8 @@ private:
     }
 
     std::string truth() {
-        std::string all = stage_.shopfile(bob).dump();
+        std::string all;
+        for (const auto& xuid : {bob, ada, lin}) all += stage_.shopfile(xuid).dump();
         for (Actor* actor : actors_) all += fmt::format("\n{} {}", actor->money(), belongings(*actor));
         return all;
     }
@@ -248,13 +391,14 @@ private:
     } visible[] = {
         {28, 0, 8, inventoryid, 0}, {29, 9, 35, inventoryid, 0}, {6, 0, 3, armorid, 0}, {34, 1, 1, offhandid, 1}};
 
+    inline static const std::string lin = "2535400000000004";
     Stage stage_;
     std::string wrong_;
     int now_ = 0, since_[2] = {}, menus_[2] = {};  // ticks; the last change; the container that was last seen
     bool dead_[2] = {};
     int forms_ = 0;                                                      // that a selection led to
     std::map<std::array<int, 3>, std::optional<std::int32_t>> realids_;  // by player, container and slot
-    Actor* actors_[2] = {&stage_.join("Alice", ada), &stage_.join("Lin", "2535400000000004", "zh_CN", touch)};
+    Actor* actors_[2] = {&stage_.join("Alice", ada), &stage_.join("Lin", lin, "zh_CN", touch)};
 };
 
 struct Outcome {

@@ -50,12 +50,12 @@ const std::vector<const deed*> ofrecords{&adjust, &takeoff, &replenish, &lower, 
 
 struct Stall : Counter {
     Stall() : Counter(true, {{"banshopitem", {"minecraft:tnt"}}}) {
-        auto wanted = commission("bread", 3, 5);
+        auto wanted = commission("bread", 3, 90);
         wanted["nowhasrecyclenum"] = 2;
         wanted["recycleditemnbtlist"] = {snbt("bread", 2)};
-        stage.writeshop(ada, {good("apple", 5, 10), good("stone", 7, 10)}, {wanted});
+        stage.writeshop(ada, {good("apple", 5, 90), good("stone", 7, 10)}, {wanted});
         stage.writeshop(bob, {good("stone", 1, 1)});
-        dora.setmoney(0).gives(0, "bread", 10);
+        dora.setmoney(0).gives(0, "bread", 64);
         alice.gives(20, "stone", 7).gives(36, "diamond_helmet", 1);
     }
     void opensdialog(Actor& who, const deed& what) {
@@ -79,6 +79,10 @@ struct Stall : Counter {
         stage.server().settle();
     }
     std::string truth() { return photograph(stage, {&alice, &carl, &dora, &admin}); }
+    void bans(bool whether) {
+        for (const char* kind : {"sell", "recycle"})
+            admin.types(fmt::format("ordomart {} {} Alice", whether ? "ban" : "unban", kind));
+    }
     void may(int level) {
         stage.onserver([&] { stage.server().world().setpermission("Root", level); });
     }
@@ -149,11 +153,10 @@ TEST(OwnerHostile, WhatHasChangedUnderADialogRefusesIt) {
         {"dead", [](Stall&, Actor& who) { who.dies(); }, all, forms::deadtext, false, false},
         {"no operator any more", [](Stall& c, Actor&) { c.may(0); }, all, denied, true},
         {"traded with meanwhile", [](Stall& c, Actor&) { EXPECT_TRUE(Witness(c).sayssame()); }, ofrecords, changed},
-        {"banned meanwhile, and so changed",
-         [](Stall& c, Actor&) { c.admin.types("ordomart ban sell Alice").types("ordomart ban recycle Alice"); },
-         ofrecords, changed, false, true, false},
+        {"banned meanwhile, and so changed", [](Stall& c, Actor&) { c.bans(true); }, ofrecords, changed, false, true,
+         false},
         {"banned meanwhile",
-         [](Stall& c, Actor&) { c.admin.types("ordomart ban sell Alice").types("ordomart ban recycle Alice"); },
+         [](Stall& c, Actor&) { c.bans(true); },
          {&upload, &publish, &wish},
          "",
          false,
@@ -186,14 +189,17 @@ TEST(OwnerHostile, WhatHasChangedUnderADialogRefusesIt) {
          {&publish},
          otherstacks},
     };
-    for (const auto& trick : tricks)
+    for (const auto& trick : tricks) {
+        Stall c;
+        Actor& who = trick.managed ? c.admin : c.alice;
         for (const auto* what : trick.deeds) {
             SCOPED_TRACE(fmt::format("{}: {}", what->name, trick.name));
-            Stall c;
-            Actor& who = trick.managed ? c.admin : c.alice;
-            if (trick.managed) who.gives(0, "apple", 64).gives(9, "apple", 1).types("ordomart manage Alice");
+            who.dismisses().gives(0, "apple", 64).gives(9, "apple", 10);
+            c.bans(false);
             if (trick.managed) {
-                c.stage.ticks(6);
+                c.may(1);
+                rests(c.stage);
+                opens(c.stage, who, "ordomart manage Alice");
                 who.closes();
             }
             c.opensdialog(who, *what);
@@ -218,6 +224,7 @@ TEST(OwnerHostile, WhatHasChangedUnderADialogRefusesIt) {
                 EXPECT_TRUE(witness->sayssame());
             }
         }
+    }
 }
 
 // The dialog is spent with its first answer, and with the player's leaving.
