@@ -101,12 +101,13 @@ void sliderelement::show(Form::CustomForm& form, const std::string& locale, cons
 }
 int sliderelement::value(const Form::Elements& answer) const { return answer.at(name).getInt(); }
 
-void slotsliders::show(Form::CustomForm& form, const std::string& locale, const std::vector<slotcount>& slots) const {
+void slotsliders::show(Form::CustomForm& form, const std::string& locale, const std::vector<slotcount>& slots,
+                       bool namescount) const {
     for (std::size_t i = 0; i < slots.size(); ++i) {
-        form.addSlider(
-            nameprefix + std::to_string(i),
-            fmt::format("【§b{}{}§r】\n{}", tr(locale, "measurement.slot"), slots[i].slot, tr(locale, labelkey)), 0,
-            slots[i].count, 1, slots[i].count);
+        const auto [slot, count] = slots[i];
+        auto label = fmt::format("【§b{}{}§r】\n{}", tr(locale, "measurement.slot"), slot, tr(locale, labelkey));
+        if (namescount) label += fmt::format(" ({})", count);
+        form.addSlider(nameprefix + std::to_string(i), label, 0, count, 1, count);
     }
 }
 std::vector<int> slotsliders::values(const Form::Elements& answer, const std::vector<slotcount>& slots) const {

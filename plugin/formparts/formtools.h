@@ -82,7 +82,9 @@ struct slotsliders {
     const char* nameprefix;  // the slider's place in the list follows
     const char* labelkey;
 
-    void show(Form::CustomForm& form, const std::string& locale, const std::vector<slotcount>& slots) const;
+    // With what lies in the slot behind its label, where that is asked for.
+    void show(Form::CustomForm& form, const std::string& locale, const std::vector<slotcount>& slots,
+              bool namescount = false) const;
     [[nodiscard]] std::vector<int> values(const Form::Elements& answer, const std::vector<slotcount>& slots) const;
 };
 

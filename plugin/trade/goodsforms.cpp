@@ -172,7 +172,7 @@ void offerreplenish(ServerPlayer* player, const std::string& shopxuid, std::int6
         return;
     }
     const auto slots = findsameitems(*player, row->itemnbt);
-    refill.show(form, language, slots);
+    refill.show(form, language, slots, face.chest);
     senddialog(player, face, form, [&face, at, slots](ServerPlayer* who, const Form::Elements& answer) {
         done(who, face, at.shopxuid, replenishgood(who, at, slots, refill.values(answer, slots)));
     });

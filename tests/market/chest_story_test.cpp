@@ -158,7 +158,6 @@ private:
                 if (actor.form().is_null()) break;
                 actor.answers(nullptr);
                 since_[s.who] = now_;  // its view comes back
-                ++forms_;
                 break;
             case act::die:
                 if (std::exchange(dead_[s.who], !dead_[s.who]))
@@ -332,6 +331,7 @@ private:
         const bool press = s.what != act::creativepick && (s.type <= 1 || s.type == 3);
         const bool counts = stood && press && !dead_[s.who] && view != nullptr && !stack.empty() && !isdead(view, s);
         complainunless(!counts || reacted, actor, "sees " + stack + ", and it is dead");
+        if (offered) ++forms_;
         if (offered) return judgeoffer(s, view, stack, shownprice);
         const auto* const door = wayfrom(doors, view, s.from);
         // Not each time, so that a press may also come before the picture.
