@@ -9,26 +9,12 @@ using namespace owner;
 
 namespace {
 
-using Answers = std::vector<std::pair<std::string, json>>;
-struct spot {
-    ContainerName container;
-    int slot;
-};
 constexpr auto hotbar = ContainerName::hotbar, listed = ContainerName::inventory, armour = ContainerName::armor;
 
-const std::string root = "2535400000000009";
 const std::string banned = "the shop has been banned", denied = "SYSTEM: you don't have this permission";
 const std::string changed = "SYSTEM: Operation failed, shopinfo has been changed";
 const std::string otherstacks = "SYSTEM: Some of the slots hold something else by now. Nothing was taken from them.";
 
-// A dialog of the chest: the way to it, and what is answered.
-struct deed {
-    const char *name, *command;
-    std::vector<spot> way;
-    Answers answers;
-    bool picks = false;     // at the end of the way, an item out of the creative list
-    bool confirms = false;  // "yes" instead of a form to fill
-};
 const deed upload{"upload", "ordomart myshop", {{hotbar, 2}, {hotbar, 0}}, {{"price", "5"}, {"Quantity", 3}}},
     adjust{"adjust", "ordomart myshop", {{listed, 9}}, {{"price", "6"}, {"Quantity", 4}}},
     takeoff{"take off", "ordomart myshop", {{listed, 9}}, {{"Quantity", 0}}},
@@ -47,69 +33,6 @@ const std::vector<const deed*> all{&upload,  &adjust, &takeoff, &replenish, &dis
                                    &publish, &wish,   &lower,   &finish,    &pickup};
 // Those about one record.
 const std::vector<const deed*> ofrecords{&adjust, &takeoff, &replenish, &lower, &finish, &pickup};
-
-struct Stall : Counter {
-    Stall() : Counter(true, {{"banshopitem", {"minecraft:tnt"}}}) {
-        auto wanted = commission("bread", 3, 90);
-        wanted["nowhasrecyclenum"] = 2;
-        wanted["recycleditemnbtlist"] = {snbt("bread", 2)};
-        stage.writeshop(ada, {good("apple", 5, 90), good("stone", 7, 10)}, {wanted});
-        stage.writeshop(bob, {good("stone", 1, 1)});
-        dora.setmoney(0).gives(0, "bread", 64);
-        alice.gives(20, "stone", 7).gives(36, "diamond_helmet", 1);
-    }
-    void opensdialog(Actor& who, const deed& what) {
-        chestmenu(who, what.command);
-        for (const auto& at : what.way) {
-            who.clicks(at.container, at.slot);
-            stage.ticks(1);
-        }
-        if (what.picks) {
-            who.look([](client::ModelClient& c) { c.pickcreative(c.creative().begin()->first); });
-            stage.server().settle();
-        }
-        rests(stage);
-        who.forgets();
-    }
-    void answers(Actor& who, const deed& what) {
-        if (what.confirms)
-            who.presses("yes");
-        else
-            who.fills(what.answers);
-        stage.server().settle();
-    }
-    std::string truth() { return photograph(stage, {&alice, &carl, &dora, &admin}); }
-    void bans(bool whether) {
-        for (const char* kind : {"sell", "recycle"})
-            admin.types(fmt::format("ordomart {} {} Alice", whether ? "ban" : "unban", kind));
-    }
-    void may(int level) {
-        stage.onserver([&] { stage.server().world().setpermission("Root", level); });
-    }
-
-    Actor& dora = stage.join("Dora", "2535400000000003");
-    Actor& admin = stage.join("Root", root, "en_US", desktop, 1);
-};
-
-// What others were offered before: a good and a commission of Alice's, each dialog good for her shop's present revision
-// alone. So it tells whether a revision has moved, behind which every dialog of that shop is stale.
-class Witness {
-public:
-    explicit Witness(Stall& c) : buyer_(c.carl), seller_(c.dora) {
-        buyer_.types("ordomart formmenu").presses("Selling shops (form)").presses("apple");
-        seller_.types("ordomart formmenu").presses("Recycle shops (form)").presses("bread");
-    }
-    // Ends both dialogs.
-    bool sayssame() {
-        const auto apples = buyer_.counts("minecraft:apple"), loaves = seller_.counts("minecraft:bread");
-        buyer_.fills({{"quantity", "1"}}).dismisses();
-        seller_.fills({{"0", 1}}).dismisses();
-        return buyer_.counts("minecraft:apple") == apples + 1 && seller_.counts("minecraft:bread") == loaves - 1;
-    }
-
-private:
-    Actor &buyer_, &seller_;
-};
 
 std::string heard(const Actor& who) { return who.chat() + who.toasts(); }
 
