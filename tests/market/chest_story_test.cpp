@@ -360,12 +360,14 @@ TEST(ChestStory, WhateverIsClickedTheRealStacksStay) {
         return given != nullptr ? std::strtoull(given, nullptr, 10) : otherwise;
     };
     const auto first = number("ORDOMART_SEED", 1021), stories = number("ORDOMART_STORIES", 8);
+    int offered = 0;
     for (auto seed = first; seed < first + stories; ++seed) {
         const auto steps = invents(seed, 400);
         const auto [wrong, forms] = tells(steps);
-        EXPECT_TRUE(forms > 0 || !wrong.empty()) << "seed " << seed << " is a story in which nothing happens";
+        offered += forms;
         if (wrong.empty()) continue;
         const auto fewer = shortened(steps);
         ADD_FAILURE() << "seed " << seed << ":\n" << wrong << "\n" << told(fewer) << tells(fewer).wrong;
     }
+    EXPECT_GT(offered, 0) << "these are stories in which nothing happens";
 }
