@@ -81,6 +81,12 @@ bool stopping() { return host().background->stopping(); }
 namespace Stores {
 bool writable() { return unwritable().empty(); }
 std::string unwritable() { return host().stores != nullptr ? host().stores->unwritable() : std::string(); }
+void whenwritten(std::function<void()> work) {
+    if (host().stores != nullptr)
+        host().stores->whenwritten(std::move(work));
+    else
+        work();
+}
 }  // namespace Stores
 
 std::int64_t unixseconds() { return host().clock->unixmilliseconds() / 1000; }

@@ -25,6 +25,7 @@ class Scoreboard;
 class KnownPlayers;
 class Http;
 class StoreState;
+class Records;
 
 class Properties {
 public:
@@ -60,6 +61,7 @@ struct Host {
     Scoreboard* scoreboard = nullptr;  // null until the world is open
     KnownPlayers* knownplayers = nullptr;
     StoreState* stores = nullptr;
+    Records* records = nullptr;  // null until the world is open
     Properties* properties = nullptr;
     PluginList* plugins = nullptr;
     Http* http = nullptr;  // null on a host that calls nobody

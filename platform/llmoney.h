@@ -51,4 +51,22 @@ using Close = void();
 // empty string when it worked. Good until the next call. Optional: a library without it cannot say why.
 using LastError = const char*();
 
+// By the following four, which are optional and belong together, the accounts live in a file of the host's, and the
+// host writes what has changed in its own transaction, together with what was traded for the money. A library that has
+// them is opened by either LLMoneyOpen or LLMoneyOpenInHost.
+//
+// "LLMoneyOpenInHost": like LLMoneyOpen, for a file that the host writes. Accounts and history of `formerpath`, a file
+// of LLMoneyOpen, are taken over whole if the host's file has none yet and that file is there; it stays as it is. From
+// then on the other entry points keep what they change in memory and answer from there.
+using OpenInHost = bool(const char* databasepath, const char* formerpath);
+// "LLMoneyHasChanges": whether there is anything to write.
+using HasChanges = bool();
+// "LLMoneyWriteChanges": hands what has changed to the host, as SQL statements in the order in which they are to be run
+// on that file; false when the host broke off with false. Until LLMoneyChangesWritten is called, the next call hands
+// the same over once more, with what has come since.
+using RunStatement = bool(void* context, const char* sql);
+using WriteChanges = bool(RunStatement* run, void* context);
+// "LLMoneyChangesWritten": what the last LLMoneyWriteChanges handed over is committed.
+using ChangesWritten = void();
+
 }  // namespace platform::llmoney

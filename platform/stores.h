@@ -3,6 +3,7 @@
 // pauses; a server that is killed meanwhile loses it. Who begins something of value asks first. Server thread.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace platform {
@@ -14,12 +15,18 @@ public:
     // so and why: "server.sqlite cannot be written since 2026-01-31 12:00:00: database is locked". It becomes empty
     // again when everything that was waiting is written.
     [[nodiscard]] virtual std::string unwritable() const = 0;
+    // In a turn: calls the work once everything that has changed so far is on the disk; on the server thread, in the
+    // order in which it was asked for. For what must not be ahead of the stores, such as a log line. A host that cannot
+    // tell calls it at once.
+    virtual void whenwritten(std::function<void()> work) { work(); }
 };
 
 namespace Stores {
 // True, and nothing, when the host has no such service or no world yet.
 [[nodiscard]] bool writable();
 [[nodiscard]] std::string unwritable();
+// At once, when the host has no such service or no world yet.
+void whenwritten(std::function<void()> work);
 }  // namespace Stores
 
 }  // namespace platform

@@ -3,9 +3,11 @@
 
 #include <dlfcn.h>
 
+#include <filesystem>
 #include <utility>
 
 #include "host/server.h"
+#include "host/world/worldparts.h"
 #include "platform/llmoney.h"
 
 namespace host {
@@ -49,18 +51,49 @@ void BoundLibraries::close() {
     }
 }
 
-void offermoney(BoundLibraries& libraries, const std::string& file, const std::string& database) {
-    namespace money = platform::llmoney;
-    // A library of another make may keep its accounts where it likes, and has none of these.
-    const auto prepare = [database](void* library) {
-        const auto open = reinterpret_cast<money::Open*>(::dlsym(library, "LLMoneyOpen"));
-        if (open == nullptr || open(database.c_str())) return;
-        const auto lasterror = reinterpret_cast<money::LastError*>(::dlsym(library, "LLMoneyLastError"));
-        throw StartError(lasterror != nullptr ? lasterror() : database + ": the money library cannot open it");
+namespace {
+
+namespace money = platform::llmoney;
+
+template <class Function>
+Function* entry(void* library, const char* name) {
+    return reinterpret_cast<Function*>(::dlsym(library, name));
+}
+
+void require(bool opened, void* library, const std::string& path) {
+    if (opened) return;
+    const auto lasterror = entry<money::LastError>(library, "LLMoneyLastError");
+    throw StartError(lasterror != nullptr ? lasterror() : path + ": the money library cannot open it");
+}
+
+// False for a library that does not know how.
+bool joinworld(void* library, World& world, const std::string& former) {
+    const auto open = entry<money::OpenInHost>(library, "LLMoneyOpenInHost");
+    const MoneyLibrary entries = {entry<money::HasChanges>(library, "LLMoneyHasChanges"),
+                                  entry<money::WriteChanges>(library, "LLMoneyWriteChanges"),
+                                  entry<money::ChangesWritten>(library, "LLMoneyChangesWritten")};
+    if (open == nullptr || entries.haschanges == nullptr || entries.writechanges == nullptr ||
+        entries.changeswritten == nullptr)
+        return false;
+    const auto& path = world.parts().file.path();
+    require(open(path.c_str(), former.c_str()), library, path);
+    // Taken over by now; under its own name a later world would take it over once more.
+    std::error_code missing;
+    std::filesystem::rename(former, former + ".moved", missing);
+    world.join(entries);
+    return true;
+}
+
+}  // namespace
+
+void offermoney(BoundLibraries& libraries, const std::string& file, World& world, const std::string& former) {
+    const auto prepare = [&world, former](void* library) {
+        if (joinworld(library, world, former)) return;
+        if (const auto open = entry<money::Open>(library, "LLMoneyOpen"))
+            require(open(former.c_str()), library, former);
     };
     const auto finish = [](void* library) {
-        const auto close = reinterpret_cast<money::Close*>(::dlsym(library, "LLMoneyClose"));
-        if (close != nullptr) close();
+        if (const auto close = entry<money::Close>(library, "LLMoneyClose")) close();
     };
     libraries.offer("LLmoney.dll", file, prepare, finish);
 }

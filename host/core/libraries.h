@@ -10,6 +10,8 @@
 
 namespace host {
 
+class World;
+
 class BoundLibraries : public platform::Libraries {
 public:
     using Step = std::function<void(void* library)>;
@@ -36,8 +38,9 @@ private:
     std::map<std::string, Offer> offers_;
 };
 
-// "LLmoney.dll": the money library, with its accounts in the given SQLite file. load() throws StartError for a file
-// that is no database.
-void offermoney(BoundLibraries& libraries, const std::string& file, const std::string& database);
+// "LLmoney.dll": the money library. One that leaves the writing to its host joins the world; another one has its
+// accounts in `former`, which is where all libraries had them before, or where it likes. load() throws StartError for a
+// file that is no database.
+void offermoney(BoundLibraries& libraries, const std::string& file, World& world, const std::string& former);
 
 }  // namespace host

@@ -118,12 +118,12 @@ void Server::Parts::startup() {
 
     speaking = &texts;
     hooks.registerfunction<&chooselanguage>(platform::symbols::chooseLanguage);
-    if (options.moneylibrary != "none") {
-        const auto money = options.moneylibrary.empty() ? besideprogram("LLmoney.so") : fs::path(options.moneylibrary);
-        offermoney(libraries, fs::absolute(money).string(), (directory / "money.sqlite").string());
-    }
     platform::installhost(&services);
     openworld();
+    if (options.moneylibrary != "none") {
+        const auto money = options.moneylibrary.empty() ? besideprogram("LLmoney.so") : fs::path(options.moneylibrary);
+        offermoney(libraries, fs::absolute(money).string(), *world, (directory / "money.sqlite").string());
+    }
     if (options.adjust) options.adjust(services);
     loadplugin(file);
     for (const auto& plugin : plugins.records()) {
@@ -139,6 +139,7 @@ void Server::Parts::openworld() {
     services.scoreboard = &world->scoreboard();
     services.knownplayers = &world->knownplayers();
     services.stores = &world->stores();
+    services.records = &world->tables();
     network = std::make_unique<Network>(server);
 }
 
@@ -156,14 +157,15 @@ void Server::Parts::teardown() {
     mailbox.close();
     background.waitidle();
     scheduler.close();
+    // Before the plug-in, which gives its records their bytes, and before the money library, which has accounts to
+    // write.
+    const bool wasopen = world != nullptr;
+    if (wasopen) closeworld();
     events.clear();
     commands.clear();
     hooks.restore();
     module.reset();
     libraries.close();
-
-    const bool wasopen = world != nullptr;
-    if (wasopen) closeworld();
     tellunsaved();
     network.reset();
     world.reset();
@@ -171,6 +173,7 @@ void Server::Parts::teardown() {
     services.scoreboard = nullptr;
     services.knownplayers = nullptr;
     services.stores = nullptr;
+    services.records = nullptr;
     if (wasopen) say(platform::LogLevel::info, "The server has stopped");
     platform::installhost(nullptr);
     speaking = nullptr;

@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int fileversion = 1;
+constexpr int fileversion = 2;  // 1 had no records, and the money lay in a file of its own
 // For somebody else's lock on the file. What is not written in a pass is written in a later one.
 constexpr int patienceatstart = 2000, patience = 20;  // milliseconds
 
@@ -34,6 +34,8 @@ CREATE TABLE IF NOT EXISTS scoreids(
 CREATE TABLE IF NOT EXISTS scores(
   objective TEXT NOT NULL, id INTEGER NOT NULL, value INTEGER NOT NULL, PRIMARY KEY(objective, id)) WITHOUT ROWID;
 CREATE TABLE IF NOT EXISTS knownnames(xuid TEXT PRIMARY KEY, name TEXT NOT NULL);
+CREATE TABLE IF NOT EXISTS records(
+  tablename TEXT NOT NULL, key TEXT NOT NULL, bytes BLOB NOT NULL, PRIMARY KEY(tablename, key)) WITHOUT ROWID;
 )";
 
 // Tested before the first write, so that a file that is not ours or is damaged stays as it is.
@@ -115,6 +117,13 @@ void Database::takein() {
     }
     fs::remove(aside_);
     platform::Logger("Server").info("{}: what the last stop left unsaved is taken in", aside_.string());
+}
+
+void Database::runtext(const std::string& sql) {
+    if (script_ != nullptr)
+        *script_ += sql + ";\n";
+    else
+        file_.exec(sql);
 }
 
 void Database::execute(SQLite::Statement& statement) {

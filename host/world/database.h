@@ -30,6 +30,7 @@ public:
     void run(const std::string& sql, const A&... arguments) {
         execute(prepared(sql, arguments...));
     }
+    void runtext(const std::string& sql);  // one statement of somebody else, ready as it is
     template <class F, class... A>
     void rows(const std::string& sql, F&& each, const A&... arguments) {
         SQLite::Statement& statement = prepared(sql, arguments...);

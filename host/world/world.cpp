@@ -48,6 +48,8 @@ platform::Level& World::level() { return parts_->level; }
 platform::Scoreboard& World::scoreboard() { return parts_->scoreboard; }
 platform::KnownPlayers& World::knownplayers() { return parts_->names; }
 platform::StoreState& World::stores() { return parts_->state; }
+platform::Records& World::tables() { return parts_->tables; }
+void World::join(const MoneyLibrary& library) { parts_->money.join(library); }
 
 std::vector<PlayerSummary> World::players() const {
     std::vector<PlayerSummary> all;
@@ -125,17 +127,28 @@ void World::setitem(const std::string& playername, int slot, const platform::Ite
 }
 
 bool World::Parts::write() {
-    if (std::ranges::none_of(stores, [](const Store* store) { return store->changed(); })) return true;
-    try {
-        file.transaction([&] { writestores(); });
-    } catch (const SQLite::Exception& e) {
-        // Everything stays marked.
-        state.failed(e.what());
-        return false;
+    if (std::ranges::any_of(stores, [](const Store* store) { return store->changed(); })) {
+        try {
+            commit();
+        } catch (const std::exception& e) {
+            // Everything stays marked.
+            state.failed(e.what());
+            return false;
+        }
+        forgetchanges();
+        state.worked();
     }
-    forgetchanges();
-    state.worked();
+    state.runwaiting();
     return true;
+}
+
+void World::Parts::commit() {
+    file.transaction([&] {
+        atwrite("begun");
+        writestores();
+        atwrite("unfinished");
+    });
+    atwrite("committed");
 }
 
 void World::Parts::writestores() {
@@ -160,6 +173,7 @@ std::string World::lastflush() {
                            : "what changed since is lost";
     const auto line = fmt::format("{}; {}", parts.state.unwritable(), fate);
     parts.forgetchanges();
+    parts.state.runwaiting();
     return line;
 }
 

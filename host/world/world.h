@@ -9,12 +9,14 @@
 
 #include "platform/item.h"
 #include "platform/level.h"
+#include "platform/records.h"
 #include "platform/scoreboard.h"
 #include "platform/stores.h"
 
 namespace host {
 
 struct JoinRequest;
+struct MoneyLibrary;
 class ServerPlayerImpl;
 
 struct DroppedItem {
@@ -42,6 +44,10 @@ public:
     [[nodiscard]] platform::Scoreboard& scoreboard();
     [[nodiscard]] platform::KnownPlayers& knownplayers();  // any thread
     [[nodiscard]] platform::StoreState& stores();
+    [[nodiscard]] platform::Records& tables();
+    // Any thread: from now on what changes in a money library that leaves the writing to its host is written with
+    // everything else.
+    void join(const MoneyLibrary& library);
 
     [[nodiscard]] std::vector<PlayerSummary> players() const;
     [[nodiscard]] std::vector<DroppedItem> droppeditems() const;  // in the order they fell

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/core/guarded.h"
 #include "platform/clock.h"
 #include "platform/host.h"
 #include "platform/logger.h"
@@ -38,6 +39,14 @@ void WriteState::worked() {
     if (!isfailing()) return;
     platform::Logger("Server").info("{} is written again, after {} s", file_, (now() - since_) / 1000);
     pause_ = 0;
+}
+
+void WriteState::runwaiting() {
+    const auto complain = [](const std::string& text) {
+        platform::Logger("Server").put(platform::LogLevel::error, text);
+    };
+    for (const auto& work : std::exchange(waiting_, {}))
+        guarded(complain, "What waited for a pass to be on the disk failed", work);
 }
 
 std::string WriteState::unwritable() const {

@@ -4,7 +4,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "platform/stores.h"
 
@@ -19,12 +22,16 @@ public:
     void worked();
 
     [[nodiscard]] std::string unwritable() const override;
+    void whenwritten(std::function<void()> work) override { waiting_.push_back(std::move(work)); }
+    // Everything that has changed is on the disk: what waited for that.
+    void runwaiting();
 
 private:
     [[nodiscard]] bool isfailing() const { return pause_ > 0; }
 
     const std::string file_;
     std::string why_;
+    std::vector<std::function<void()>> waiting_;
     std::int64_t since_ = 0, tried_ = 0, pause_ = 0;  // milliseconds of the server's clock
 };
 

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "platform/hardwarefault.h"
+#include "platform/stores.h"
 
 namespace ordomart {
 
@@ -89,6 +90,10 @@ bool envelope(const std::function<void()>& body, const char* place, const envelo
     if (place == nullptr) place = lines.faultplace;
     if (report(*failed, lines, {}) == kind::fault && place != nullptr) logger.put(LogLevel::error, place);
     return false;
+}
+
+void whenwritten(std::function<void()> body) {
+    Stores::whenwritten([body = std::move(body)] { envelope(body); });
 }
 
 bool envelopeat(const char* base, const std::function<void()>& body) {

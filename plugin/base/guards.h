@@ -29,6 +29,8 @@ extern const envelopelines usualenvelope, refreshenvelope, manageenvelope, banen
 // Runs the body; what it throws is logged and ends it. True when it came through. `place` overrides faultplace.
 bool envelope(const std::function<void()>& body, const char* place = nullptr,
               const envelopelines& lines = usualenvelope);
+// The same, once everything that has changed so far is on the disk. In a turn.
+void whenwritten(std::function<void()> body);
 // The second form, of the deferred tasks of the chest handlers: adds the place to each line.
 bool envelopeat(const char* base, const std::function<void()>& body);
 

@@ -9,7 +9,8 @@
 
 namespace ordomart {
 
-// "{0} pay {1}{2} to {3},note:{4}" in the common file.
+// "{0} pay {1}{2} to {3},note:{4}" in the common file, once what it tells of is on
+// the disk.
 void writepayline(const std::string& from, std::int64_t amount, const std::string& to, const std::string& note);
 // "+ {}" or "- {}" filled with a colour, the sum, " §r" and the money name, under a shop's name.
 void moneytoast(ServerPlayer* player, const std::string& shopname, char sign, std::int64_t amount);

@@ -50,7 +50,7 @@ bool onserverstopping(const Event::ServerStoppingEvent&) {
 }
 
 bool onserverstopped(const Event::ServerStoppedEvent& event) {
-    globalruntimeshopmanager.keepunsaved(event.unsaved);
+    globalruntimeshopmanager.tellunsaved(event.unsaved);
     return true;
 }
 

@@ -7,7 +7,7 @@
 #include "plugin/frame/command.h"
 #include "plugin/frame/events.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
-#include "plugin/shopsystem/unsaved.h"
+#include "plugin/shopsystem/shoprecords.h"
 
 namespace ordomart {
 
@@ -32,7 +32,7 @@ void PluginInit() {
     if (debugmode == 0) debuglogger.consolelevel = 0;
     Logger::setDefaultFile(paths::simpletrade, true);
     bindeconomy();
-    takeinunsaved();
+    bringinrecords();
     Schedule::repeat([] { globalruntimeshopmanager.tick(); }, tickperiod);
     Event::EventManager<Event::PlayerLeftEvent>::addEventListener(&onplayerleft);
     Event::EventManager<Event::PlayerJoinEvent>::addEventListener(&onplayerjoin);

@@ -4,6 +4,7 @@
 
 #include "platform/clock.h"
 #include "plugin/shopsystem/jsonfields.h"
+#include "plugin/shopsystem/shoprecords.h"
 
 namespace shopsystem {
 
@@ -87,6 +88,7 @@ void baseshop::markshopchanged() {
     idleticks = 0;
     ++revision;
     isdirty = true;
+    putrecord(*this);
 }
 
 }  // namespace shopsystem

@@ -30,12 +30,19 @@ public:
     // Copy the keys that are present; a wrong JSON type throws fielderror. Always true.
     virtual bool loadfromjson(const json& section);
     virtual bool savetojson(json& section);
+    [[nodiscard]] virtual shoptype kind() const = 0;
+    // Its goods, and the key under which a section has them.
+    struct goodsfield {
+        const char* key;
+        json& list;
+    };
+    [[nodiscard]] virtual goodsfield goods() = 0;
 
     // The ban test, which lifts a ban that has run out.
     bool isbanned();
     void setbanstate(bool banned, std::int64_t timeend, const std::string& reason);
     [[nodiscard]] std::string getbanreason() const;
-    // Ends every change of a shop: not idle, one revision further, to be saved.
+    // Ends every change of a shop: not idle, one revision further, in the records of this pass, and to be saved.
     void markshopchanged();
 
     bool keepincache = false;

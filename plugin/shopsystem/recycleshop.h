@@ -12,6 +12,8 @@ public:
     using baseshop::baseshop;
     bool loadfromjson(const json& section) override;
     bool savetojson(json& section) override;
+    [[nodiscard]] shoptype kind() const override { return recycle; }
+    [[nodiscard]] goodsfield goods() override { return {"recycleitems", recycleitems}; }
 
     // A default record out of range. A broken record throws shopfileerror.
     [[nodiscard]] recycleshopitem getrecycleitem(int index) const;

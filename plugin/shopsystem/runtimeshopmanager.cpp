@@ -6,6 +6,7 @@
 
 #include "platform/turn.h"
 #include "plugin/shopsystem/brokenshops.h"
+#include "plugin/shopsystem/shoprecords.h"
 #include "plugin/shopsystem/shopsaving.h"
 
 namespace shopsystem {
@@ -19,14 +20,26 @@ struct freshshop {
 };
 
 template <class Shop>
+Shop shopof(const std::string& xuid, const json& section) {
+    Shop shop(xuid);
+    namingsection(xuid, sectionof<Shop>, [&] { shop.loadfromjson(section); });
+    shop.isloaded = true;
+    return shop;
+}
+
+template <class Shop>
 freshshop<Shop> readshop(const std::string& xuid) {
-    takein(xuid, sectionof<Shop>);
-    freshshop<Shop> fresh{Shop(xuid), false};
+    if (const auto left = leftrecord(xuid, sectionof<Shop>)) {
+        try {
+            freshshop<Shop> fresh{shopof<Shop>(xuid, *left), false};
+            fresh.shop.isdirty = true;  // its file does not have it
+            return fresh;
+        } catch (const shopfileerror& e) {
+            setasideleftrecord(xuid, sectionof<Shop>, e.what());
+        }
+    }
     const auto [content, isnewfile] = loadsection(xuid, sectionof<Shop>);
-    namingsection(xuid, sectionof<Shop>, [&, &content = content] { fresh.shop.loadfromjson(content); });
-    fresh.shop.isloaded = true;
-    fresh.isnewfile = isnewfile;
-    return fresh;
+    return {shopof<Shop>(xuid, content), isnewfile};
 }
 
 // One kind of shops, and the other kind, with which it shares the files.
@@ -60,6 +73,8 @@ public:
         if (touch(xuid) == nullptr) enter(xuid, std::move(fresh));
     }
 
+    [[nodiscard]] Shop* cached(const std::string& xuid) { return shops_.find(xuid); }
+
     saving<Shop> saves;
 
 private:
@@ -71,6 +86,7 @@ private:
 
     Shop& enter(const std::string& xuid, freshshop<Shop> fresh) {
         forgetbroken(xuid, sectionof<Shop>);
+        forgetleftrecord(xuid, sectionof<Shop>);
         // The file had gone or was emptied under the owner's other shop, which is not in the new one.
         if (Other* other = others_.find(xuid); other != nullptr && fresh.isnewfile) {
             other->isdirty = true;
@@ -114,6 +130,10 @@ baseshop& runtimeshopmanager::getshop(const std::string& xuid, int type) {
     return maps_->oftype(type, [&](auto& kind) -> baseshop& { return kind.get(xuid); });
 }
 
+baseshop* runtimeshopmanager::cached(const std::string& xuid, int type) {
+    return maps_->oftype(type, [&](auto& kind) -> baseshop* { return kind.cached(xuid); });
+}
+
 void runtimeshopmanager::bringin(const std::string& xuid, int type) {
     maps_->oftype(type, [&](auto& kind) { kind.bring(xuid); });
 }
@@ -128,9 +148,9 @@ void runtimeshopmanager::savealldirty() {
     maps_->each([](auto& kind) { kind.saves.saveall(); });
 }
 
-void runtimeshopmanager::keepunsaved(std::vector<std::string>& unsaved) {
+void runtimeshopmanager::tellunsaved(std::vector<std::string>& unsaved) {
     const Turn turn;
-    maps_->each([&](auto& kind) { kind.saves.keepall(unsaved); });
+    maps_->each([&](auto& kind) { kind.saves.tellunsaved(unsaved); });
 }
 
 // The pool after the manager, so that it is destroyed first: what is still queued then finds its shops.

@@ -23,6 +23,8 @@ public:
     sellshop& getsellshop(const std::string& xuid);
     recycleshop& getrecycleshop(const std::string& xuid);
     baseshop& getshop(const std::string& xuid, int type);
+    // Null for a shop that is not in the cache; reads nothing.
+    [[nodiscard]] baseshop* cached(const std::string& xuid, int type);
     // Background threads, not in a turn: brings a shop in, with reading and parsing outside of the turn, so that a
     // following getshop finds it. Throws what getshop throws.
     void bringin(const std::string& xuid, int type);
@@ -30,8 +32,8 @@ public:
     void tick();
     // Orderly stop: enqueues a save of whatever has not reached its file. As often as something may have changed.
     void savealldirty();
-    // The end of it: keeps aside what could not be saved, with a line for each.
-    void keepunsaved(std::vector<std::string>& unsaved);
+    // The end of it: a line for each shop whose file could not be written.
+    void tellunsaved(std::vector<std::string>& unsaved);
 
 private:
     struct maps;

@@ -11,6 +11,8 @@ public:
     using baseshop::baseshop;
     bool loadfromjson(const json& section) override;
     bool savetojson(json& section) override;
+    [[nodiscard]] shoptype kind() const override { return sell; }
+    [[nodiscard]] goodsfield goods() override { return {"items", items}; }
 
     // Plain read; a default record out of range. A broken record throws shopfileerror.
     [[nodiscard]] shopitem getshopitem(int index) const;

@@ -11,13 +11,14 @@
 #include <utility>
 #include <vector>
 
+#include "platform/host.h"
 #include "platform/turn.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
 #include "plugin/shopsystem/shopfiles.h"
+#include "plugin/shopsystem/shoprecords.h"
 #include "plugin/shopsystem/shoptable.h"
 #include "plugin/shopsystem/taskpool.h"
-#include "plugin/shopsystem/unsaved.h"
 
 namespace shopsystem {
 
@@ -50,13 +51,16 @@ public:
             if (!each.waiting && (each.shop.isdirty || each.shop.cachestate == savewanted)) enqueue(each);
     }
 
-    // After the last save: puts aside what did not reach its file.
-    void keepall(std::vector<std::string>& unsaved) {
-        for (auto& each : table_) {
+    // After the last save.
+    void tellunsaved(std::vector<std::string>& unsaved) const {
+        for (const auto& each : table_) {
             if (!each.shop.isdirty && each.shop.cachestate != savewanted && each.tasks == 0) continue;
             const auto& why = each.saves.why();
-            unsaved.push_back(
-                keepaside(each.key, sectionof<Shop>, written(each.shop), why.empty() ? "its save has not ended" : why));
+            unsaved.push_back(fmt::format("{} ({}): {}; {}", shopfile(each.key), sectionkey(sectionof<Shop>),
+                                          why.empty() ? "its save has not ended" : why,
+                                          host().records != nullptr
+                                              ? "the server's records have it, and the next start brings it in"
+                                              : "what changed since it was saved is lost"));
         }
     }
 
@@ -96,36 +100,53 @@ private:
 
     // On the worker.
     void save(entry& each) {
-        const auto why = trytosave(each);
+        const auto [why, revision] = trytosave(each);
         const Turn turn;
         --each.tasks;
         if (why)
             failed(each, *why);
-        else
-            succeeded(each);
+        else if (revision)
+            succeeded(each, *revision);
     }
 
-    // Why it failed, if it did.
-    std::optional<std::string> trytosave(entry& each) {
+    struct outcome {
+        std::optional<std::string> why;         // it failed
+        std::optional<std::uint32_t> revision;  // what is in the file now; nothing when it is not time yet
+    };
+
+    outcome trytosave(entry& each) {
         try {
-            saveshopdata(each.key, look(each), sectionof<Shop>, [&] { return other_(each.key); });
-            return std::nullopt;
+            const auto seen = look(each);
+            if (!seen) return {};
+            saveshopdata(each.key, seen->section, sectionof<Shop>, [&] { return other_(each.key); });
+            return {{}, seen->revision};
         } catch (const std::exception& e) {
-            return e.what();
+            return {e.what(), {}};
         } catch (...) {
-            return shopfile(each.key) + ": something unknown";
+            return {shopfile(each.key) + ": something unknown", {}};
         }
     }
 
-    json look(entry& each) {
+    struct sight {
+        json section;
+        std::uint32_t revision;
+    };
+
+    // Nothing, with the save put off, while the file would be ahead of the purses and stacks on the disk.
+    std::optional<sight> look(entry& each) {
         const Turn turn;
         each.waiting = false;
+        if (!recordwritten(each.key, sectionof<Shop>)) {
+            each.shop.cachestate = savewanted;
+            return std::nullopt;
+        }
         each.shop.isdirty = false;
-        return written(each.shop);
+        return sight{written(each.shop), each.shop.revision};
     }
 
-    void succeeded(entry& each) {
+    void succeeded(entry& each, std::uint32_t revision) {
         each.shop.cachestate = saved;
+        if (each.shop.revision == revision) eraserecord(each.key, sectionof<Shop>);
         if (each.saves.worked())
             ordomart::logger.info("The shop is saved again ({}): {}", sectionkey(sectionof<Shop>), shopfile(each.key));
     }

@@ -5,6 +5,7 @@
 
 #include "platform/files.h"
 #include "platform/host.h"
+#include "plugin/base/guards.h"
 #include "plugin/base/language.h"
 #include "plugin/errands/tradereport.h"
 #include "plugin/shopsystem/itemidentity.h"
@@ -28,7 +29,8 @@ std::string itemtail(const json& record) {
 
 // Enchanted goods have no market price that would tell anybody anything.
 void report(int type, const json& record) {
-    if (!record.at("isenchanted").get<bool>()) ordomart::uploadtrade(type, record);
+    if (!record.at("isenchanted").get<bool>())
+        ordomart::whenwritten([type, record] { ordomart::uploadtrade(type, record); });
 }
 
 // Where a text that was cut at its front begins again with a whole line.
@@ -41,8 +43,10 @@ std::size_t firstlineend(const std::string& text) {
 }  // namespace
 
 void writeshopline(const std::string& xuid, const char* suffix, const std::string& message) {
-    tradelogger.setFile(logpath(xuid, suffix), true);
-    tradelogger.put(LogLevel::info, message);
+    ordomart::whenwritten([path = logpath(xuid, suffix), message] {
+        tradelogger.setFile(path, true);
+        tradelogger.put(LogLevel::info, message);
+    });
 }
 
 std::string readeventlog(const std::string& xuid, const char* suffix) {

@@ -10,7 +10,7 @@
 
 namespace shopsystem {
 
-// A line in the file of a shop: suffix ".log" or ".relog".
+// A line in the file of a shop: suffix ".log" or ".relog". It is there when what it tells of is on the disk.
 void writeshopline(const std::string& xuid, const char* suffix, const std::string& message);
 // The last 5000 bytes from a line's end on, or "failed to open". Any thread.
 [[nodiscard]] std::string readeventlog(const std::string& xuid, const char* suffix);

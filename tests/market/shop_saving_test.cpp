@@ -1,8 +1,8 @@
-// Saves that fail, the stop, and what it could not save.
+// Saves that fail, the stop, and the records of what has not reached its file.
 #include <gtest/gtest.h>
 
+#include "plugin/shopsystem/shoprecords.h"
 #include "plugin/shopsystem/taskpool.h"
-#include "plugin/shopsystem/unsaved.h"
 #include "tests/market/shophost.h"
 
 using namespace market_tests;
@@ -73,6 +73,7 @@ TEST(ShopSaving, AnOrderlyStopSavesEverythingOnce) {
     change("stopdirty");
     change("stopqueued");  // its task has not looked yet
     const int before = host.background.underway();
+    host.records.endpass();
     globalruntimeshopmanager.savealldirty();
     globalruntimeshopmanager.savealldirty();
     EXPECT_EQ(host.background.underway() - before, 2) << "one save for each that has none under way";
@@ -84,114 +85,138 @@ TEST(ShopSaving, AnOrderlyStopSavesEverythingOnce) {
         EXPECT_TRUE(host.disk.contents.contains(ShopHost::path(xuid))) << xuid;
     EXPECT_FALSE(host.disk.contents.contains(ShopHost::path("stopclean")));
 
-    // Once more, for what came into being meanwhile; nothing is left to keep aside then.
+    // Once more, for what came into being meanwhile; nothing is left then.
     sells("stoplate").sellcount = 3;
     change("stoplate");
+    host.records.endpass();
     globalruntimeshopmanager.savealldirty();
     host.settle();
     EXPECT_EQ(host.document("stoplate")["sell"]["sellcount"], 3);
     std::vector<std::string> unsaved;
-    globalruntimeshopmanager.keepunsaved(unsaved);
+    globalruntimeshopmanager.tellunsaved(unsaved);
     EXPECT_TRUE(unsaved.empty());
 }
 
-// What was put aside by a stop is newer than the shop file: nobody reads this one before.
-TEST(ShopUnsaved, IsTakenInBeforeTheShopIsRead) {
+std::string packed(const json& section) {
+    std::string bytes;
+    json::to_msgpack(section, bytes);
+    return bytes;
+}
+
+// A file is never ahead of what is on the disk beside it, and a record goes when its file has caught up.
+TEST(ShopRecords, AChangeIsOnTheDiskBeforeItIsInItsFile) {
+    ShopHost host;
+    auto& shop = sells("recorded");
+    shop.items = json::array({{{"price", 5}}});
+    shop.markshopchanged();
+    shop.sellcount = 1;
+    shop.markshopchanged();
+    const auto tickonly = [&] {
+        globalruntimeshopmanager.tick();
+        host.settle();
+    };
+    for (int i = 0; i < 5; ++i) tickonly();
+    EXPECT_EQ(host.document("recorded")["sell"]["sellcount"], 0) << "the pass cannot be written";
+    auto& table = host.records.tables["shops"];
+    host.records.endpass();
+    const json record = json::from_msgpack(table.at("recorded.sell"));
+    EXPECT_EQ(record["sellcount"], 1);
+    EXPECT_EQ(record["items"], shop.items) << "only lent";
+    EXPECT_EQ(shop.items[0]["price"], 5);
+    tickonly();
+    tickonly();
+    EXPECT_EQ(host.document("recorded")["sell"]["sellcount"], 1);
+
+    // Changed again while the save is on its way: that record stays.
+    std::promise<void> go;
+    taskpool.enqueue([wait = go.get_future().share()] { wait.wait(); });
+    host.disk.behindtheread = [&] { shop.markshopchanged(); };
+    shop.markshopchanged();
+    host.records.endpass();
+    globalruntimeshopmanager.savealldirty();
+    go.set_value();
+    host.settle();
+    host.records.endpass();
+    EXPECT_TRUE(table.contains("recorded.sell"));
+    host.ticks(4);
+    EXPECT_TRUE(table.empty());
+}
+
+// Killed between a pass and its file: the next start has the shop as the pass left it, whatever the file says.
+TEST(ShopRecords, WhatTheLastRunLeftStandsAboveTheFile) {
     const std::string standing = R"({"sell": {"sellcount": 1}, "recycles": {"recyclecost": 2}})";
-    const std::string newer = R"({"sellcount": 5})";
-    const auto putaside = [](const std::string& xuid) { return ordomart::paths::unsaved + xuid + ".sell.json"; };
+    const std::string newer = packed({{"sellcount", 5}, {"items", json::array()}});
     struct {
         const char* name;
-        std::string shopfile, aside;
-        bool removable;
-        std::string why;  // it waits
-        int recyclecost;
+        std::string shopfile, record;
+        const char* broken;  // why the file stands
+        int sellcount, recyclecost;
     } const cases[] = {
-        {"ready", standing, newer, true, "", 2},
-        {"dotted.json", standing, newer, true, "", 2},
-        {"nofile", "", newer, true, "", 0},
-        {"tornshop", "{", newer, true, ShopHost::path("tornshop") + ": [json.exception.parse_error", 2},
-        {"tornaside", standing, "{", true, putaside("tornaside") + ": [json.exception.parse_error", 2},
-        {"noobject", standing, "[]", true, putaside("noobject") + ": holds no object", 2},
-        {"kept", standing, newer, false, "Can't remove file " + putaside("kept"), 2},
+        {"left", standing, newer, nullptr, 5, 2},
+        {"left.sell", standing, newer, nullptr, 5, 2},
+        {"leftnofile", "", newer, nullptr, 5, 0},
+        {"leftbyhand", R"({"sell": {"sellcount": 9}, "recycles": {"recyclecost": 9}})", newer, nullptr, 5, 9},
+        {"leftnumber", standing, "{", "holds no object", 1, 2},
+        {"leftcut", standing, newer.substr(0, newer.size() - 1), "parse_error", 1, 2},
+        {"leftlist", standing, packed({1, 2}), "holds no object", 1, 2},
+        {"leftmistyped", standing, packed({{"sellcount", "many"}}), "sellcount", 1, 2},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         ShopHost host;
-        host.disk.removable = c.removable;
+        const std::string key = std::string(c.name) + ".sell";
         if (!c.shopfile.empty()) host.disk.contents[ShopHost::path(c.name)] = c.shopfile;
-        host.disk.contents[putaside(c.name)] = c.aside;
-        host.disk.contents[ordomart::paths::unsaved + "notes.txt"] = "nobody's";
-        takeinunsaved();
-        EXPECT_EQ(host.told("What was not saved waits in " + putaside(c.name)), c.why.empty() ? 0 : 1);
-        if (!c.why.empty()) {
-            EXPECT_TRUE(fault([&] { sells(c.name); }).starts_with(c.why)) << fault([&] { sells(c.name); });
-            EXPECT_EQ(host.disk.contents.at(putaside(c.name)), c.aside);
-            EXPECT_NO_THROW(buys(c.removable ? "ready" : c.name)) << "the other shop is open";
-            host.disk.removable = true;
-            host.disk.contents[ShopHost::path(c.name)] = standing;
-            if (c.aside != newer) host.disk.contents[putaside(c.name)] = newer;
-        }
-        EXPECT_EQ(sells(c.name).sellcount, 5);
+        host.records.tables["shops"] = {{key, c.record}, {"nonsense", "x"}};
+        bringinrecords();
+        EXPECT_EQ(sells(c.name).sellcount, c.sellcount);
+        EXPECT_EQ(host.told("1 shops had changed when the last run ended"), 1);
+        host.ticks(4);
+        EXPECT_EQ(host.document(c.name)["sell"].value("sellcount", -1), c.sellcount);
         EXPECT_EQ(buys(c.name).recyclecost, c.recyclecost);
-        EXPECT_FALSE(host.disk.contents.contains(putaside(c.name)));
+        EXPECT_TRUE(host.records.tables["shops"].empty());
+        const auto& aside = host.records.tables["shops.broken"];
+        EXPECT_EQ(aside.at("nonsense"), "x");
+        EXPECT_EQ(aside.contains(key), c.broken != nullptr);
+        if (c.broken == nullptr) continue;
+        EXPECT_EQ(aside.at(key), c.record);
+        EXPECT_EQ(host.told("The record of " + key + " is broken"), 1);
+        EXPECT_EQ(host.told(c.broken), 1);
     }
+    // A file that cannot be read closes a shop only where there is nothing newer.
     ShopHost host;
-    host.disk.contents[ShopHost::path("given up")] = standing;
-    host.disk.contents[putaside("given up")] = "{";
-    takeinunsaved();
-    host.disk.contents.erase(putaside("given up"));
-    EXPECT_EQ(sells("given up").sellcount, 1);
+    host.disk.contents[ShopHost::path("lefttorn")] = "{";
+    host.records.tables["shops"] = {{"lefttorn.sell", newer}};
+    bringinrecords();
+    EXPECT_EQ(sells("lefttorn").sellcount, 5);
+    host.ticks(4);
+    EXPECT_EQ(host.disk.contents.at(ShopHost::path("lefttorn")), "{");
+    EXPECT_TRUE(host.records.tables["shops"].contains("lefttorn.sell"));
+    host.disk.contents[ShopHost::path("lefttorn")] = standing;
+    host.ticks(8);
+    EXPECT_EQ(host.document("lefttorn")["sell"]["sellcount"], 5);
 }
 
-TEST(ShopUnsaved, IsKeptAsideOrSaidToBeLost) {
-    for (const bool writable : {true, false}) {
+TEST(ShopRecords, AStopTellsWhatIsNotInItsFile) {
+    for (const bool records : {true, false}) {
         ShopHost host;
-        const std::string xuid = writable ? "aside" : "lost", file = ShopHost::path(xuid);
+        if (!records) host.services.records = nullptr;
+        const std::string xuid = records ? "kept" : "lost", file = ShopHost::path(xuid);
         buys(xuid).recyclecost = 7;
         buys(xuid).markshopchanged();
-        sells(xuid);
+        host.records.endpass();
         host.disk.contents[file] = "{";
-        host.disk.writable = writable;
         globalruntimeshopmanager.savealldirty();
         host.settle();
         std::vector<std::string> unsaved;
-        globalruntimeshopmanager.keepunsaved(unsaved);
+        globalruntimeshopmanager.tellunsaved(unsaved);
         ASSERT_EQ(unsaved.size(), 1U);
         EXPECT_TRUE(unsaved[0].starts_with(file + " (recycles): " + file + ": [json.exception.parse_error"))
             << unsaved[0];
-        const auto aside = ordomart::paths::unsaved + xuid + ".recycles.json";
-        EXPECT_TRUE(unsaved[0].ends_with(writable ? "; kept in " + aside + ", which the next start takes in"
-                                                  : "; lost, since " + aside + " cannot be written either"));
-        EXPECT_EQ(host.disk.contents.contains(aside), writable);
-        if (writable) {
-            EXPECT_EQ(json::parse(host.disk.contents.at(aside))["recyclecost"], 7);
-        }
-        host.disk.writable = true;
+        EXPECT_TRUE(unsaved[0].ends_with(records ? "; the server's records have it, and the next start brings it in"
+                                                 : "; what changed since it was saved is lost"));
         host.disk.contents[file] = "{}";
         host.ticks(2);
     }
-}
-
-TEST(ShopPool, KeepsItsOrderAndOutlivesAFailure) {
-    ShopHost host;
-    std::string order;
-    std::promise<void> go;
-    taskpool.enqueue([wait = go.get_future().share()] { wait.wait(); });
-    taskpool.enqueue([&](const char* name) { order += name; }, "a");
-    auto failed = taskpool.enqueue([] { throw 5; });
-    taskpool.enqueue(std::function<void()>());
-    taskpool.enqueue([&] { order += "b"; });
-    EXPECT_EQ(host.background.underway(), 5);
-    go.set_value();
-    host.settle();
-    EXPECT_EQ(order, "ab");
-    EXPECT_EQ(host.told("error at ??R<lambda_1>"), 2);
-
-    auto pool = std::make_unique<ThreadPool>();
-    for (int i = 0; i < 100; ++i) pool->enqueue([&] { order += "c"; });
-    pool.reset();
-    EXPECT_EQ(order.size(), 102U) << "the queue is finished before the end";
 }
 
 }  // namespace

@@ -17,6 +17,7 @@
 #include "platform/background.h"
 #include "platform/clock.h"
 #include "platform/item.h"
+#include "platform/records.h"
 #include "platform/turn.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "tests/market/quiethost.h"
@@ -97,14 +98,54 @@ private:
     std::vector<platform::ItemStack> none_;
 };
 
+// Records whose passes end by call.
+class MemoryRecords : public platform::Records {
+public:
+    using Table = std::map<std::string, std::string>;
+    std::map<std::string, Table> tables;  // what is on the disk
+
+    void put(const std::string& table, const std::string& key, Bytes bytes) override {
+        pending_[{table, key}] = std::move(bytes);
+    }
+    void erase(const std::string& table, const std::string& key) override { pending_[{table, key}] = nullptr; }
+    std::optional<std::string> get(const std::string& table, const std::string& key) override {
+        const auto found = tables[table].find(key);
+        return found != tables[table].end() ? std::optional(found->second) : std::nullopt;
+    }
+    std::vector<std::string> keys(const std::string& table, const std::string& from, std::size_t most) override {
+        std::vector<std::string> found;
+        auto& all = tables[table];
+        for (auto place = all.lower_bound(from); place != all.end() && found.size() < most; ++place)
+            found.push_back(place->first);
+        return found;
+    }
+    bool written(const std::string& table, const std::string& key) const override {
+        const auto found = pending_.find({table, key});
+        return found == pending_.end() || !found->second;
+    }
+    void endpass() {
+        for (const auto& [place, bytes] : std::exchange(pending_, {})) {
+            if (bytes)
+                tables[place.first][place.second] = bytes();
+            else
+                tables[place.first].erase(place.second);
+        }
+    }
+
+private:
+    std::map<std::pair<std::string, std::string>, Bytes> pending_;
+};
+
 struct ShopHost : QuietHost {
     ListedFiles disk;
     StandingClock clock;
     OneTurn turn;
     Counted background;
     FewItems items;
+    MemoryRecords records;
 
     ShopHost() {
+        services.records = &records;
         services.files = &disk;
         services.clock = &clock;
         services.turn = &turn;
@@ -120,9 +161,10 @@ struct ShopHost : QuietHost {
     }
     json document(const std::string& xuid) { return json::parse(disk.contents.at(path(xuid))); }
     // Of the manager, with the saves that they bring.
-    void ticks(int n) const {
+    void ticks(int n) {
         for (; n > 0; --n) {
             shopsystem::globalruntimeshopmanager.tick();
+            records.endpass();
             settle();
         }
     }
