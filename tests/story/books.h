@@ -18,6 +18,7 @@ struct deed {
 struct entry {
     std::string what = "nothing";  // the name of what has happened
     std::string fault;             // empty when the books are right
+    bool inbanned = false;         // it was a trade in a banned shop
 };
 [[nodiscard]] entry book(const picture& then, const picture& now, const deed& by);
 

@@ -14,7 +14,7 @@ using Who = std::size_t;
 // ---- forms
 
 bool newest(W world, Who who, dialog& found) {
-    const auto all = world.pending(who);
+    const auto& all = world.pending(who);
     if (!all.empty()) found = all.back();
     return !all.empty();
 }
@@ -33,7 +33,7 @@ bool pressesany(W world, Who who, Dice& dice) {
            presses(world, who, dice.below(asked.form["buttons"].size()));
 }
 void finishes(W world, Who who, Dice& dice, std::size_t before) {
-    const auto all = world.pending(who);
+    const auto& all = world.pending(who);
     if (all.size() > before && all.back().form["type"] != "form" && !dice.oneof(3))
         world.answers(who, all.back(), dice);
 }
@@ -195,7 +195,7 @@ void clicksanywhere(W world, Who who, Dice& dice) {
 // ---- forms that were left open
 
 void answerslate(W world, Who who, Dice& dice) {
-    const auto all = world.pending(who);
+    const auto& all = world.pending(who);
     if (!all.empty()) world.answers(who, all[static_cast<std::size_t>(dice.below(all.size()))], dice);
 }
 void closesforms(W world, Who who, Dice&) {
@@ -203,10 +203,15 @@ void closesforms(W world, Who who, Dice&) {
 }
 void answerstwice(W world, Who who, Dice&) { world.answersagain(who); }
 
-// ---- operators; the commands of others are refused
+// ---- what is for operators, and now and then tried by others
+
+Who someoperator(W world, Who who, Dice& dice) {
+    return !dice.oneof(4) && world.ishere(theoperator) ? theoperator : who;
+}
 
 std::string someshop(Dice& dice) { return World::name(static_cast<Who>(dice.below(parties))); }
 void manages(W world, Who who, Dice& dice) {
+    who = someoperator(world, who, dice);
     if (world.actor(who).menuopen()) world.actor(who).closes();
     chest::rests(world.stage());
     world.actor(who).types("ordomart manage " + someshop(dice));
@@ -218,15 +223,18 @@ void managesbyform(W world, Who who, Dice& dice) {
     if (newest(world, who, asked) && asked.form["type"] == "custom_form") world.answers(who, asked, dice);
 }
 void stopsmanaging(W world, Who who, Dice&) { world.actor(who).types("ordomart resetmanage"); }
-void switches(W world, Who who, Dice&) {
+void switches(W world, Who who, Dice& dice) {
+    who = someoperator(world, who, dice);
     if (world.isoperator(who)) mainmenu(world, who, switchshop);
 }
 const char* somekind(Dice& dice) { return dice.oneof(2) ? "sell" : "recycle"; }
 void bans(W world, Who who, Dice& dice) {
+    who = someoperator(world, who, dice);
     const auto kind = somekind(dice);
-    world.actor(who).types(fmt::format("ordomart ban {} {} fraud {}", kind, someshop(dice), 100 + dice.below(2000)));
+    world.actor(who).types(fmt::format("ordomart ban {} {} fraud {}", kind, someshop(dice), 100 + dice.below(6000)));
 }
 void unbans(W world, Who who, Dice& dice) {
+    who = someoperator(world, who, dice);
     const auto kind = somekind(dice);
     world.actor(who).types(fmt::format("ordomart unban {} {}", kind, someshop(dice)));
 }
@@ -254,23 +262,23 @@ constexpr operation table[] = {
     {"publish from a slot, chest", 5, &ownbychest<recycles, hotbar, 2, &picksown>},
     {"publish from the creative list", 3, &ownbychest<recycles, hotbar, 2, &pickscreative>},
     {"pick up, chest", 4, &ownbychest<recycles, hotbar, 3, &picks>},
-    {"buy, form", 9, &tradebyform<sells>, holds::books, true},
-    {"sell, form", 9, &tradebyform<recycles>},
-    {"buy, chest", 7, &globally<sells>, holds::books, true},
-    {"sell, chest", 7, &globally<recycles>},
-    {"buy in one shop", 4, &inoneshop<sells>, holds::books, true},
+    {"buy, form", 9, &tradebyform<sells>, holds::books, madelist::all},
+    {"sell, form", 9, &tradebyform<recycles>, holds::books, madelist::all},
+    {"buy, chest", 7, &globally<sells>, holds::books, madelist::all},
+    {"sell, chest", 7, &globally<recycles>, holds::books, madelist::all},
+    {"buy in one shop", 4, &inoneshop<sells>, holds::books, madelist::one},
     {"sell in one shop", 4, &inoneshop<recycles>},
-    {"buy by shops", 3, &byshops<sells>, holds::books, true},
+    {"buy by shops", 3, &byshops<sells>, holds::books, madelist::one},
     {"sell by shops", 3, &byshops<recycles>},
-    {"buy in the system shop, form", 3, &systembyform<sells>, holds::books, true},
-    {"sell in the system shop, form", 3, &systembyform<recycles>},
-    {"buy in the system shop, chest", 3, &systembychest<sells>, holds::books, true},
+    {"buy in the system shop, form", 3, &systembyform<sells>, holds::books, madelist::all},
+    {"sell in the system shop, form", 3, &systembyform<recycles>, holds::books, madelist::all},
+    {"buy in the system shop, chest", 3, &systembychest<sells>, holds::books, madelist::one},
     {"sell in the system shop, chest", 3, &systembychest<recycles>},
-    {"search goods", 3, &searches<sells>, holds::books, true},
-    {"search commissions", 3, &searches<recycles>},
+    {"search goods", 3, &searches<sells>, holds::books, madelist::all},
+    {"search commissions", 3, &searches<recycles>, holds::books, madelist::all},
     {"search, form", 2, &searchesbyform},
-    {"buy by category", 2, &bycategory<sells>, holds::books, true},
-    {"sell by category", 2, &bycategory<recycles>},
+    {"buy by category", 2, &bycategory<sells>, holds::books, madelist::all},
+    {"sell by category", 2, &bycategory<recycles>, holds::books, madelist::all},
     {"click anywhere", 5, &clicksanywhere},
     {"answer late", 16, &answerslate},
     {"answer twice", 4, &answerstwice},
@@ -283,11 +291,15 @@ constexpr operation table[] = {
     {"switch to the system shop", 3, &switches},
     {"ban", 4, &bans},
     {"unban", 5, &unbans},
-    {"things come and go", 8, [](W world, Who who, Dice& dice) { world.puts(who, dice); }, holds::nothing},
+    {"things come and go", 8,
+     [](W world, Who who, Dice& dice) {
+         if (world.ishere(who)) world.puts(who, dice);
+     },
+     holds::nothing},
     {"time goes by", 3, [](W world, Who, Dice& dice) { world.stage().advance(dice.below(40'000)); }, holds::nothing},
-    {"die or live", 3, [](W world, Who who, Dice&) { world.diesorlives(who); }, holds::nothing},
-    {"rights", 1, [](W world, Who, Dice&) { world.loseskeepsrights(); }, holds::nothing},
-    {"leave or come", 3, [](W world, Who who, Dice&) { world.comesorgoes(who); }, holds::everything},
+    {"die or live", 4, [](W world, Who who, Dice&) { world.diesorlives(who); }, holds::nothing},
+    {"rights", 2, [](W world, Who, Dice&) { world.loseskeepsrights(); }, holds::nothing},
+    {"leave or come", 5, [](W world, Who who, Dice&) { world.comesorgoes(who); }, holds::everything},
     {"save", 1, [](W world, Who, Dice&) { world.saves(false); }, holds::everything},
     {"forget", 1, [](W world, Who, Dice&) { world.saves(false), world.saves(true); }, holds::everything},
 };

@@ -14,12 +14,16 @@ enum class holds {
     nothing      // it comes from outside the market, and all is looked at anew
 };
 
+// Which list the operation makes anew, so that what is opened out of it is at the prices of now; without banned shops,
+// unless it is that of one shop.
+enum class madelist { none, one, all };
+
 struct operation {
     const char* name;
     int weight;
     void (*run)(World&, std::size_t who, Dice&);
     holds behind = holds::books;
-    bool makeslist = false;  // a form that is open behind it shows what is true now
+    madelist list = madelist::none;
 };
 [[nodiscard]] std::span<const operation> operations();
 

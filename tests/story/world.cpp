@@ -30,8 +30,8 @@ constexpr int slots = 41;
 constexpr const char* tags[] = {"sword", "stone", "diamond_sword", "cooked_"};
 constexpr const char* discounts[] = {"%50", "%50", "%80", "-1", "-3", "-100000", "%150", "", "half"};
 constexpr const char* durations[] = {"1", "5", "20", "60", "7200", "0"};
-constexpr const char* numbers[] = {"0", "0", "1", "1",  "2",  "2",  "3",  "3",         "4",
-                                   "5", "6", "8", "12", "30", "64", "-3", "100000000", "many"};
+constexpr const char* numbers[] = {"1", "1", "2", "3", "4", "5", "7",  "0",  "0",  "1",  "1",         "2",   "2",
+                                   "3", "3", "4", "5", "6", "8", "12", "30", "64", "-3", "100000000", "many"};
 constexpr struct {
     const char* hint;
     std::span<const char* const> texts;
@@ -56,6 +56,13 @@ bool isbanned(const json& shop, std::int64_t now) {
     const auto& state = shop["shopstate"];
     return state.is_object() && state.value("isbaned", false) &&
            (state["bantimeend"] == -1 || state["bantimeend"].get<std::int64_t>() >= now);
+}
+
+json lasting(json shop, std::int64_t now) {
+    if (!isbanned(shop, now)) shop.erase("shopstate");
+    shop.erase("ownername");
+    shop.erase("ownerlang");
+    return shop;
 }
 
 std::string World::xuid(std::size_t who) {
@@ -136,23 +143,26 @@ picture World::look() {
 
 // ---- forms
 
-std::vector<dialog> World::pending(std::size_t who) {
-    std::vector<dialog> all;
-    bool isnew = false;
+const std::vector<dialog>& World::pending(std::size_t who) {
+    constexpr std::size_t most = 5;  // nobody leaves open more than he can remember
     auto& known = known_[who];
+    std::vector<dialog> fresh;
     actor(who).look([&](client::ModelClient& c) {
-        for (const auto& form : c.forms()) {
-            const auto before = std::ranges::find(known, form.id, &dialog::id);
-            isnew |= before == known.end();
-            all.push_back(before != known.end() ? *before : dialog{form.id, json::parse(form.json), {}, {}});
-        }
+        while (c.forms().size() > most) c.answer("null");
+        std::erase_if(known, [&](const auto& d) {
+            return std::ranges::find(c.forms(), d.id, &client::PendingForm::id) == c.forms().end();
+        });
+        for (const auto& form : c.forms())
+            if (std::ranges::find(known, form.id, &dialog::id) == known.end())
+                fresh.push_back({form.id, json::parse(form.json), {}, {}});
     });
-    if (isnew) {
-        const auto now = revisions();
-        for (std::size_t i = 0; i < all.size(); ++i)
-            if (std::ranges::find(known, all[i].id, &dialog::id) == known.end()) all[i].seen = now;
+    if (fresh.empty()) return known;
+    const auto now = revisions();
+    for (auto& form : fresh) {
+        form.seen = now;
+        known.push_back(std::move(form));
     }
-    return known = all;
+    return known;
 }
 
 allrevisions World::revisions() {
@@ -214,7 +224,8 @@ void World::answersagain(std::size_t who) {
 void World::begins() { answered_.reset(); }
 
 void World::comesorgoes(std::size_t who) {
-    if (!ishere(who)) {
+    if (const auto away = std::ranges::find(actors_, nullptr); away != actors_.end()) {
+        who = static_cast<std::size_t>(away - actors_.begin());
         luggage_[who].clear();
         return join(who);
     }
@@ -247,6 +258,8 @@ void World::saves(bool forget) {
 }
 
 void World::diesorlives(std::size_t who) {
+    if (const auto dead = std::ranges::find(alive_, false); dead != alive_.end())
+        who = static_cast<std::size_t>(dead - alive_.begin());
     alive_[who] = !alive_[who];
     stage_.onserver([&] { stage_.server().world().setalive(name(who), alive_[who]); });
 }
@@ -264,16 +277,12 @@ void World::puts(std::size_t who, Dice& dice) {
 }
 
 bool World::filesareright(const picture& seen) {
-    // What a look notes, and a ban that has run out, are no changes that want to be saved.
-    const auto saved = [&](json shop) {
-        if (!isbanned(shop, seen.now)) shop.erase("shopstate");
-        shop.erase("ownername"), shop.erase("ownerlang");
-        return shop;
-    };
     for (std::size_t who = 0; who < parties; ++who) {
         const auto file = json::parse(stage_.file("plugins/Ordomart/data/" + xuid(who) + ".json"));
         for (const auto kind : {sells, recycles})
-            if (saved(file[kind == sells ? "sell" : "recycles"]) != saved(seen.shops[who][kind])) return false;
+            if (lasting(file[kind == sells ? "sell" : "recycles"], seen.now) !=
+                lasting(seen.shops[who][kind], seen.now))
+                return false;
     }
     return true;
 }

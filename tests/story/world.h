@@ -44,6 +44,9 @@ struct picture {
 
 [[nodiscard]] bool isbanned(const json& shop, std::int64_t now);
 
+// Without what is no change that wants to be saved: what a look notes, and a ban that has run out.
+[[nodiscard]] json lasting(json shop, std::int64_t now);
+
 // All choices of a step come from its number, so that a step is data.
 struct Dice {
     explicit Dice(std::uint32_t luck) : random(luck) {}
@@ -75,7 +78,7 @@ public:
     [[nodiscard]] static std::string xuid(std::size_t who);
 
     // ---- forms
-    [[nodiscard]] std::vector<dialog> pending(std::size_t who);  // the newest is the last
+    [[nodiscard]] const std::vector<dialog>& pending(std::size_t who);  // the newest is the last
     // Answers a form by the dice, whatever it is. The dialog is remembered.
     void answers(std::size_t who, const dialog& asked, Dice& dice);
     void answers(std::size_t who, const dialog& asked, const json& answer);
