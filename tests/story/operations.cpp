@@ -231,7 +231,12 @@ const char* somekind(Dice& dice) { return dice.oneof(2) ? "sell" : "recycle"; }
 void bans(W world, Who who, Dice& dice) {
     who = someoperator(world, who, dice);
     const auto kind = somekind(dice);
-    world.actor(who).types(fmt::format("ordomart ban {} {} fraud {}", kind, someshop(dice), 100 + dice.below(6000)));
+    // Rather one whose owner has a dialog open.
+    auto owner = static_cast<Who>(dice.below(parties));
+    for (int i = 0; i < 3 && !(owner < players && world.ishere(owner) && !world.pending(owner).empty()); ++i)
+        owner = static_cast<Who>(dice.below(parties));
+    world.actor(who).types(
+        fmt::format("ordomart ban {} {} fraud {}", kind, World::name(owner), 100 + dice.below(6000)));
 }
 void unbans(W world, Who who, Dice& dice) {
     who = someoperator(world, who, dice);
@@ -255,12 +260,12 @@ constexpr operation table[] = {
     {"adjust good, chest", 5, &ownbychest<sells, hotbar, -1, &picks>},
     {"upload, chest", 8, &ownbychest<sells, hotbar, 2, &picksown>},
     {"replenish, chest", 5, &ownbychest<sells, hotbar, 3, &picks>},
-    {"discount, chest", 5, &ownbychest<sells, hotbar, 4, nullptr>},
+    {"discount, chest", 8, &ownbychest<sells, hotbar, 4, nullptr>},
     {"edit recycle shop, chest", 2, &ownbychest<recycles, armour, 0, nullptr>},
     {"recycle history, chest", 1, &ownbychest<recycles, armour, 3, nullptr>},
     {"adjust commission, chest", 6, &ownbychest<recycles, hotbar, -1, &picks>},
     {"publish from a slot, chest", 5, &ownbychest<recycles, hotbar, 2, &picksown>},
-    {"publish from the creative list", 3, &ownbychest<recycles, hotbar, 2, &pickscreative>},
+    {"publish from the creative list", 5, &ownbychest<recycles, hotbar, 2, &pickscreative>},
     {"pick up, chest", 4, &ownbychest<recycles, hotbar, 3, &picks>},
     {"buy, form", 9, &tradebyform<sells>, holds::books, madelist::all},
     {"sell, form", 9, &tradebyform<recycles>, holds::books, madelist::all},
@@ -289,8 +294,8 @@ constexpr operation table[] = {
     {"manage, form", 3, &managesbyform},
     {"manage nobody", 2, &stopsmanaging},
     {"switch to the system shop", 3, &switches},
-    {"ban", 4, &bans},
-    {"unban", 5, &unbans},
+    {"ban", 6, &bans},
+    {"unban", 7, &unbans},
     {"things come and go", 8,
      [](W world, Who who, Dice& dice) {
          if (world.ishere(who)) world.puts(who, dice);

@@ -175,7 +175,7 @@ void tellalongstory(std::uint64_t seed, std::size_t length, bool llmoney, std::m
         if (!its.empty()) fault = its;
         return !its.empty();
     };
-    told = shortened(std::move(told), fails, 3000);
+    told = shortened(std::move(told), fails, 15000);
     std::string text;
     for (const auto& [what, who, luck] : told) text += fmt::format("{{\"{}\", {}, {}U}},\n", what, who, luck);
     ADD_FAILURE() << found << "\nin short: " << fault << "\n" << text;
@@ -205,5 +205,5 @@ TEST(MarketStory, AFailureIsToldInShort) {
         return std::count(fewer.begin(), fewer.end(), 17) + std::count(fewer.begin(), fewer.end(), 842) == 2;
     };
     EXPECT_EQ(shortened(all, fails, 1000000), (std::vector<int>{17, 842}));
-    EXPECT_TRUE(fails(shortened(all, fails, 3000))) << "patience ends, and what is left still fails";
+    EXPECT_TRUE(fails(shortened(all, fails, 15000))) << "patience ends, and what is left still fails";
 }

@@ -27,9 +27,9 @@ constexpr std::size_t stone = std::size(kinds) - 1;
 constexpr int slots = 41;
 
 // What is typed into an input, by its hint. A number may be one that no trade takes.
-constexpr const char* tags[] = {"sword", "stone", "diamond_sword", "cooked_"};
-constexpr const char* discounts[] = {"%50", "%50", "%80", "-1", "-3", "-100000", "%150", "", "half"};
-constexpr const char* durations[] = {"1", "5", "20", "60", "7200", "0"};
+constexpr const char* tags[] = {"stone", "stone", "diamond_sword"};
+constexpr const char* discounts[] = {"%50", "%80", "%50", "%10", "-1", "-3", "-100000", "%150", "", "half"};
+constexpr const char* durations[] = {"20", "60", "200", "600", "7200", "0"};
 constexpr const char* numbers[] = {"1", "1", "2", "3", "4", "5", "7",  "0",  "0",  "1",  "1",         "2",   "2",
                                    "3", "3", "4", "5", "6", "8", "12", "30", "64", "-3", "100000000", "many"};
 constexpr struct {
@@ -80,6 +80,10 @@ World::World(bool llmoney)
               .adjust = faulty_.adjust(),
               .module = STORY_MODULE_PATH}) {
     for (std::size_t who = 0; who < parties; ++who) stage_.writeshop(xuid(who), nullptr);
+    // The operator begins with a shop without limits, as plain players cannot have it.
+    stage_.writeshop(xuid(theoperator), {stage::good("apple", 3, 20, "n-1"), stage::good("ender_pearl", 5, 9, "n-2")},
+                     {stage::commission("stone", 1, 500, "n-3"), stage::commission("apple", 2, 90, "n-4")},
+                     {{"isopshop", true}}, {{"isopshop", true}});
     for (std::size_t who = 0; who < players; ++who) {
         join(who);
         actors_[who]->setmoney(who == theoperator ? 50 : 300);
