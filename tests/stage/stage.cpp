@@ -16,15 +16,18 @@ namespace fs = std::filesystem;
 
 Stage::Stage(Setting setting) : setting_(std::move(setting)) {
     static int count = 0;
-    directory_ = fs::temp_directory_path() / fmt::format("ordomart-stage-{}-{}", ::getpid(), ++count);
-    fs::remove_all(directory_);
-    fs::create_directories(directory_);
+    directory_ = setting_.directory;
+    if (directory_.empty()) {
+        directory_ = fs::temp_directory_path() / fmt::format("ordomart-stage-{}-{}", ::getpid(), ++count);
+        fs::remove_all(directory_);
+        fs::create_directories(directory_);
+    }
     if (!setting_.config.is_null()) write("plugins/Ordomart/config.json", setting_.config.dump(4));
     for (const auto& [path, content] : setting_.files) write(path, content);
     try {
         start();
     } catch (...) {
-        fs::remove_all(directory_);
+        if (setting_.directory.empty()) fs::remove_all(directory_);
         throw;
     }
 }
@@ -36,7 +39,7 @@ Stage::~Stage() {
         ADD_FAILURE() << "the stage did not stop: " << e.what();
     }
     std::error_code ignored;
-    fs::remove_all(directory_, ignored);
+    if (setting_.directory.empty()) fs::remove_all(directory_, ignored);
 }
 
 void Stage::start() {
@@ -46,6 +49,7 @@ void Stage::start() {
     options.moneylibrary = setting_.llmoney ? LLMONEY_PATH : "none";
     options.language = setting_.language;
     options.manual = true;
+    options.manualclock = setting_.clock;
     options.quiet = true;
     options.adjust = setting_.adjust;
     options.certificates = setting_.certificates;

@@ -77,7 +77,9 @@ struct Setting {
     std::string language = "en_US";
     bool slotupdates = true;  // off: a client sees what has changed in his slots only when the market shows it
     std::string module = MODULE_PATH;
-    std::string certificates;  // what calls to web services trust
+    std::string certificates;         // what calls to web services trust
+    std::filesystem::path directory;  // one that is there already, and stays; otherwise a fresh one
+    std::int64_t clock = host::ServerOptions().manualclock;
 };
 
 class Stage {

@@ -132,7 +132,9 @@ private:
         return any;
     }
 
-    void ownersright() const { demand(by_.isoperator || by_.who == shop_, "somebody else's shop was changed"); }
+    void ownersright() const {
+        demand(by_.isoperator || by_.who == shop_, "somebody else's shop was changed: " + json::diff(x_, y_).dump());
+    }
     void fresh(section kind) const {
         demand(!by_.asked || by_.asked->seen[shop_][kind] >= then_.revisions[shop_][kind], "an old form was taken");
     }
@@ -194,7 +196,7 @@ private:
     }
 
     void edited(const json& x, const json& y) {
-        ownersright();
+        demand(by_.isoperator || by_.who == shop_, "somebody else's shop was changed: " + json::diff(x, y).dump());
         const auto texts = {"shopname", "describe", "shopitemicon", "isopshop"};
         what = "edit";
         if (without(x, texts) == without(y, texts)) {

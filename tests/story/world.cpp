@@ -69,7 +69,11 @@ std::string World::xuid(std::size_t who) {
     return who == systemshop ? "systemshop" : fmt::format("253540000000010{}", who);
 }
 
-World::World(bool llmoney)
+std::string World::shopfile(std::size_t who) { return "plugins/Ordomart/data/" + xuid(who) + ".json"; }
+
+World::World(bool llmoney) : World(llmoney, {}, host::ServerOptions().manualclock, 0) {}
+
+World::World(bool llmoney, const std::filesystem::path& directory, std::int64_t clock, int firstname)
     : llmoney_(llmoney),
       stage_({.config = {{"moneymode", llmoney ? 1 : 0},
                          {"tax", tax},
@@ -78,22 +82,43 @@ World::World(bool llmoney)
                          {"enablesystemshopinglobalshop", true}},
               .llmoney = llmoney,
               .adjust = faulty_.adjust(),
-              .module = STORY_MODULE_PATH}) {
-    for (std::size_t who = 0; who < parties; ++who) stage_.writeshop(xuid(who), nullptr);
-    // The operator begins with a shop without limits, as plain players cannot have it.
-    stage_.writeshop(xuid(theoperator), {stage::good("apple", 3, 20, "n-1"), stage::good("ender_pearl", 5, 9, "n-2")},
-                     {stage::commission("stone", 1, 500, "n-3"), stage::commission("apple", 2, 90, "n-4")},
-                     {{"isopshop", true}}, {{"isopshop", true}});
+              .module = STORY_MODULE_PATH,
+              .directory = directory,
+              .clock = clock}),
+      names_(firstname) {
+    const bool isnew = !stage_.exists(shopfile(0));
+    if (isnew) writeshops();
     for (std::size_t who = 0; who < players; ++who) {
         join(who);
-        actors_[who]->setmoney(who == theoperator ? 50 : 300);
-        // Little room is left, so that what is handed over falls to the ground now and then.
-        stage_.onserver([&] {
-            for (int slot = 0; slot < 36; ++slot)
-                if (slot < 8 || slot > 13)
-                    put(who, slot, std::min<std::size_t>(static_cast<std::size_t>(slot), stone), 63);
-        });
+        if (isnew) equips(who);
     }
+    stage_.onserver([&] {
+        for (std::size_t who = 0; who < players; ++who) stage_.server().world().setalive(name(who), true);
+    });
+    stage_.server().settle();
+}
+
+void World::writeshops() const {
+    // The first comes last: by its file a world that has begun is known.
+    for (std::size_t who = parties; who-- > 0;) {
+        if (who != theoperator) {
+            stage_.writeshop(xuid(who), nullptr);
+            continue;
+        }
+        // The operator begins with a shop without limits, as plain players cannot have it.
+        stage_.writeshop(xuid(who), {stage::good("apple", 3, 20, "n-1"), stage::good("ender_pearl", 5, 9, "n-2")},
+                         {stage::commission("stone", 1, 500, "n-3"), stage::commission("apple", 2, 90, "n-4")},
+                         {{"isopshop", true}}, {{"isopshop", true}});
+    }
+}
+
+void World::equips(std::size_t who) {
+    actors_[who]->setmoney(who == theoperator ? 50 : 300);
+    // Little room is left, so that what is handed over falls to the ground now and then.
+    stage_.onserver([&] {
+        for (int slot = 0; slot < 36; ++slot)
+            if (slot < 8 || slot > 13) put(who, slot, std::min<std::size_t>(static_cast<std::size_t>(slot), stone), 63);
+    });
 }
 
 World::~World() { faulty::refuses = nullptr; }
@@ -210,6 +235,7 @@ void World::answers(std::size_t who, const dialog& asked, const json& answer) {
     last_[who] = asked;
     last_[who]->answer = answer;
     answered_ = last_[who];
+    onanswer(*answered_);
     actor(who).look([&](client::ModelClient& c) { c.answer(asked.id, answer.dump()); });
     stage_.server().settle();
 }
@@ -238,19 +264,6 @@ void World::comesorgoes(std::size_t who) {
     actors_[who] = nullptr;
     last_[who].reset();
     known_[who].clear();
-}
-
-void World::restarts() {
-    stage_.restart();
-    for (std::size_t who = 0; who < players; ++who) {
-        const bool washere = std::exchange(actors_[who], nullptr) != nullptr;
-        last_[who].reset();
-        known_[who].clear();
-        join(who);
-        alive_[who] = true;
-        stage_.onserver([&] { stage_.server().world().setalive(name(who), true); });
-        if (!washere) luggage_[who].clear();
-    }
 }
 
 void World::saves(bool forget) {
@@ -282,7 +295,7 @@ void World::puts(std::size_t who, Dice& dice) {
 
 bool World::filesareright(const picture& seen) {
     for (std::size_t who = 0; who < parties; ++who) {
-        const auto file = json::parse(stage_.file("plugins/Ordomart/data/" + xuid(who) + ".json"));
+        const auto file = json::parse(stage_.file(shopfile(who)));
         for (const auto kind : {sells, recycles})
             if (lasting(file[kind == sells ? "sell" : "recycles"], seen.now) !=
                 lasting(seen.shops[who][kind], seen.now))

@@ -6,6 +6,8 @@
 #include <fmt/format.h>
 
 #include <array>
+#include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <random>
@@ -65,6 +67,9 @@ struct dialog {
 class World {
 public:
     explicit World(bool llmoney);
+    // In a directory that another process has been killed in, or in an empty one, from a moment on. All are there.
+    // What is given a name is numbered from there on.
+    World(bool llmoney, const std::filesystem::path& directory, std::int64_t clock, int firstname);
     ~World();
 
     [[nodiscard]] picture look();
@@ -84,11 +89,11 @@ public:
     void answers(std::size_t who, const dialog& asked, const json& answer);
     void answersagain(std::size_t who);  // the last one of his, by a packet of his own
     [[nodiscard]] const std::optional<dialog>& answered() const { return answered_; }  // in this step, a custom form
+    std::function<void(const dialog&)> onanswer = [](const dialog&) {};                // before it is on its way
 
     // ---- what comes from outside of the market
     void begins();  // a step
     void comesorgoes(std::size_t who);
-    void restarts();
     void saves(bool forget);
     void diesorlives(std::size_t who);
     void loseskeepsrights();
@@ -98,6 +103,9 @@ public:
     [[nodiscard]] bool filesareright(const picture& seen);
 
 private:
+    [[nodiscard]] static std::string shopfile(std::size_t who);
+    void writeshops() const;
+    void equips(std::size_t who);
     void join(std::size_t who);
     void put(std::size_t who, int slot, std::size_t kind, int pieces);
     [[nodiscard]] allrevisions revisions();
@@ -115,7 +123,7 @@ private:
     std::array<std::optional<dialog>, players> last_;
     std::optional<dialog> answered_;
     std::array<std::vector<dialog>, players> known_;
-    int names_ = 0;  // given so far; each record has one of its own
+    int names_;  // given so far; each record has one of its own
 };
 
 }  // namespace story
