@@ -34,6 +34,8 @@ void describe(CLI::App& app, Arguments& arguments) {
     app.add_flag("--manual", server.manual, "Ticks and clock move only by the control API");
     app.add_flag("--empty", arguments.empty, "No demo market in a new directory");
     app.add_flag("--new-world", server.newworld, "Make a new world also where one has been and is missing or empty");
+    app.add_flag("--durable", server.durable,
+                 "What has happened also outlives a loss of power; each pass is flushed to the disk");
     app.add_option("--language", server.language, "The language that the server chooses first")->capture_default_str();
     app.add_option("--port", server.port, "The game port that the server says it has; nothing listens on it")
         ->check(CLI::Range(1, 65535))

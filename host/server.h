@@ -29,6 +29,7 @@ struct ServerOptions {
     bool manual = false;                       // ticks and clock move only by call
     std::int64_t manualclock = 1767225600000;  // where the clock starts in manual mode, Unix milliseconds
     bool newworld = false;                     // make a world also where one is missing that has been there
+    bool durable = false;                      // every pass outlives a loss of power
     bool quiet = false;                        // no log lines on the console
     int port = 19132;                          // what the properties answer; nothing listens on it
     std::string certificates;                  // calls to web services trust these (a PEM file); empty: the system's

@@ -7,6 +7,7 @@
 // while another process writes. Only LLMoneyOpen has a few seconds of patience.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -61,10 +62,16 @@ using LastError = const char*();
 using OpenInHost = bool(const char* databasepath, const char* formerpath);
 // "LLMoneyHasChanges": whether there is anything to write.
 using HasChanges = bool();
-// "LLMoneyWriteChanges": hands what has changed to the host, as SQL statements in the order in which they are to be run
-// on that file; false when the host broke off with false. Until LLMoneyChangesWritten is called, the next call hands
-// the same over once more, with what has come since.
-using RunStatement = bool(void* context, const char* sql);
+// "LLMoneyWriteChanges": hands what has changed to the host, as SQL statements with values for their question marks, in
+// the order in which they are to be run on that file; false when the host broke off with false. There are a few
+// statements, so that it is worth keeping them prepared. Until LLMoneyChangesWritten is called, the next call hands the
+// same over once more, with what has come since.
+struct Value {
+    const char* text;  // null: it is the number
+    std::size_t size;
+    long long number;
+};
+using RunStatement = bool(void* context, const char* sql, const Value* values, std::size_t count);
 using WriteChanges = bool(RunStatement* run, void* context);
 // "LLMoneyChangesWritten": what the last LLMoneyWriteChanges handed over is committed.
 using ChangesWritten = void();

@@ -9,6 +9,7 @@
 #include "host/core/parts.h"
 #include "host/core/paths.h"
 #include "host/world/items.h"
+#include "host/world/worldparts.h"
 #include "platform/turn.h"
 
 namespace fs = std::filesystem;
@@ -135,6 +136,7 @@ void Server::Parts::startup() {
 void Server::Parts::openworld() {
     const auto file = directory / "server.sqlite";
     world = std::make_unique<World>(file.string(), mustexist(file, options.newworld));
+    if (options.durable) world->parts().file.setdurable();
     services.level = &world->level();
     services.scoreboard = &world->scoreboard();
     services.knownplayers = &world->knownplayers();

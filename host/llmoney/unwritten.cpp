@@ -6,21 +6,10 @@ namespace llmoney {
 
 namespace {
 
-constexpr const char* digits = "0123456789abcdef";
+using platform::llmoney::Value;
 
-// As SQL. A text with a NUL in it cannot stand between quotes.
-std::string quoted(const std::string& text) {
-    std::string sql;
-    if (text.find('\0') != std::string::npos) {
-        for (const char c : text) {
-            sql += digits[static_cast<unsigned char>(c) >> 4];
-            sql += digits[static_cast<unsigned char>(c) & 15];
-        }
-        return "CAST(x'" + sql + "' AS TEXT)";
-    }
-    for (const char c : text) sql += c == '\'' ? "''" : std::string(1, c);
-    return "'" + sql + "'";
-}
+Value valueof(const std::string& text) { return {text.data(), text.size(), 0}; }
+Value valueof(Money number) { return {nullptr, 0, number}; }
 
 }  // namespace
 
@@ -50,19 +39,16 @@ bool Unwritten::isempty() const { return balances_.empty() && history_.empty() &
 
 bool Unwritten::handover(platform::llmoney::RunStatement* run, void* context) {
     handed_ = {lastchange_, history_.size()};
-    const auto tell = [&](const std::string& sql) { return run(context, sql.c_str()); };
-    if (forgotten_ != never && !tell("DELETE FROM llmoney_history WHERE time < " + std::to_string(forgotten_)))
-        return false;
-    for (const auto& [xuid, balance] : balances_) {
-        const auto value = std::to_string(balance.value);
-        if (!tell("INSERT INTO llmoney_account VALUES (" + quoted(xuid) + ", " + value +
-                  ") ON CONFLICT (xuid) DO UPDATE SET balance = " + value))
-            return false;
-    }
+    const auto tell = [&](const char* sql, const auto&... arguments) {
+        const Value values[] = {valueof(arguments)...};
+        return run(context, sql, values, sizeof...(arguments));
+    };
+    if (forgotten_ != never && !tell("DELETE FROM llmoney_history WHERE time < ?", forgotten_)) return false;
+    for (const auto& [xuid, balance] : balances_)
+        if (!tell("INSERT OR REPLACE INTO llmoney_account VALUES (?, ?)", xuid, balance.value)) return false;
     return std::ranges::all_of(history_, [&](const Record& each) {
-        return tell("INSERT INTO llmoney_history (payer, payee, value, time, note) VALUES (" + quoted(each.from) +
-                    ", " + quoted(each.to) + ", " + std::to_string(each.value) + ", " + std::to_string(each.time) +
-                    ", " + quoted(each.note) + ")");
+        return tell("INSERT INTO llmoney_history (payer, payee, value, time, note) VALUES (?, ?, ?, ?, ?)", each.from,
+                    each.to, Money{each.value}, Money{each.time}, each.note);
     });
 }
 

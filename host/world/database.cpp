@@ -52,6 +52,7 @@ void prepare(SQLite::Database& file, const std::string& path, bool mustexist) {
     const std::string check = file.execAndGet("PRAGMA quick_check(1)").getString();
     if (check != "ok") throw StartError(fmt::format("{}: the file is damaged: {}", path, check));
     // NORMAL: a commit outlives a crash of the program; a loss of power may cost the last ones, but never the file.
+    // setdurable() asks for more.
     file.exec("PRAGMA journal_mode = WAL");
     file.exec("PRAGMA synchronous = NORMAL");
     SQLite::Transaction transaction(file);
@@ -119,11 +120,16 @@ void Database::takein() {
     platform::Logger("Server").info("{}: what the last stop left unsaved is taken in", aside_.string());
 }
 
-void Database::runtext(const std::string& sql) {
-    if (script_ != nullptr)
-        *script_ += sql + ";\n";
-    else
-        file_.exec(sql);
+void Database::runvalues(const std::string& sql, std::span<const platform::llmoney::Value> values) {
+    SQLite::Statement& statement = cached(sql);
+    int place = 0;
+    for (const auto& [text, size, number] : values) {
+        if (text != nullptr)
+            statement.bind(++place, std::string(text, size));
+        else
+            statement.bind(++place, static_cast<std::int64_t>(number));
+    }
+    execute(statement);
 }
 
 void Database::execute(SQLite::Statement& statement) {

@@ -8,9 +8,11 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
 
 #include "host/sqlite/checkpoints.h"
+#include "platform/llmoney.h"
 
 namespace host {
 
@@ -30,7 +32,7 @@ public:
     void run(const std::string& sql, const A&... arguments) {
         execute(prepared(sql, arguments...));
     }
-    void runtext(const std::string& sql);  // one statement of somebody else, ready as it is
+    void runvalues(const std::string& sql, std::span<const platform::llmoney::Value> values);
     template <class F, class... A>
     void rows(const std::string& sql, F&& each, const A&... arguments) {
         SQLite::Statement& statement = prepared(sql, arguments...);
@@ -40,6 +42,8 @@ public:
     // All of it or nothing; what the work throws goes on to the caller. Somebody else's lock is waited for a moment
     // only.
     void transaction(const std::function<void()>& work);
+    // Every transaction also outlives a loss of power, for the price of a flush to the disk.
+    void setdurable() { file_.exec("PRAGMA synchronous = FULL"); }
     void setpatience(std::chrono::milliseconds patience) { file_.setBusyTimeout(static_cast<int>(patience.count())); }
     // For a file that cannot be written any more before the end: what the work would run goes into a script beside it,
     // which the next one that opens the file runs first. False when that cannot be written either.

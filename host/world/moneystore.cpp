@@ -12,10 +12,10 @@ struct Statements {
     Database& file;
     std::exception_ptr failure;
 
-    static bool run(void* self, const char* sql) {
+    static bool run(void* self, const char* sql, const platform::llmoney::Value* values, std::size_t count) {
         auto& statements = *static_cast<Statements*>(self);
         try {
-            statements.file.runtext(sql);
+            statements.file.runvalues(sql, {values, count});
             return true;
         } catch (...) {
             statements.failure = std::current_exception();

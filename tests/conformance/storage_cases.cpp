@@ -4,6 +4,7 @@
 #include "platform/files.h"
 #include "platform/library.h"
 #include "platform/logger.h"
+#include "platform/records.h"
 #include "platform/stores.h"
 #include "platform/text.h"
 #include "tests/conformance/conformance.h"
@@ -66,6 +67,51 @@ TEST_P(Conformance, LogLinesReachTheirFile) {
     EXPECT_FALSE(log.openFile("nowhere/conformance.log", true));
     log.write("Suite", platform::LogLevel::warn, "lost, and nothing else happens", 0, "nowhere/conformance.log");
     EXPECT_EQ(server->services().libraries->load("no such library"), nullptr);
+}
+
+TEST_P(Conformance, RecordsStandAsTheyWerePutAndAreWrittenOnceAPass) {
+    start();
+    using Keys = std::vector<std::string>;
+    platform::Records* records = nullptr;
+    int asked = 0;
+    Keys told;
+    const auto puts = [&](const std::string& key, const std::string& bytes) {
+        records->put("suite", key, [&asked, bytes] { return ++asked, bytes; });
+    };
+    const std::string binary("\0\xff'", 3);
+    server->onserver([&] {
+        records = server->services().records;
+        ASSERT_NE(records, nullptr);
+        for (const char* key : {"b", "a", "c", "ab"}) puts(key, "first");
+        puts("b", binary);
+        records->put("other", "a", [] { return "other"; });
+        records->erase("suite", "c");
+        EXPECT_FALSE(records->written("suite", "b"));
+        EXPECT_TRUE(records->written("suite", "never"));
+        EXPECT_EQ(records->keys("suite", "", 9), (Keys{"a", "ab", "b"}));
+        EXPECT_EQ(records->get("suite", "c"), std::nullopt);
+        asked = 0;
+        platform::Stores::whenwritten([&] {
+            told.emplace_back("first");
+            EXPECT_TRUE(records->written("suite", "b"));
+        });
+        platform::Stores::whenwritten([] { throw std::runtime_error("and the next is told all the same"); });
+        platform::Stores::whenwritten([&] { told.emplace_back("second"); });
+    });
+    server->ticks(1);
+    EXPECT_EQ(told, (Keys{"first", "second"}));
+    EXPECT_EQ(asked, 3) << "once for each key";
+    server->onserver([&] {
+        EXPECT_TRUE(records->written("suite", "b"));
+        EXPECT_EQ(records->get("suite", "b"), binary);
+        records->erase("suite", "ab");
+        puts("d", "new");
+        EXPECT_EQ(records->keys("suite", "", 2), (Keys{"a", "b"}));
+        EXPECT_EQ(records->keys("suite", "aa", 9), (Keys{"b", "d"}));
+        EXPECT_TRUE(records->keys("nothing", "", 9).empty());
+    });
+    server->ticks(1);
+    server->onserver([&] { EXPECT_EQ(records->keys("suite", "", 9), (Keys{"a", "b", "d"})); });
 }
 
 TEST_P(Conformance, TranslationsAreCompletedAndFallBack) {

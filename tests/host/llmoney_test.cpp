@@ -32,6 +32,34 @@ protected:
     LLMoneyTest() { EXPECT_TRUE(open(file.c_str())) << lasterror(); }
     ~LLMoneyTest() override { close(); }
 
+    // From now on in a file that a host writes.
+    void livesinhost(const std::string& former = "") {
+        ASSERT_TRUE(openinhost(hostfile.c_str(), former.c_str())) << lasterror();
+    }
+    // One transaction of the host; one that breaks off after so many statements changes nothing.
+    bool hostwrites(int statements = 1000) {
+        struct Host {
+            SQLite::Database file;
+            int left;
+        } host{SQLite::Database(hostfile, SQLite::OPEN_READWRITE), statements};
+        SQLite::Transaction transaction(host.file);
+        const auto run = [](void* of, const char* sql, const ll::Value* values, std::size_t count) {
+            auto& its = *static_cast<Host*>(of);
+            if (its.left-- == 0) return false;
+            SQLite::Statement statement(its.file, sql);
+            for (int i = 0; i < static_cast<int>(count); ++i)
+                if (values[i].text != nullptr)
+                    statement.bind(i + 1, std::string(values[i].text, values[i].size));
+                else
+                    statement.bind(i + 1, static_cast<std::int64_t>(values[i].number));
+            statement.exec();
+            return true;
+        };
+        if (!write(run, &host)) return false;
+        transaction.commit();
+        return true;
+    }
+
     std::vector<ll::Record> history(const std::string& xuid) {
         std::vector<ll::Record> found;
         EXPECT_TRUE(gethist(xuid, 0, found));
@@ -47,13 +75,28 @@ protected:
     ll::GetHist* const gethist = library.entry<ll::GetHist>("LLMoneyGetHist");
     ll::ClearHist* const clearhist = library.entry<ll::ClearHist>("LLMoneyClearHist");
     ll::Open* const open = library.entry<ll::Open>("LLMoneyOpen");
+    ll::OpenInHost* const openinhost = library.entry<ll::OpenInHost>("LLMoneyOpenInHost");
+    ll::HasChanges* const haschanges = library.entry<ll::HasChanges>("LLMoneyHasChanges");
+    ll::WriteChanges* const write = library.entry<ll::WriteChanges>("LLMoneyWriteChanges");
+    ll::ChangesWritten* const changeswritten = library.entry<ll::ChangesWritten>("LLMoneyChangesWritten");
     ll::Close* const close = library.entry<ll::Close>("LLMoneyClose");
     ll::LastError* const lasterror = library.entry<ll::LastError>("LLMoneyLastError");
     coretests::Directory directory;
     const std::string file = (directory.path / "money.db").string();
+    const std::string hostfile = (directory.path / "host.db").string();
 };
 
-TEST_F(LLMoneyTest, MovesMoneyAndRemembersIt) {
+// What holds in a file of its own holds in the host's.
+class LLMoneyAnywhere : public LLMoneyTest, public testing::WithParamInterface<bool> {
+protected:
+    LLMoneyAnywhere() {
+        if (GetParam()) livesinhost();
+    }
+};
+INSTANTIATE_TEST_SUITE_P(, LLMoneyAnywhere, testing::Bool(),
+                         [](const auto& of) { return of.param ? "InTheHost" : "InItsOwnFile"; });
+
+TEST_P(LLMoneyAnywhere, MovesMoneyAndRemembersIt) {
     EXPECT_EQ(get("1"), 0);
     EXPECT_TRUE(trans("", "1", 1000, "start"));
     EXPECT_TRUE(trans("1", "2", 950, "buy item :apple*2"));
@@ -72,7 +115,7 @@ TEST_F(LLMoneyTest, MovesMoneyAndRemembersIt) {
     EXPECT_EQ(get("2"), 50);
 }
 
-TEST_F(LLMoneyTest, RefusesAndThenChangesNothing) {
+TEST_P(LLMoneyAnywhere, RefusesAndThenChangesNothing) {
     ASSERT_TRUE(set("poor", 10));
     ASSERT_TRUE(set("rich", most));
     const struct {
@@ -103,7 +146,7 @@ TEST_F(LLMoneyTest, RefusesAndThenChangesNothing) {
     EXPECT_TRUE(history("new").empty());
 }
 
-TEST_F(LLMoneyTest, NothingMayBeMoved) {
+TEST_P(LLMoneyAnywhere, NothingMayBeMoved) {
     EXPECT_TRUE(reduce("1", 0));
     EXPECT_TRUE(add("1", 0));
     EXPECT_TRUE(history("1").empty());
@@ -168,7 +211,7 @@ TEST_F(LLMoneyTest, WhatCannotBeWrittenIsRefusedAtOnceAndBalancesAreStillRead) {
     EXPECT_STRNE(lasterror(), "") << "a balance that cannot be read is told from none";
 }
 
-TEST_F(LLMoneyTest, ThreadsDoNotLoseMoney) {
+TEST_P(LLMoneyAnywhere, ThreadsDoNotLoseMoney) {
     ASSERT_TRUE(set("a", 100));
     ASSERT_TRUE(set("b", 100));
     std::vector<std::thread> threads;
@@ -179,6 +222,77 @@ TEST_F(LLMoneyTest, ThreadsDoNotLoseMoney) {
     }
     for (auto& one : threads) one.join();
     EXPECT_EQ(get("a") + get("b"), 200);
+}
+
+TEST_F(LLMoneyTest, TheHostWritesWhatHasChanged) {
+    const auto infile = [&](const std::string& sql) { return SQLite::Database(hostfile).execAndGet(sql).getString(); };
+    const std::string odd = std::string("o'dd\0note", 9);
+    EXPECT_FALSE(haschanges());
+    EXPECT_FALSE(write([](void*, const char*, const ll::Value*, std::size_t) { return true; }, nullptr))
+        << "it is the library's own file";
+    livesinhost();
+    EXPECT_FALSE(haschanges());
+    ASSERT_TRUE(set("1", 100));
+    ASSERT_TRUE(trans("1", "2", 60, odd));
+    EXPECT_TRUE(haschanges());
+    EXPECT_EQ(infile("SELECT count(*) FROM llmoney_account"), "0");
+    EXPECT_EQ(history("2").size(), 1U);
+
+    // Broken off in the middle, and what comes between handing over and commit.
+    EXPECT_FALSE(hostwrites(2));
+    EXPECT_EQ(infile("SELECT count(*) FROM llmoney_account"), "0");
+    ASSERT_TRUE(hostwrites());
+    ASSERT_TRUE(trans("1", "2", 5, "meanwhile"));
+    changeswritten();
+    EXPECT_EQ(infile("SELECT group_concat(balance) FROM llmoney_account"), "40,60");
+    EXPECT_EQ(get("2"), 65);
+    EXPECT_TRUE(haschanges());
+    ASSERT_TRUE(hostwrites());
+    changeswritten();
+    EXPECT_FALSE(haschanges());
+    EXPECT_EQ(infile("SELECT group_concat(balance) FROM llmoney_account"), "35,65");
+    ASSERT_EQ(history("2").size(), 2U) << "each movement once";
+    EXPECT_EQ(history("2")[0].note, odd);
+
+    ASSERT_TRUE(add("2", 1));
+    ASSERT_TRUE(clearhist(most));
+    EXPECT_TRUE(history("2").empty());
+    ASSERT_TRUE(add("2", 2));
+    for (const char* when : {"before", "behind"}) {
+        ASSERT_EQ(history("2").size(), 1U) << when << " the commit";
+        EXPECT_EQ(history("2")[0].value, 2);
+        ASSERT_TRUE(hostwrites());
+        changeswritten();
+    }
+    // Another process holds the file, and trade goes on in memory.
+    SQLite::Database other(hostfile, SQLite::OPEN_READWRITE);
+    const SQLite::Transaction locked(other, SQLite::TransactionBehavior::IMMEDIATE);
+    EXPECT_TRUE(reduce("2", 68));
+    EXPECT_EQ(get("2"), 0);
+    EXPECT_FALSE(reduce("2", 1));
+}
+
+TEST_F(LLMoneyTest, AccountsMoveIntoTheHostsFileOnce) {
+    ASSERT_TRUE(set("1", 100));
+    ASSERT_TRUE(trans("1", "2", 60, "before"));
+    livesinhost(file);
+    EXPECT_EQ(get("1"), 40);
+    EXPECT_EQ(history("2").size(), 1U);
+    ASSERT_TRUE(set("1", 7));
+    ASSERT_TRUE(hostwrites());
+    changeswritten();
+    livesinhost(file);
+    EXPECT_EQ(get("1"), 7) << "not taken over again";
+    EXPECT_EQ(history("2").size(), 1U);
+
+    const std::string text(4096, 'x');
+    directory.put("garbage.db", text);
+    const auto garbage = (directory.path / "garbage.db").string();
+    const auto anew = (directory.path / "new.db").string();
+    EXPECT_FALSE(openinhost(anew.c_str(), garbage.c_str()));
+    EXPECT_NE(std::string(lasterror()).find(garbage), std::string::npos) << lasterror();
+    EXPECT_EQ(directory.get("garbage.db"), text);
+    livesinhost((directory.path / "nowhere.db").string());
 }
 
 }  // namespace

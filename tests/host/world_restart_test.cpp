@@ -184,6 +184,48 @@ TEST_F(Restart, asetbackclockdoesnotputoffthenexttry) {
     EXPECT_EQ(world->stores().unwritable(), "");
 }
 
+// Records, scores and what waits for them: all of a pass or nothing, whichever part of it cannot be written.
+TEST_F(Restart, writesapassasawhole) {
+    open();
+    auto& alice = join("Alice", "1001");
+    world->scoreboard().newObjective("money", "coins");
+    world->flush();
+    int told = 0;
+    const auto changes = [&](const char* state) {
+        world->scoreboard().addScore(alice, "money", 1);
+        world->tables().put("shops", "bob", [state]() -> std::string {
+            if (std::string_view(state) == "thrown") throw std::runtime_error("the shop does not know itself");
+            return state;
+        });
+        world->stores().whenwritten([&] { ++told; });
+        world->flush();
+    };
+    const auto infile = [&] {
+        return SQLite::Database(path()).execAndGet("SELECT value || bytes FROM scores, records").getString();
+    };
+    changes("one");
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(infile(), "1one");
+    changes("thrown");
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(infile(), "1one");
+    EXPECT_NE(world->stores().unwritable().find("the shop does not know itself"), std::string::npos);
+    passes(5000);
+    std::vector<std::string> points;
+    world->parts().atwrite = [&](std::string_view point) {
+        points.emplace_back(point);
+        if (point == "unfinished") {
+            EXPECT_EQ(infile(), "1one") << "nothing is to be seen before the commit";
+        }
+    };
+    changes("three");
+    EXPECT_EQ(points, (std::vector<std::string>{"begun", "unfinished", "committed"}));
+    EXPECT_EQ(told, 3);
+    EXPECT_EQ(infile(), "3three");
+    world->flush();
+    EXPECT_EQ(points.size(), 3U) << "a pass without a change writes nothing";
+}
+
 // What a last write cannot leave in the file is in it after the next start, also when that is cut short and comes
 // twice.
 TEST_F(Restart, keepsasidewhatcannotbewrittenatlast) {

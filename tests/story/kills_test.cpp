@@ -175,7 +175,11 @@ private:
         if (!known_ || (under_.is_object() && !under_["byrule"].get<bool>())) return {};
         if (isstart)
             for (std::size_t who = 0; who < parties; ++who)
-                for (const auto kind : {sells, recycles}) now.revisions[who][kind] = known_->revisions[who][kind] + 1;
+                for (const auto kind : {sells, recycles}) {
+                    // The name that a shop is given at its owner's first look is no change that is kept.
+                    if (now.shops[who][kind]["shopname"] == "") known_->shops[who][kind]["shopname"] = "";
+                    now.revisions[who][kind] = known_->revisions[who][kind] + 1;
+                }
         deed by{0, true, false, llmoney_, asked_, false};
         if (under_.is_object())
             by = {under_["who"], under_["isalive"], under_["isoperator"], llmoney_, asked_, under_["bans"]};
