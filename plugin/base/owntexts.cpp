@@ -16,6 +16,8 @@ constexpr struct {
      "服务器暂时无法保存数据，商店已暂停交易，请稍后再试。"},
     {owntext::slotschanged, "Some of the slots hold something else by now. Nothing was taken from them.",
      "部分格子里的物品已经变了，这些格子里的物品没有被收走。"},
+    {owntext::toomanypieces, "That is more than can be handed over at once. Take a smaller number at a time.",
+     "数量太多，无法一次交付，请分几次进行。"},
     {owntext::stackskept, "{0} stored stacks cannot be handed out on this server. They stay in the commission.",
      "有{0}组物品目前无法在本服务器上领取，仍保留在该回收委托中。"},
     {owntext::offmoneystays, "Your offline money could not be paid out. It stays where it is; please try again later.",

@@ -10,6 +10,7 @@ namespace owntext {
 inline constexpr const char* paymentrefused = "money.refused";
 inline constexpr const char* cannotsave = "market.cannotsave";
 inline constexpr const char* slotschanged = "recycleshop.error.slotchanged";
+inline constexpr const char* toomanypieces = "trade.error.toomany";
 inline constexpr const char* stackskept = "myrecycleshop.pickupitem.kept";  // {0}: how many
 inline constexpr const char* offmoneystays = "getoffmoney.refused";
 }  // namespace owntext

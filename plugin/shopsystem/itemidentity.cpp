@@ -109,9 +109,16 @@ void givetoplayer(ServerPlayer* player, const ItemStack& stack) {
     if (!inventory.canAdd(stack) || !inventory.add(stack)) player->drop(stack);
 }
 
+namespace {
+constexpr std::int64_t moststacks = 2000;
+std::int64_t fullstack(const ItemStack& stack) { return std::max(1, stack.getMaxStackSize()); }
+}  // namespace
+
+bool canhandover(const ItemStack& stack, std::int64_t pieces) { return pieces <= moststacks * fullstack(stack); }
+
 void givepieces(ServerPlayer* player, ItemStack stack, std::int64_t pieces) {
     if (stack.isNull()) return;
-    const std::int64_t most = std::max(1, stack.getMaxStackSize());
+    const std::int64_t most = fullstack(stack);
     for (; pieces > 0; pieces -= most) {
         stack.set(static_cast<int>(std::min(pieces, most)));
         givetoplayer(player, stack);

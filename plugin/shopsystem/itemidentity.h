@@ -47,6 +47,9 @@ struct slotcount {
 
 // ---- handing over
 void givetoplayer(ServerPlayer* player, const ItemStack& stack);  // into the inventory, or at his feet
+// Whether so many can be handed over in one step: what finds no room lies on the ground, where a world does not keep
+// any number of stacks, and each stack takes its time.
+[[nodiscard]] bool canhandover(const ItemStack& stack, std::int64_t pieces);
 // In stacks of the item's maximal size. Nothing for 0 or less.
 void givepieces(ServerPlayer* player, ItemStack stack, std::int64_t pieces);
 

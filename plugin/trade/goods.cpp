@@ -103,6 +103,7 @@ ownerresult adjustgood(ServerPlayer* player, const goodsnapshot& at, const shopi
     const ItemStack item = itemfromsnbt(before.itemnbt);
     // Pieces of an item that this server does not know cannot be handed over, and must not be lost.
     if (result.pieces > 0 && !checkrawitemvalid(item)) return refused(refusal::itembroken);
+    if (!canhandover(item, result.pieces)) return refused(refusal::toomany);
 
     const auto place = static_cast<std::size_t>(at.index);
     result.ended = after.shopitemleftnum == 0;

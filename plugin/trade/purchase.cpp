@@ -103,6 +103,7 @@ refusal buy(ServerPlayer* player, purchase& wanted) {
         return refusal::itembroken;
     }
     if (entry.itemnbt != wanted.offered.itemnbt) return refusal::shopchanged;
+    if (!canhandover(item, wanted.quantity)) return refusal::toomany;
 
     const auto record = recordof(player, wanted, entry, item);
     wanted.shopname = shop.shopname;

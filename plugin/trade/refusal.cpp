@@ -16,6 +16,7 @@ constexpr struct {
 } texts[] = {
     {refusal::marketclosed, owntext::cannotsave},
     {refusal::badquantity, "sellshop.error.invalid"},
+    {refusal::toomany, owntext::toomanypieces},
     {refusal::badnumbers, "myshop.error.invalidprice"},
     {refusal::banned, "shop.banned"},
     {refusal::feeshort, "money.notenough"},

@@ -10,6 +10,7 @@ enum class refusal {
     none,
     marketclosed,    // what would change now could not be saved
     badquantity,     // not to be had in this quantity, or for so long
+    toomany,         // more pieces than can be handed over at once
     badnumbers,      // an offer or a count out of range
     banned,          // the shop is
     feeshort,        // not enough money for the fee of a further record

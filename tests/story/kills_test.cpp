@@ -1,6 +1,8 @@
 // The story of the market in a process that is killed, again and again, in one directory: after every start the books
 // must say that what the last step was about has happened whole or not at all, and that no step before it is lost. The
-// process is killed from outside at a random moment, or kills itself at a point inside a write of the world.
+// process is killed from outside at a random moment, or kills itself at a point inside a write of the world. Now and
+// then the disk is full for a while: then nothing is traded but by the step that finds it so, and nothing of what
+// happens is to be found behind a kill until it can be written.
 //
 //   ORDOMART_KILLS=1000  kills so often      ORDOMART_SEEDS="7 8"  in other stories
 #include <fcntl.h>
@@ -15,6 +17,7 @@
 
 #include "host/world/items.h"
 #include "host/world/worldparts.h"
+#include "platform/stores.h"
 #include "tests/host/coretools.h"
 #include "tests/story/books.h"
 #include "tests/story/operations.h"
@@ -52,16 +55,29 @@ void killat(World& world, const std::string& point, int n) {
     };
 }
 
+bool isunwritten(World& world) {
+    bool is = false;
+    world.stage().onserver([&] { is = !platform::Stores::writable(); });
+    return is;
+}
+
 void play(const json& told) {
     const Report report;
     World world(told["llmoney"], told["directory"].get<std::string>(), told["clock"], told["names"]);
-    report.tell({{"picture", world.look()}});
+    report.tell({{"picture", world.look()}, {"unwritten", false}});
     if (told.contains("point")) killat(world, told["point"], told["count"]);
     world.onanswer = [&](const dialog& asked) { report.tell({{"asked", asked}}); };
     std::mt19937_64 random(told["seed"].get<std::uint64_t>());
     std::vector<const operation*> choices;
     for (const auto& o : operations()) choices.insert(choices.end(), o.weight, &o);
-    for (;;) {
+    std::optional<coretests::FullDisk> full;
+    for (int step = 0;; ++step) {
+        if (step == told.value("fullat", -1)) full.emplace();
+        if (full && step == told["fullat"].get<int>() + 12) {
+            report.tell({{"mended", true}});
+            full.reset();
+            world.stage().seconds(5);  // it is tried again
+        }
         const operation& o = *choices[random() % choices.size()];
         const std::size_t who = random() % players;
         if (!world.ishere(who) && o.behind == holds::books) continue;
@@ -75,7 +91,7 @@ void play(const json& told) {
         Dice dice(static_cast<std::uint32_t>(random()));
         world.begins();
         o.run(world, who, dice);
-        report.tell({{"picture", world.look()}});
+        report.tell({{"picture", world.look()}, {"unwritten", isunwritten(world)}});
     }
 }
 
@@ -132,6 +148,7 @@ public:
                      {"seed", random_()},
                      {"names", 1000 * kills_}};
         std::optional<std::chrono::milliseconds> after;
+        if (random_() % 4 == 0) told["fullat"] = random_() % 20;
         if (random_() % 2 == 0) {
             constexpr const char* points[] = {"begun", "unfinished", "committed"};
             told["point"] = points[random_() % 3];
@@ -153,47 +170,80 @@ public:
 private:
     std::string hears(const json& line) {
         if (line.contains("step")) {
-            under_ = line;
-            asked_.reset();
+            under_ = {line["step"],
+                      {line["who"], line["isalive"], line["isoperator"], llmoney_, {}, line["bans"]},
+                      line["byrule"]};
             return {};
         }
         if (line.contains("asked")) {
-            asked_ = line["asked"].get<dialog>();
+            under_.by.asked = line["asked"].get<dialog>();
+            return {};
+        }
+        if (line.contains("mended")) {
+            known_.first.byrule = false;  // all that has gathered comes to the disk at once, or nothing
             return {};
         }
         auto now = line["picture"].get<picture>();
-        clock_ = now.now * 1000;
-        auto fault = compares(now);
-        known_ = std::move(now);
-        under_ = nullptr;
-        asked_.reset();
+        auto fault = std::exchange(isstart_, false) ? restarts(now) : goeson(now);
+        waiting_ += istrade(what_) ? 1 : 0;
+        if (line["unwritten"] == false) {
+            known_ = {now, {}, now};
+            trades_ += std::exchange(waiting_, 0);
+        } else if (known_.first.what.empty()) {
+            known_.first = under_;
+        } else if (fault.empty() && movesvalue(what_)) {
+            fault = under_.what + ": " + what_ + ", while nothing can be kept";
+        }
+        known_.now = std::move(now);
+        clock_ = known_.now->now * 1000;
+        under_ = {};
         return fault;
     }
-    std::string compares(picture now) {
-        // Behind a start no revision is what it was.
-        const bool isstart = std::exchange(isstart_, false);
-        if (!known_ || (under_.is_object() && !under_["byrule"].get<bool>())) return {};
-        if (isstart)
-            for (std::size_t who = 0; who < parties; ++who)
-                for (const auto kind : {sells, recycles}) {
-                    // The name that a shop is given at its owner's first look is no change that is kept.
-                    if (now.shops[who][kind]["shopname"] == "") known_->shops[who][kind]["shopname"] = "";
-                    now.revisions[who][kind] = known_->revisions[who][kind] + 1;
-                }
-        deed by{0, true, false, llmoney_, asked_, false};
-        if (under_.is_object())
-            by = {under_["who"], under_["isalive"], under_["isoperator"], llmoney_, asked_, under_["bans"]};
-        const auto [what, fault, inbanned] = book(*known_, now, by);
-        if (!fault.empty())
-            return fmt::format("{}{}: {}", isstart ? "after a kill in " : "",
-                               under_.is_object() ? under_["step"].dump() : "a start", fault);
-        if (what != "nothing") {
-            ++happened[what];
-            if (what.starts_with("purchase") || what.starts_with("sale")) ++trades_;
-        }
-        if (isstart && under_.is_object()) ++happened[what == "nothing" ? "lost" : "kept"];
+    std::string goeson(const picture& now) {
+        what_ = "nothing";
+        return known_.now ? books(*known_.now, now, under_, "") : "";
+    }
+
+    // What is on the disk is what was last known to be there, and what one step has changed: that which was under way,
+    // or the first that could not be written.
+    std::string restarts(picture now) {
+        waiting_ = 0;
+        what_ = "nothing";
+        if (!known_.written) return {};
+        for (std::size_t who = 0; who < parties; ++who)
+            for (const auto kind : {sells, recycles}) {
+                // The name that a shop is given at its owner's first look is no change that is kept.
+                if (now.shops[who][kind]["shopname"] == "") known_.written->shops[who][kind]["shopname"] = "";
+                // No revision is what it was.
+                now.revisions[who][kind] = known_.written->revisions[who][kind] + 1;
+            }
+        const step& since = known_.first.what.empty() ? under_ : known_.first;
+        auto fault = books(*known_.written, now, since, "after a kill in ");
+        ++happened[what_ != "nothing" ? "kept" : "lost"];
+        return fault;
+    }
+
+    struct step {
+        std::string what;
+        deed by{0, true, false, false, {}, false};
+        bool byrule = true;
+    };
+
+    std::string books(const picture& then, const picture& now, const step& of, const char* when) {
+        what_ = "nothing";
+        if (!of.byrule) return {};
+        const auto [what, fault, inbanned] = book(then, now, of.by);
+        if (!fault.empty()) return when + (of.what.empty() ? "nothing" : of.what) + ": " + fault;
+        what_ = what;
+        if (what != "nothing") ++happened[what];
         return {};
     }
+    static bool istrade(std::string_view what) { return what.starts_with("purchase") || what.starts_with("sale"); }
+    static bool movesvalue(std::string_view what) {
+        constexpr std::string_view others[] = {"nothing", "edit", "discount", "lapse", "ban", "ban again", "unban"};
+        return std::ranges::find(others, what) == std::end(others);
+    }
+
     // A line is there behind its trade, and may be lost with the process alone.
     std::string logsareright() {
         ++kills_;
@@ -215,11 +265,15 @@ private:
     const bool llmoney_;
     const coretests::Directory directory_;
     std::int64_t clock_ = host::ServerOptions().manualclock;
-    std::optional<picture> known_;
-    json under_;  // the step that has begun
-    std::optional<dialog> asked_;
+    struct {
+        std::optional<picture> written;  // what is on the disk for certain
+        step first;                      // the first step that could not be written
+        std::optional<picture> now;
+    } known_;
+    step under_;  // the step that has begun
     bool isstart_ = true;
-    int trades_ = 0, kills_ = 0;
+    std::string what_;                          // has happened last
+    int trades_ = 0, waiting_ = 0, kills_ = 0;  // waiting: for the disk
 };
 
 void isplayedandkilled(bool llmoney, const char* usualseeds) {
