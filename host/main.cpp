@@ -10,6 +10,8 @@
 #include <iostream>
 
 #include "host/api/api.h"
+#include "host/backup/command.h"
+#include "host/backup/restore.h"
 #include "host/clients.h"
 #include "host/console/colours.h"
 #include "host/console/console.h"
@@ -24,6 +26,7 @@ struct Arguments {
     host::ServerOptions server;
     bool empty = false;  // no demo market in a new directory
     host::ApiOptions api;
+    std::string backup, restore;  // archives
 };
 
 void describe(CLI::App& app, Arguments& arguments) {
@@ -44,10 +47,16 @@ void describe(CLI::App& app, Arguments& arguments) {
         ->check(CLI::Range(0, 65535))
         ->capture_default_str();
     app.add_option("--host", arguments.api.host, "Address of the web page and the control API")->capture_default_str();
-    app.add_option("--token", arguments.api.token, "The token of the control API; a new random one if left out");
+    app.add_option("--token", arguments.api.token,
+                   "The token of the control API; if left out that of the server directory, a new random one at first");
     app.add_flag_callback(
         "--no-llmoney", [&server] { server.moneylibrary = "none"; },
         "Do not offer LLMoney; money is then kept on the scoreboard");
+    const auto backup =
+        app.add_option("--backup", arguments.backup,
+                       "Only write DIRECTORY to this archive (.tar, .tar.gz, .tar.zst), also while its server runs");
+    app.add_option("--restore", arguments.restore, "Only unpack this archive into DIRECTORY, which is missing or empty")
+        ->excludes(backup);
     app.add_flag("--quiet", server.quiet, "No log lines on the console");
 }
 
@@ -101,6 +110,18 @@ int serve(Arguments& arguments) {
     return told(server.unsaved());
 }
 
+int backup(const Arguments& arguments) {
+    std::cout << host::backup(arguments.server.directory, arguments.backup).text() << std::endl;
+    return ended;
+}
+
+int restore(const Arguments& arguments) {
+    const auto files = host::restore(arguments.restore, arguments.server.directory);
+    std::cout << files << " files of " << arguments.restore << " are restored to " << arguments.server.directory
+              << std::endl;
+    return ended;
+}
+
 }  // namespace
 
 int main(int count, char** values) {
@@ -110,6 +131,8 @@ int main(int count, char** values) {
     CLI11_PARSE(app, count, values);
     arguments.server.abandon = [](const std::vector<std::string>& unsaved) { _exit(told(unsaved)); };
     try {
+        if (!arguments.backup.empty()) return backup(arguments);
+        if (!arguments.restore.empty()) return restore(arguments);
         return serve(arguments);
     } catch (const std::exception& e) {
         std::cerr << "ordomart-server: " << e.what() << std::endl;

@@ -80,6 +80,14 @@ void Server::manually(const std::function<void(Parts&)>& steps) {
     await([&] { steps(parts); }, [&](auto item) { parts.mailbox.order(std::move(item)); });
 }
 
+BackupReport Server::backup(const std::string& file) {
+    auto& parts = open(parts_);
+    if (parts.onserverthread()) throw std::logic_error("the server thread cannot wait for itself");
+    return parts.backup(file, [&](const std::function<void()>& work) {
+        await(work, [&](auto item) { parts.mailbox.order(std::move(item)); });
+    });
+}
+
 void Server::settle() {
     manually([](Parts& parts) { parts.settle(); });
 }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "host/backup/backup.h"
 #include "platform/host.h"
 
 namespace host {
@@ -74,6 +75,10 @@ public:
     void run(const std::function<void()>& work);
     // Any thread: something has come in, look at it now and not at the next tick.
     void wake();
+
+    // The server directory as it is between two passes goes to an archive, while the server goes on. The calling thread
+    // does the work; the server thread only marks the instant. Throws BackupError that names the file.
+    BackupReport backup(const std::string& file);
 
     // Manual mode: passes until nothing is left to do without a tick: posted work, packets, tasks of 0 ticks,
     // background bodies and the plug-in's queue.

@@ -2,14 +2,13 @@
 
 #include <fmt/format.h>
 #include <openssl/crypto.h>
-#include <openssl/rand.h>
 
 #include <algorithm>
-#include <array>
 
 #include "host/api/door.h"
 #include "host/api/eventstream.h"
 #include "host/api/handlers.h"
+#include "host/api/keyfiles.h"
 #include "host/api/webfiles.h"
 #include "host/clients.h"
 #include "host/server.h"
@@ -22,15 +21,6 @@ using nlohmann::json;
 namespace {
 
 constexpr std::string_view eventspath = "/api/events";
-
-std::string newtoken() {
-    std::array<unsigned char, 16> bytes{};
-    if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1)
-        throw StartError("no random token could be made");
-    std::string token;
-    for (const unsigned char byte : bytes) token += fmt::format("{:02x}", byte);
-    return token;
-}
 
 HttpAnswer answered(int status, const json& body) {
     return {status, "application/json", body.dump(-1, ' ', false, json::error_handler_t::replace), {}, {}};
@@ -74,6 +64,8 @@ struct ControlApi::Parts {
     Server& server;
     Clients& clients;
     ApiOptions options;
+    KeyFiles keys;
+    bool told = false;  // where it listens
     EventStreams streams;
     Door door;
 
@@ -81,6 +73,7 @@ struct ControlApi::Parts {
         : server(s),
           clients(c),
           options(std::move(o)),
+          keys(s.options().directory),
           streams(s, c),
           door({.look = [this](const HttpRequest& request) { return look(request); },
                 .call = [this](const HttpRequest& request) { return call(request); },
@@ -132,6 +125,8 @@ struct ControlApi::Parts {
             return nosuchcall(request);
         } catch (const ApiError& e) {
             return refusal(e.status, e.what());
+        } catch (const BackupError& e) {
+            return refusal(409, e.what());
         } catch (const json::exception& e) {
             return refusal(400, fmt::format("the body does not fit: {}", e.what()));
         } catch (const std::exception& e) {
@@ -166,7 +161,7 @@ struct ControlApi::Parts {
 
 ControlApi::ControlApi(Server& server, Clients& clients, ApiOptions options)
     : parts_(std::make_unique<Parts>(server, clients, std::move(options))) {
-    if (parts_->options.token.empty()) parts_->options.token = newtoken();
+    if (parts_->options.token.empty()) parts_->options.token = parts_->keys.token();
 }
 
 ControlApi::~ControlApi() { stop(); }
@@ -178,11 +173,14 @@ void ControlApi::start() {
         throw StartError(fmt::format("the control API cannot listen on {}:{}; is the port taken? (--api-port)",
                                      options.host, options.port));
     options.port = port;
+    parts_->keys.tell({options.host, options.port, options.token});
+    parts_->told = true;
     parts_->streams.start();
     parts_->door.start();
 }
 
 void ControlApi::stop() {
+    if (std::exchange(parts_->told, false)) parts_->keys.forget();
     parts_->streams.stop();
     parts_->door.stop();
 }

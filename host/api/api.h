@@ -14,7 +14,7 @@ class Clients;
 struct ApiOptions {
     std::string host = "127.0.0.1";
     int port = 8480;    // 0: any free one
-    std::string token;  // empty: a new random one
+    std::string token;  // empty: that of the server directory, a new random one at first
 };
 
 class ControlApi {

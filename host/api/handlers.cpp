@@ -293,6 +293,16 @@ json readlog(ApiCall& call) {
     return {{"lines", lines}};
 }
 
+json backup(ApiCall& call) {
+    const std::string file = call.body.at("file");
+    if (file.empty()) throw ApiError(400, "\"file\" is the path of the archive");
+    const BackupReport report = call.server.backup(file);
+    return {{"file", report.file},
+            {"files", report.files},
+            {"bytes", report.bytes},
+            {"stoppedmicroseconds", report.stopped.count()}};
+}
+
 json items(ApiCall&) {
     json all = json::array();
     for (const ItemRow& row : itemtable().rows()) {
@@ -354,6 +364,7 @@ constexpr ApiRoute routes[] = {
     {"POST", "/api/clock", clock},
     {"POST", "/api/speed", speed},
     {"GET", "/api/log", readlog},
+    {"POST", "/api/backup", backup},
     {"GET", "/api/items", items},
     {"GET", "/api/complete", complete},
 };

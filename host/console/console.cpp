@@ -77,6 +77,7 @@ const std::vector<Console::Line>& Console::serverlines() {
         {"kill", "kill NAME", "he dies", &Console::kill},
         {"revive", "revive NAME", "and lives again", &Console::revive},
         {"tick", "tick [N]", "N game ticks, with --manual", &Console::tick},
+        {"backup", "backup FILE", "everything into one archive: .tar, .tar.gz, .tar.zst", &Console::backup},
         {"commands", "commands", "the server commands a player can type", &Console::commands},
     };
     return lines;
@@ -246,6 +247,11 @@ void Console::revive(const std::vector<std::string>& words, const std::string&) 
 void Console::tick(const std::vector<std::string>& words, const std::string&) {
     if (!server_.options().manual) throw std::runtime_error("the server ticks by itself; start it with --manual");
     server_.ticks(words.size() > 1 ? number(words[1]) : 1);
+}
+
+void Console::backup(const std::vector<std::string>&, const std::string& rest) {
+    // The log has told the rest.
+    print(fmt::format("The backup is complete: {}", server_.backup(rest).file));
 }
 
 void Console::commands(const std::vector<std::string>&, const std::string&) {

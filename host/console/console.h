@@ -44,6 +44,7 @@ private:
     void kill(const std::vector<std::string>& words, const std::string& rest);
     void revive(const std::vector<std::string>& words, const std::string& rest);
     void tick(const std::vector<std::string>& words, const std::string& rest);
+    void backup(const std::vector<std::string>& words, const std::string& rest);
     void commands(const std::vector<std::string>& words, const std::string& rest);
     // of one player; words[0] is his name
     void screen(const std::vector<std::string>& words, const std::string& rest);

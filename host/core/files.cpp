@@ -118,7 +118,11 @@ bool DiskFiles::replace(const std::string& path, std::string_view content) {
     if (!target) return false;
     const auto beside = namebeside(*target);
     const std::lock_guard lock(writing_[fs::hash_value(beside) % writing_.size()]);
-    if (!writewhole(beside, content, *target) || ::rename(beside.c_str(), target->c_str()) != 0) {
+    const auto renamed = [&] {
+        const auto change = changing(*target, path);
+        return ::rename(beside.c_str(), target->c_str()) == 0;
+    };
+    if (!writewhole(beside, content, *target) || !renamed()) {
         ::unlink(beside.c_str());
         return false;
     }
@@ -128,9 +132,17 @@ bool DiskFiles::replace(const std::string& path, std::string_view content) {
 
 bool DiskFiles::remove(const std::string& path) {
     const auto target = below(root_, path);
-    if (!target || (::unlink(target->c_str()) != 0 && errno != ENOENT)) return false;
+    if (!target) return false;
+    {
+        const auto change = changing(*target, path);
+        if (::unlink(target->c_str()) != 0 && errno != ENOENT) return false;
+    }
     flushdirectory(*target);
     return true;
+}
+
+FrozenFiles::Change DiskFiles::changing(const fs::path& file, const std::string& path) {
+    return frozen_ != nullptr ? frozen_->changing(file, fs::path(path).lexically_normal()) : FrozenFiles::Change();
 }
 
 std::vector<std::string> DiskFiles::list(const std::string& directory) const {

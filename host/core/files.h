@@ -7,13 +7,16 @@
 #include <filesystem>
 #include <mutex>
 
+#include "host/backup/frozenfiles.h"
 #include "platform/files.h"
 
 namespace host {
 
 class DiskFiles : public platform::Files {
 public:
-    explicit DiskFiles(std::filesystem::path root) : root_(std::move(root)) {}
+    // `frozen` hears of each file before it changes.
+    explicit DiskFiles(std::filesystem::path root, FrozenFiles* frozen = nullptr)
+        : root_(std::move(root)), frozen_(frozen) {}
     [[nodiscard]] bool exists(const std::string& path) const override;
     [[nodiscard]] std::optional<platform::FileStamp> stamp(const std::string& path) const override;
     bool makeDirectory(const std::string& path) override;  // with the directories above it
@@ -24,7 +27,10 @@ public:
     [[nodiscard]] std::vector<std::string> list(const std::string& directory) const override;
 
 private:
+    [[nodiscard]] FrozenFiles::Change changing(const std::filesystem::path& file, const std::string& path);
+
     std::filesystem::path root_;
+    FrozenFiles* const frozen_;
     // Two writers of one file take turns, since they share the name beside it.
     std::array<std::mutex, 16> writing_;
 };

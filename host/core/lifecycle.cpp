@@ -5,6 +5,7 @@
 
 #include <future>
 
+#include "host/backup/restore.h"
 #include "host/core/newworld.h"
 #include "host/core/parts.h"
 #include "host/core/paths.h"
@@ -49,10 +50,11 @@ Server::Parts::Parts(Server& face, const ServerOptions& settings)
       options(settings),
       directory(fs::absolute(settings.directory).lexically_normal()),
       clock(settings.manual, settings.manualclock),
-      log(directory.string(), settings.quiet, [this] { return clock.unixmilliseconds(); }),
+      log(
+          directory.string(), settings.quiet, [this] { return clock.unixmilliseconds(); }, &frozen),
       background([this] { mailbox.wake(); }, complain),
       scheduler([this] { mailbox.wake(); }, complain),
-      files(directory),
+      files(directory, &frozen),
       libraries(complain),
       events(complain),
       texts([this]() -> platform::Files& { return *services.files; }, complain),
@@ -116,6 +118,9 @@ void Server::Parts::startup() {
     const fs::path file = options.module.empty() ? besideprogram("ordomart.so") : fs::path(options.module);
     if (!fs::is_regular_file(file)) throw StartError(file.string() + ": the plug-in's module is missing");
     directorylock = takedirectory(directory);
+    if (halfrestored(directory))
+        throw StartError(directory.string() + ": a restore was cut short here; empty the directory and restore again");
+    removeleftovers(directory);
 
     speaking = &texts;
     hooks.registerfunction<&chooselanguage>(platform::symbols::chooseLanguage);
@@ -157,6 +162,7 @@ void Server::Parts::loadplugin(const fs::path& file) {
 // the module in memory until the thread ends.
 void Server::Parts::teardown() {
     mailbox.close();
+    const std::lock_guard nobackup(backingup);  // one under way has seen the stop
     background.waitidle();
     scheduler.close();
     // Before the plug-in, which gives its records their bytes, and before the money library, which has accounts to

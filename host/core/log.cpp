@@ -32,8 +32,8 @@ bool passesconsole(platform::LogLevel level, int consolelevel) { return consolel
 }  // namespace
 
 struct Log::Parts {
-    Parts(std::string root, bool silent, std::function<std::int64_t()> time)
-        : files(std::move(root)), quiet(silent), clock(std::move(time)) {}
+    Parts(std::string root, bool silent, std::function<std::int64_t()> time, FrozenFiles* frozen)
+        : files(std::move(root), frozen), quiet(silent), clock(std::move(time)) {}
     mutable std::mutex mutex;
     LogFiles files;
     const bool quiet;
@@ -50,8 +50,8 @@ std::string LogLine::text() const {
     return fmt::format("{} [{}][{}] {}", time, title, levelnames[static_cast<int>(level)], message);
 }
 
-Log::Log(std::string root, bool quiet, std::function<std::int64_t()> clock)
-    : parts_(std::make_unique<Parts>(std::move(root), quiet, std::move(clock))) {}
+Log::Log(std::string root, bool quiet, std::function<std::int64_t()> clock, FrozenFiles* frozen)
+    : parts_(std::make_unique<Parts>(std::move(root), quiet, std::move(clock), frozen)) {}
 
 Log::~Log() = default;
 

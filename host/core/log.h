@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/backup/frozenfiles.h"
 #include "platform/logger.h"
 
 namespace host {
@@ -23,7 +24,7 @@ struct LogLine {
 class Log : public platform::LogSink {
 public:
     // `root` is the server directory; time stamps come from `clock`, Unix milliseconds.
-    Log(std::string root, bool quiet, std::function<std::int64_t()> clock);
+    Log(std::string root, bool quiet, std::function<std::int64_t()> clock, FrozenFiles* frozen = nullptr);
     ~Log() override;
     void write(std::string_view title, platform::LogLevel level, std::string_view message, int consolelevel,
                const std::string& file) override;

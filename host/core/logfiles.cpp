@@ -33,6 +33,12 @@ void LogFiles::close() {
 const Descriptor* LogFiles::find(const std::string& path, int flags) {
     const auto target = below(root_, path);
     if (!target) return nullptr;
+    if (frozen_ != nullptr) {
+        if ((flags & O_TRUNC) != 0)
+            frozen_->emptying(*target);
+        else
+            frozen_->appending(*target, std::filesystem::path(path).lexically_normal());
+    }
     auto found = open_.find(path);
     if (found != open_.end()) {
         if (flags == 0 && samefile(found->second.descriptor, *target)) {

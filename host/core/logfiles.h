@@ -7,13 +7,16 @@
 #include <string>
 #include <unordered_map>
 
+#include "host/backup/frozenfiles.h"
 #include "host/core/descriptor.h"
 
 namespace host {
 
 class LogFiles {
 public:
-    explicit LogFiles(std::filesystem::path root) : root_(std::move(root)) {}
+    // `frozen` hears of each file before it changes.
+    explicit LogFiles(std::filesystem::path root, FrozenFiles* frozen = nullptr)
+        : root_(std::move(root)), frozen_(frozen) {}
     // False when it cannot be opened. Directories are not made.
     bool open(const std::string& path, bool append);
     // One line, with its end. A file that cannot be opened loses it.
@@ -30,6 +33,7 @@ private:
     [[nodiscard]] const Descriptor* find(const std::string& path, int flags);
 
     std::filesystem::path root_;
+    FrozenFiles* const frozen_;
     std::unordered_map<std::string, File> open_;
     Order order_;
 };

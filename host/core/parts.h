@@ -8,6 +8,7 @@
 #include <memory>
 #include <thread>
 
+#include "host/backup/backup.h"
 #include "host/core/background.h"
 #include "host/core/clock.h"
 #include "host/core/commands.h"
@@ -71,6 +72,11 @@ struct Server::Parts {
     void settle();
     void tick();  // one of 50 ms of the manual clock, and what follows from it
 
+    // running.cpp of backup/; the caller's thread. `betweenpasses` does a piece of work on the server thread.
+    using BetweenPasses = std::function<void(const std::function<void()>&)>;
+    BackupReport backup(const std::filesystem::path& target, const BetweenPasses& betweenpasses);
+    void begininstant(Backup& backup);
+
     [[nodiscard]] bool onserverthread() const { return std::this_thread::get_id() == serverthread.load(); }
 
     Server& server;
@@ -82,6 +88,7 @@ struct Server::Parts {
     Mailbox mailbox;
     Pacer pacer;
     ServerClock clock;
+    FrozenFiles frozen;
     Log log;
     TurnKeeper turn;
     BackgroundBodies background;
@@ -105,6 +112,7 @@ struct Server::Parts {
     std::thread thread;
     std::atomic<std::thread::id> serverthread;
     std::atomic<std::uint64_t> tickcount = 0;
+    std::mutex backingup;
     bool stopping = false;             // the server thread's
     std::vector<std::string> unsaved;  // by the end of a stop
 };

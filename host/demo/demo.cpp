@@ -6,6 +6,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "host/backup/restore.h"
 #include "host/demo/goods.h"
 #include "host/money.h"
 #include "host/server.h"
@@ -53,7 +54,7 @@ void welcome(platform::ServerPlayer& player, Money& money) {
 
 bool makedemo(const std::string& directory) {
     const fs::path data = fs::path(directory) / "plugins/Ordomart/data";
-    if (fs::exists(data)) return false;
+    if (fs::exists(data) || halfrestored(directory)) return false;
     for (const char* folder : {"plugins/Ordomart/data", "plugins/Ordomart/log"}) {
         std::error_code error;
         fs::create_directories(fs::path(directory) / folder, error);
