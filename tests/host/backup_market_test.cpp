@@ -28,29 +28,35 @@ using testing::HasSubstr;
 constexpr const char* alice = "2535400000000001";
 constexpr int purse = 1'000'000, stock = 500'000;
 struct Shop {
-    const char *xuid, *item;
+    std::string xuid, item;
     int price;
 };
-constexpr Shop shops[] = {{"2535400000000002", "apple", 3}, {"2535400000000003", "bread", 50}};
+// Many, so that one of them is saved at nearly every moment.
+const std::vector<Shop> shops = [] {
+    std::vector<Shop> made;
+    for (const char* item : {"apple", "bread", "stick", "paper", "book", "brick", "coal", "diamond", "emerald",
+                             "feather", "flint", "leather", "string", "sugar", "wheat"})
+        made.push_back({fmt::format("25354000000010{:02}", made.size()), item, 3 + 7 * static_cast<int>(made.size())});
+    return made;
+}();
 
-std::string pathof(const Shop& shop) { return std::string("plugins/Ordomart/data/") + shop.xuid + ".json"; }
+std::string pathof(const Shop& shop) { return "plugins/Ordomart/data/" + shop.xuid + ".json"; }
 
 json shopfile(const Shop& shop) {
     const json common = {{"describe", ""},     {"isopshop", false},  {"ownerlang", "en_US"}, {"ownername", ""},
                          {"shopitemicon", ""}, {"shopname", "shop"}, {"shopstate", nullptr}};
-    json sell = {
-        {"biditems", nullptr},
-        {"items",
-         {{{"shopitemname", shop.item},
-           {"shopitemdescribe", ""},
-           {"shopitemtag", shop.item},
-           {"price", shop.price},
-           {"shopitemleftnum", stock},
-           {"itemnbt", std::string("{Count:1b,Damage:0s,Name:\"minecraft:") + shop.item + "\",WasPickedUp:0b}"},
-           {"allowbesearched", true}}}},
-        {"salesvolume", 0},
-        {"sellcount", 0},
-        {"shopdiscount", nullptr}};
+    json sell = {{"biditems", nullptr},
+                 {"items",
+                  {{{"shopitemname", shop.item},
+                    {"shopitemdescribe", ""},
+                    {"shopitemtag", shop.item},
+                    {"price", shop.price},
+                    {"shopitemleftnum", stock},
+                    {"itemnbt", "{Count:1b,Damage:0s,Name:\"minecraft:" + shop.item + "\",WasPickedUp:0b}"},
+                    {"allowbesearched", true}}}},
+                 {"salesvolume", 0},
+                 {"sellcount", 0},
+                 {"shopdiscount", nullptr}};
     json recycles = {{"recycleamount", 0}, {"recyclecost", 0}, {"recycleitems", nullptr}};
     sell.update(common);
     recycles.update(common);
@@ -85,7 +91,7 @@ protected:
                 int has = 0;
                 for (int slot = 0; slot < 36; ++slot) {
                     const auto stack = server.world().item("Alice", slot);
-                    if (stack.getTypeName() == std::string("minecraft:") + shop.item) has += stack.getCount();
+                    if (stack.getTypeName() == "minecraft:" + shop.item) has += stack.getCount();
                 }
                 EXPECT_EQ(balance(server, withllmoney, shop.xuid), std::int64_t{has} * shop.price) << shop.item;
                 worth += std::int64_t{has} * shop.price;
@@ -138,7 +144,7 @@ private:
                     return c.answer(answer.dump());
                 }
                 if (form["type"] == "modal") return c.answer(form["button1"] == "Continue" ? "true" : "false");
-                const std::string wanted = shops[next % std::size(shops)].item;
+                const std::string& wanted = shops[next % shops.size()].item;
                 for (const std::string& text : {wanted, std::string("Selling shops (form)")})
                     for (std::size_t i = 0; i < form["buttons"].size(); ++i)
                         if (form["buttons"][i]["text"].get<std::string>().find(text) != std::string::npos) {
@@ -163,8 +169,6 @@ TEST_F(BackupMarket, ACopyTakenWhileTheyTradeIsBalanced) {
         const fs::path home = directory.path / "home";
         fs::remove_all(home);
         for (const Shop& shop : shops) directory.put("home/" + pathof(shop), shopfile(shop).dump());
-        // So that the saves of the shops fall into the backups.
-        directory.put("home/large", std::string(30 << 20, 'l'));
         std::vector<host::BackupReport> reports;
         {
             host::Server server(options(home, false, withllmoney));
@@ -177,6 +181,9 @@ TEST_F(BackupMarket, ACopyTakenWhileTheyTradeIsBalanced) {
                 else
                     server.world().setscore("Alice", "money", purse);
             });
+            // So that copying the world takes its time.
+            SQLite::Database((home / "server.sqlite").string(), SQLite::OPEN_READWRITE, 5000)
+                .exec("CREATE TABLE large AS SELECT randomblob(20000000) AS bytes");
             const Trader trader(clients);
             for (int i = 0; i < 4; ++i) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(300));
