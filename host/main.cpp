@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 
 #include "host/api/api.h"
 #include "host/backup/command.h"
@@ -26,7 +27,7 @@ struct Arguments {
     host::ServerOptions server;
     bool empty = false;  // no demo market in a new directory
     host::ApiOptions api;
-    std::string backup, restore;  // archives
+    std::optional<std::string> backup, restore;  // archives
 };
 
 void describe(CLI::App& app, Arguments& arguments) {
@@ -111,13 +112,13 @@ int serve(Arguments& arguments) {
 }
 
 int backup(const Arguments& arguments) {
-    std::cout << host::backup(arguments.server.directory, arguments.backup).text() << std::endl;
+    std::cout << host::backup(arguments.server.directory, *arguments.backup).text() << std::endl;
     return ended;
 }
 
 int restore(const Arguments& arguments) {
-    const auto files = host::restore(arguments.restore, arguments.server.directory);
-    std::cout << files << " files of " << arguments.restore << " are restored to " << arguments.server.directory
+    const auto files = host::restore(*arguments.restore, arguments.server.directory);
+    std::cout << files << " files of " << *arguments.restore << " are restored to " << arguments.server.directory
               << std::endl;
     return ended;
 }
@@ -131,8 +132,8 @@ int main(int count, char** values) {
     CLI11_PARSE(app, count, values);
     arguments.server.abandon = [](const std::vector<std::string>& unsaved) { _exit(told(unsaved)); };
     try {
-        if (!arguments.backup.empty()) return backup(arguments);
-        if (!arguments.restore.empty()) return restore(arguments);
+        if (arguments.backup) return backup(arguments);
+        if (arguments.restore) return restore(arguments);
         return serve(arguments);
     } catch (const std::exception& e) {
         std::cerr << "ordomart-server: " << e.what() << std::endl;

@@ -55,6 +55,16 @@ fs::path partbeside(const fs::path& file) {
     return file.parent_path() / fmt::format(".{}{}", file.filename().string(), partending);
 }
 
+Descriptor makepart(const fs::path& part) {
+    if (const Descriptor left(part.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK);
+        left.isopen() && ::flock(left.number(), LOCK_EX | LOCK_NB) != 0)
+        return {};
+    ::unlink(part.c_str());
+    Descriptor made(part.c_str(), O_RDWR | O_CREAT | O_EXCL, 0600);
+    if (made.isopen() && ::flock(made.number(), LOCK_EX | LOCK_NB) != 0) return {};
+    return made;
+}
+
 bool isarchivename(const std::string& name) { return endingof(name) != nullptr; }
 
 std::string sumline(std::string_view sum, const std::string& name) {
@@ -87,13 +97,10 @@ ArchiveWriter::ArchiveWriter(fs::path file, std::function<void()> goeson)
     : file_(checked(std::move(file))),
       part_(partbeside(file_)),
       goeson_(std::move(goeson)),
-      out_(part_.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW, 0600),
+      out_(makepart(part_)),
       archive_(archive_write_new()),
       buffer_(chunk, '\0') {
-    if (!out_.isopen()) fail(std::strerror(errno));
-    if (::flock(out_.number(), LOCK_EX | LOCK_NB) != 0) fail("another backup is writing it");
-    // A backup that was killed may have left something.
-    if (::ftruncate(out_.number(), 0) != 0) fail(std::strerror(errno));
+    if (!out_.isopen()) fail(errno == EWOULDBLOCK ? "another backup is writing it" : std::strerror(errno));
     demand(archive_write_set_format_pax_restricted(archive_.get()));
     if (const auto filter = endingof(file_.filename())->filter) demand(filter(archive_.get()));
     demand(archive_write_open_fd(archive_.get(), out_.number()));

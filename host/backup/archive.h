@@ -21,6 +21,9 @@ inline constexpr std::string_view sumsname = "SHA256SUMS";
 inline constexpr std::string_view partending = ".backup.part";
 
 [[nodiscard]] std::filesystem::path partbeside(const std::filesystem::path& file);
+// A new one, locked as long as it is open, for its owner alone; what a backup that was killed has left there goes. Not
+// open when that is refused, with errno; EWOULDBLOCK when another backup is writing it.
+[[nodiscard]] Descriptor makepart(const std::filesystem::path& part);
 // Whether a backup may be written under such a name.
 [[nodiscard]] bool isarchivename(const std::string& name);
 // A line of the list of sums.

@@ -83,8 +83,8 @@ BackupReport Backup::write() {
 void Backup::copydatabases() {
     for (auto& [name, database] : databases_) {
         const auto copy = partbeside(target_.string() + "." + name);
-        std::error_code missing;
-        fs::remove(copy, missing);
+        FrozenFiles::Piece piece{{}, name, makepart(copy)};
+        if (!piece.file.isopen()) throw BackupError(fmt::format("{}: {}", copy.string(), std::strerror(errno)));
         struct Unnamed {
             const fs::path& file;
             ~Unnamed() { ::unlink(file.c_str()); }
@@ -100,9 +100,7 @@ void Backup::copydatabases() {
             throw BackupError(
                 fmt::format("{}: its copy {}: {}", (directory_ / name).string(), copy.string(), e.what()));
         }
-        FrozenFiles::Piece piece{{}, name, Descriptor(copy.c_str(), O_RDONLY)};
-        if (!piece.file.isopen() || ::fstat(piece.file.number(), &piece.status) != 0)
-            throw BackupError(fmt::format("{}: {}", copy.string(), std::strerror(errno)));
+        ::fstat(piece.file.number(), &piece.status);
         // The copy's own times and rights say nothing.
         struct stat status {};
         if (::stat((directory_ / name).c_str(), &status) == 0) {

@@ -45,7 +45,7 @@ std::string Snapshot::damage() {
 }
 
 void Snapshot::copyto(const std::filesystem::path& copy, const std::function<void()>& between) {
-    SQLite::Database written(copy.string(), SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+    SQLite::Database written(copy.string(), SQLite::OPEN_READWRITE);
     // One that is not finished is thrown away.
     written.exec("PRAGMA journal_mode = OFF");
     written.exec("PRAGMA synchronous = OFF");

@@ -17,7 +17,7 @@ public:
     void begin();
     // What a quick look at the whole finds wrong, or nothing.
     [[nodiscard]] std::string damage();
-    // In steps, `between` them. The copy must not exist.
+    // In steps, `between` them. The copy is empty.
     void copyto(const std::filesystem::path& copy, const std::function<void()>& between);
     [[nodiscard]] static bool isdatabase(const std::filesystem::path& file);
 

@@ -158,6 +158,14 @@ TEST_F(BackupTest, RefusesWhatItCannotDoAndLeavesNothing) {
         const auto told = refusal([&] { (void)host::backupstopped(root, archive("b.tar")); });
         EXPECT_THAT(told, AllOf(HasSubstr(archive("")), HasSubstr("b.tar")));
     }
+    {
+        directory.put(".b.tar.backup.part", "");
+        const host::Descriptor other(archive(".b.tar.backup.part").c_str(), O_RDONLY);
+        ASSERT_EQ(::flock(other.number(), LOCK_EX), 0);
+        EXPECT_THAT(refusal([&] { (void)host::backupstopped(root, archive("b.tar")); }),
+                    HasSubstr("b.tar: it cannot be written: another backup is writing it"));
+        fs::remove(archive(".b.tar.backup.part"));
+    }
     // A log that is begun anew is lost, and the server with it is not.
     directory.put("root/a.log", "old");
     {
