@@ -86,10 +86,11 @@ int main(int count, char** values) {
                 ++replaced;
             }
         });
-        {
+        std::this_thread::sleep_for(std::chrono::seconds(3));
+        for (int i = 0; i < 5; ++i) {
             Asking asking(server);
-            std::this_thread::sleep_for(std::chrono::seconds(3));
-            fmt::print("without a backup: {}\n", asking.result());
+            std::this_thread::sleep_for(std::chrono::seconds(1));
+            fmt::print("a second without a backup: {}\n", asking.result());
         }
         for (int i = 0; i < 5; ++i) {
             const auto file = directory.string() + ending;
