@@ -27,7 +27,6 @@ std::string names(playershopstate& state) {
     return all;
 }
 
-// Every test reads shops of its own, since the cache outlives it.
 struct Market : ShopHost {
     playershopstate& state;
 

@@ -19,7 +19,7 @@
 #include "platform/item.h"
 #include "platform/records.h"
 #include "platform/turn.h"
-#include "plugin/shopsystem/runtimeshopmanager.h"
+#include "tests/market/forgetshops.h"
 #include "tests/market/quiethost.h"
 
 namespace market_tests {
@@ -53,7 +53,12 @@ public:
 
 class OneTurn : public platform::TurnKeeper {
 public:
-    void take() override { mutex_.lock(); }
+    std::function<void()> before;  // happens once, before whoever takes the next turn has it
+
+    void take() override {
+        if (before) std::exchange(before, nullptr)();
+        mutex_.lock();
+    }
     void give() override { mutex_.unlock(); }
 
 private:
@@ -153,7 +158,10 @@ struct ShopHost : QuietHost {
         services.items = &items;
         disk.directories.insert(ordomart::paths::data);
     }
-    ~ShopHost() { settle(); }
+    ~ShopHost() {
+        settle();
+        forgetshops();
+    }
 
     static std::string path(const std::string& xuid) { return ordomart::paths::data + xuid + ".json"; }
     void put(const std::string& xuid, const json& sell, const json& recycles = nullptr) {
