@@ -1,5 +1,5 @@
 // Every menu walked through on the page, by an owner and by an operator, with keyboard and mouse and by touch, in English
-// and in Chinese. The four looks are walked at the same time, each on a page of its own.
+// and in Chinese. The four looks are walked at the same time, each on a page of its own, two of them by every door.
 import assert from "node:assert/strict";
 import { test } from "node:test";
 

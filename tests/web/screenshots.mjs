@@ -190,7 +190,7 @@ async function everymenu(server, browser, into, looks) {
     const page = await context.newPage();
     await page.goto(server.address);
     const seen = (picture, _, player) => player.card.screenshot({ path: path.join(into, `${picture.replace(/\W+/g, "-")}.png`) });
-    await walk(server, page, combination, { seen });
+    await walk(server, page, { ...combination, chestsonly: false }, { seen });
     await context.close();
   }
 }

@@ -11,7 +11,7 @@ const patience = 8000, ticksatonce = 5;
 const coolness = 2000;  // after which the market opens the next menu
 
 // What stands on the card, read in one go.
-const look = (card) => card.evaluate((element) => {
+const look = (element) => {
   const text = (node) => node?.textContent.trim() ?? null;
   const form = element.querySelector("[role=dialog]");
   return {
@@ -22,17 +22,21 @@ const look = (card) => card.evaluate((element) => {
       buttons: [...form.querySelectorAll(".formbuttontext, .modalbuttons button")].map(text),
     },
   };
-});
+};
 
-// Without the travels of the mouse, which other tests have and which take most of the time.
-const click = (place, times = 1) => place.evaluate((element, left) => {
-  while (left-- > 0) element.click();
-}, times);
+// Without the travels of the mouse, which other tests have and which take most of the time. A form that stands now is
+// known again as the old one.
+const click = (element, { selector, number = 0, times = 1 }) => {
+  const form = element.querySelector("[role=dialog]"), place = element.querySelectorAll(selector)[number];
+  if (form) form.dataset.walked = "";
+  while (times-- > 0) place.click();
+};
 
 export class Walk {
-  // `texts`: of the player's language, by key. `seen(place)` is awaited at each place that is seen for the first time.
-  constructor(server, player, menus, { texts, touch, chinese, seen = () => {} }) {
-    Object.assign(this, { server, player, menus, texts, touch, chinese, seen });
+  // `texts`: of the player's language, by key. `chestsonly`: forms are passed on the way, and not gone through by all of
+  // their doors. `seen(place)` is awaited at each place that is seen for the first time.
+  constructor(server, player, menus, { texts, touch, chinese, chestsonly = false, seen = () => {} }) {
+    Object.assign(this, { server, player, menus, texts, touch, chinese, chestsonly, seen });
     this.at = outside;
     this.last = outside;
     this.heard = 0;
@@ -54,7 +58,8 @@ export class Walk {
 
   // Closing a container is the same everywhere; what the owner has walked already is the way of the operator.
   matters(name, door) {
-    const { walked, doors, closable } = this.menus[name];
+    const { walked, doors, closable, title, typed } = this.menus[name];
+    if (this.chestsonly && (title || typed)) return false;
     return walked ? door in doors : door !== "close" || closable;
   }
 
@@ -83,6 +88,8 @@ export class Walk {
   }
 
   async all() {
+    this.card = await this.player.card.elementHandle();
+    this.now = await this.card.evaluate(look);
     for (let way = this.way(); way.length > 0; way = this.way()) for (const door of way) await this.through(door);
     return this.shown;
   }
@@ -90,50 +97,50 @@ export class Walk {
   // ---- a door
 
   async through(door) {
-    const from = this.at, to = this.leadsto(from, door), before = await look(this.player.card);
-    if (before.form) await this.player.form.evaluate((form) => { form.dataset.walked = ""; });
+    const from = this.at, to = this.leadsto(from, door);
     await this.server.call("POST", "/api/clock", { milliseconds: coolness });
-    await this.press(door, before);
+    await this.press(door, this.now);
     this.untried.get(from).delete(door);
     await this.arrived(to, `${from} > ${door} > ${to}`);
     this.at = to;
     if (this.menus[to].ismenu) this.last = to;
   }
 
-  async press(door, before) {
-    const { player, server } = this, menu = this.menus[this.at], { card, form } = player;
+  async press(door, { form, slots }) {
+    const { player, server } = this, menu = this.menus[this.at], button = (text) => form.buttons.indexOf(text);
+    const clicks = (selector, number, times) => this.card.evaluate(click, { selector, number, times });
     if (this.at === outside) return player.types(door);
-    if (door === "close") return click(card.locator("[data-t=closemenu]"));
-    if (door === "closes") return click(form.locator("[data-tlabel=close]"));
+    if (door === "close") return clicks("[data-t=closemenu]");
+    if (door === "closes") return clicks("[role=dialog] [data-tlabel=close]");
     if (door === "sends") {
       for (const [number, value] of Object.entries(menu.typed ?? {})) {
-        if (typeof value === "number") await form.locator("select").nth(Number(number)).selectOption({ index: value });
-        else await form.locator("input[type=text]").nth(Number(number)).fill(value);
+        if (typeof value === "number") await player.form.locator("select").nth(Number(number)).selectOption({ index: value });
+        else await player.form.locator("input[type=text]").nth(Number(number)).fill(value);
       }
-      return click(form.locator("[data-t=submit]"));
+      return clicks("[role=dialog] [data-t=submit]");
     }
     if (door === "rows") {
-      const row = before.form.buttons.findIndex((text) => !/EMPTY|上一页|下一页/.test(text));
-      assert.ok(row >= 0, `${this.at} has no rows: ${JSON.stringify(before.form)}`);
-      return click(form.locator(".formbutton").nth(row));
+      const row = form.buttons.findIndex((text) => !/EMPTY|上一页|下一页/.test(text));
+      assert.ok(row >= 0, `${this.at} has no rows: ${JSON.stringify(form)}`);
+      return clicks(".formbutton", row);
     }
-    if (door in (menu.answers ?? {})) return click(form.locator(".modalbuttons button").nth(before.form.buttons.indexOf(door)));
-    if (menu.title) return click(form.locator(".formbutton").nth(before.form.buttons.indexOf(this.text(door))));
-    if (door === "cursor") return click(card.locator("[data-t=drop]"));
+    if (door in (menu.answers ?? {})) return clicks(".modalbuttons button", button(door));
+    if (menu.title) return clicks(".formbutton", button(this.text(door)));
+    if (door === "cursor") return clicks("[data-t=drop]");
     if (door === "creative") {
       const { entries } = await server.call("GET", `/api/players/${encodeURIComponent(player.name)}/creative`);
       return server.call("POST", `/api/players/${encodeURIComponent(player.name)}/creative`, { entry: entries[7].entry });
     }
-    const slot = door.endsWith("?") ? Object.keys(before.slots).find((each) => each.startsWith(door.slice(0, -1))) : door;
-    assert.ok(before.slots[slot], `${this.at}: nothing on ${door}: ${JSON.stringify(before)}`);
-    return click(card.locator(`[data-slot="${slot}"]`), this.touch ? 2 : 1);
+    const slot = door.endsWith("?") ? Object.keys(slots).find((each) => each.startsWith(door.slice(0, -1))) : door;
+    assert.ok(slots[slot], `${this.at}: nothing on ${door}: ${JSON.stringify(slots)}`);
+    return clicks(`[data-slot="${slot}"]`, 0, this.touch ? 2 : 1);
   }
 
   async arrived(to, how) {
     const name = encodeURIComponent(this.player.name);
     for (const late = Date.now() + patience;;) {
       await this.server.call("POST", "/api/ticks", { count: ticksatonce });
-      const now = await look(this.player.card), wrong = this.difference(to, now);
+      const now = this.now = await this.card.evaluate(look), wrong = this.difference(to, now);
       if (wrong === null) break;
       if (Date.now() > late) assert.fail(`${how}: ${wrong}\n${JSON.stringify(now)}\n${JSON.stringify(await this.server.call("GET", `/api/players/${name}`).then(({ heard }) => heard.slice(-6)))}`);
       await new Promise((done) => { setTimeout(done, 25); });
@@ -143,7 +150,7 @@ export class Walk {
     this.reads(state, how);
     if (this.shown.has(to)) return;
     this.shown.add(to);
-    this.covers(to, await look(this.player.card));
+    this.covers(to, this.now);
     await this.seen(to);
   }
 
