@@ -12,7 +12,7 @@ using namespace stage;
 using client::armorid, client::inventoryid, client::offhandid, client::uiid;
 using platform::ActionType, platform::PacketId;
 
-inline const std::string ada = "2535400000000001", bob = "2535400000000002";
+inline const std::string ada = "2535400000000001", bob = "2535400000000002", root = "2535400000000009";
 inline constexpr int desktop = 7, touch = 1;
 
 // Long enough for the paint of an opening; and for the cool-down before the next one.
@@ -135,6 +135,11 @@ inline std::string screen(const Actor& actor) {
     for (int slot = 0; slot < 36; ++slot) all += actor.shown(inventoryid, slot) + ",";
     for (int slot = 0; slot < 4; ++slot) all += actor.shown(armorid, slot) + ",";
     return all + actor.shown(offhandid, 0) + "," + actor.shown(uiid, 0);
+}
+// Both shops of somebody.
+inline void bans(Actor& admin, const std::string& whom, bool whether = true) {
+    for (const char* kind : {"sell", "recycle"})
+        admin.types(fmt::format("ordomart {} {} {}", whether ? "ban" : "unban", kind, whom));
 }
 inline int gametype(const Actor& actor) {
     int type = -1;

@@ -1,4 +1,4 @@
-// What the stories about forms read off the lists: the rows of a chest list, and those of a form list.
+// What the stories about forms read off the lists, the rows of a chest list and those of a form list, and what is told.
 #pragma once
 
 #include "tests/market/chest_stage.h"
@@ -8,6 +8,10 @@ namespace forms {
 using namespace chest;
 
 inline const std::string deadtext = "Dead people don't have permission to perform any operations!";
+inline const std::string denied = "SYSTEM: you don't have this permission", banned = "the shop has been banned";
+inline const std::string shopchanged = "SYSTEM: Operation failed, shopinfo has been changed";
+inline const std::string slotschanged =
+    "SYSTEM: Some of the slots hold something else by now. Nothing was taken from them.";
 
 // The items of the page, "apple bread "; every stack shows one piece.
 inline std::string chestrows(const Actor& player) {

@@ -7,10 +7,6 @@ using namespace forms;
 
 namespace {
 
-using Answers = std::vector<std::pair<std::string, json>>;
-
-const std::string root = "2535400000000009";
-
 struct Fair {
     Fair() {
         stage.writeshop(ada, {good("apple", 100, 10), good("bread", 7, 5)}, {commission("bread", 3, 5)});

@@ -3,7 +3,6 @@
 // the fee of a further record may be gone, and that is told.
 #include <fmt/format.h>
 
-#include "platform/packets/forms.h"
 #include "tests/market/books.h"
 #include "tests/market/faultymoney.h"
 #include "tests/market/forms_stage.h"
@@ -12,20 +11,16 @@ using namespace forms;
 
 namespace {
 
-using Answers = std::vector<std::pair<std::string, json>>;
 using Roads = std::vector<std::string>;
 
 const std::string system_ = "SYSTEM: ";
-const std::string shopchanged = system_ + "Operation failed, shopinfo has been changed";
 const std::string badprice =
     system_ + "The price you set is unreasonable (more than 9999999 or less than 0), please reset the reasonable price";
-const std::string denied = system_ + "you don't have this permission";
 const std::string cannotsave =
     system_ + "The server cannot save at the moment, so the market is closed. Please try again later.";
-const std::string slotschanged = system_ + "Some of the slots hold something else by now. Nothing was taken from them.";
 const std::string paymentrefused =
     system_ + "The payment was refused, so nothing has been traded. If this goes on, please tell an operator.";
-const std::string emptyhand = "ERROR empty hand", banned = "the shop has been banned";
+const std::string emptyhand = "ERROR empty hand";
 
 // One of the owner's dialogs: the buttons from his menu to it, and an answer that would be taken.
 struct road {
@@ -89,33 +84,11 @@ struct Market {
             who.fills(isother ? way.operators : way.good);
         }
     }
-    std::uint32_t formid(Actor& who) {
-        std::uint32_t id = 0;
-        who.look([&](client::ModelClient& c) { id = c.forms().front().id; });
-        return id;
-    }
-    // Past the client's own book of forms, also for one that was answered or never sent.
-    void answersraw(Actor& who, std::uint32_t id, const std::string& text) {
-        who.look([&](client::ModelClient& c) {
-            c.sendraw(platform::sealpacket(platform::topacket(platform::ModalFormResponsePacket{id, text, {}})));
-        });
-        stage.server().settle();
-    }
     void manages() {
         rests(stage);
         olga.dismisses().types("ordomart manage " + owner->xuid());
         stage.ticks(6);
         olga.closes().forgets();
-    }
-    void may(int level) {
-        stage.onserver([&] { stage.server().world().setpermission("Olga", level); });
-    }
-    void bans(const char* word) {
-        for (const char* kind : {"sell", "recycle"})
-            olga.types(fmt::format("ordomart {} {} {}", word, kind, owner->xuid()));
-    }
-    void puts(Actor& who, int slot, const platform::ItemStack& stack) {
-        stage.onserver([&] { stage.server().world().setitem(who.who().name, slot, stack); });
     }
     books photograph() { return {stage, {owner, &olga}}; }
     static std::string told(const Actor& who) {
@@ -183,16 +156,16 @@ TEST(OwnerForms, AnAnswerThatMayNotBeChangesNothing) {
                                  "[null,21]",
                                  "[null,\"a\",\"b\",\"5\",\"2\",\"t\",true,true,true,0]",
                                  "[\"a\",\"b\",\"c\",1]"})
-            refuses(text, "", [&] { m.answersraw(*m.owner, m.formid(*m.owner), text); });
+            refuses(text, "", [&] { m.owner->answersraw(m.owner->formid(), text); });
         refuses("too long", "",
-                [&] { m.answersraw(*m.owner, m.formid(*m.owner), json(std::vector<int>(100000, 1)).dump()); });
-        refuses("of a form that was never sent", "", [&] { m.answersraw(*m.owner, 4000000000U, "true"); });
+                [&] { m.owner->answersraw(m.owner->formid(), json(std::vector<int>(100000, 1)).dump()); });
+        refuses("of a form that was never sent", "", [&] { m.owner->answersraw(4000000000U, "true"); });
         refuses("left in the middle", "", [&] {
             const auto who = m.owner->who();
-            const auto id = m.formid(*m.owner);
+            const auto id = m.owner->formid();
             m.owner->leaves();
             m.owner = &m.stage.join(who.name, who.xuid);
-            m.answersraw(*m.owner, id, way->good.empty() ? "true" : "[null,\"a\",\"b\",\"5\",\"t\",2,true]");
+            m.owner->answersraw(id, way->good.empty() ? "true" : "[null,\"a\",\"b\",\"5\",\"t\",2,true]");
         });
     }
 }
@@ -204,19 +177,19 @@ TEST(OwnerForms, ALateAnswerCountsByWhatIsTrueByThen) {
         SCOPED_TRACE(way->name);
         m.owns();
         m.opens(*m.owner, *way);
-        const auto id = m.formid(*m.owner);
+        const auto id = m.owner->formid();
         const auto shown = m.owner->form();
         m.submits(*m.owner, *way);
         const auto once = m.photograph();
-        for (const char* text : {"true", "[null,\"a\",\"b\",\"5\",\"t\",1,true]"}) m.answersraw(*m.owner, id, text);
+        for (const char* text : {"true", "[null,\"a\",\"b\",\"5\",\"t\",1,true]"}) m.owner->answersraw(id, text);
         EXPECT_EQ(m.photograph().since(once), "[]") << "twice";
 
         for (const bool staysbanned : {false, true}) {
             SCOPED_TRACE(staysbanned);
             m.owns();
             m.opens(*m.owner, *way);
-            m.bans("ban");
-            if (!staysbanned) m.bans("unban");
+            bans(m.olga, m.owner->xuid());
+            if (!staysbanned) bans(m.olga, m.owner->xuid(), false);
             const auto before = m.photograph();
             m.submits(*m.owner, *way);
             const bool isbanned = staysbanned && way->heldtoban;
@@ -233,7 +206,7 @@ TEST(OwnerForms, ALateAnswerCountsByWhatIsTrueByThen) {
             m.manages();
             m.opens(m.olga, *way, steps);
             const auto before = m.photograph();
-            m.may(0);
+            m.olga.may(0);
             if (steps == way->buttons.size())
                 m.submits(m.olga, *way);
             else
@@ -243,7 +216,7 @@ TEST(OwnerForms, ALateAnswerCountsByWhatIsTrueByThen) {
                 EXPECT_TRUE(m.olga.form().is_null()) << "led on";
             }
             EXPECT_EQ(m.photograph().since(before), "[]");
-            m.may(1);
+            m.olga.may(1);
         }
     }
 }
@@ -322,9 +295,9 @@ TEST(OwnerForms, ARefusedStepChangesNothingButAFeeThatIsTold) {
         auto& owner = m.owns(c.records).setmoney(c.money);
         rests(m.stage);
         m.opens(owner, c.way);
-        if (c.meanwhile == emptied) m.puts(owner, 0, {});
+        if (c.meanwhile == emptied) owner.loses(0);
         if (c.meanwhile == swapped) owner.gives(0, "diamond", 20);
-        if (c.meanwhile == ban) m.bans("ban");
+        if (c.meanwhile == ban) bans(m.olga, owner.xuid());
         auto before = m.photograph();
         faulty::refuses = [&](std::string_view operation) { return operation == c.refuses; };
         owner.fills(c.answer);
@@ -373,12 +346,12 @@ TEST(OwnerForms, RowsThatAreNone) {
     EXPECT_EQ(m.photograph().since(before), "[]");
     for (const auto* way : {&takeoff, &end}) {
         m.opens(owner, *way, way->buttons.size() - 1);
-        const auto id = m.formid(owner);
+        const auto id = owner.formid();
         m.manages();
         m.opens(m.olga, *way);
         m.submits(m.olga, *way);
         const auto shorter = m.photograph();
-        m.answersraw(owner, id, "3");
+        owner.answersraw(id, "3");
         EXPECT_EQ(m.told(owner), "wrong castindex");
         EXPECT_EQ(m.photograph().since(shorter), "[]");
     }

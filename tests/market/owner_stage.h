@@ -1,9 +1,8 @@
 // What the stories about owners have in common: Alice with her two shops, those who trade with her, the dialogs of her
-// chest views, and one picture of everything that a refusal must leave alone.
+// chest views, and the books of all of them.
 #pragma once
 
-#include <sstream>
-
+#include "tests/market/books.h"
 #include "tests/market/chest_stage.h"
 
 namespace owner {
@@ -33,20 +32,6 @@ struct Counter {
     Actor& carl = stage.join("Carl", bob);
 };
 
-// Money, stacks, shop files, payments. What it cannot show is a shop's revision; see Witness.
-inline std::string photograph(Stage& stage, std::initializer_list<const Actor*> actors) {
-    std::string all;
-    for (const auto* actor : actors)
-        all += fmt::format("{} {} {}\n", actor->who().name, actor->money(), belongings(*actor));
-    for (const auto& xuid : {ada, bob}) all += stage.shopfile(xuid).dump(1) + "\n";
-    std::istringstream log(stage.file("plugins/Ordomart/simpletrade.log"));
-    for (std::string line; std::getline(log, line);)
-        if (line.find("[Ordomartlogger]") != std::string::npos) all += line;
-    return all;
-}
-
-inline const std::string root = "2535400000000009";
-using Answers = std::vector<std::pair<std::string, json>>;
 struct spot {
     ContainerName container;
     int slot;
@@ -67,6 +52,7 @@ struct Stall : Counter {
         wanted["recycleditemnbtlist"] = {snbt("bread", 2)};
         stage.writeshop(ada, {good("apple", 5, 90), good("stone", 7, 10)}, {wanted});
         stage.writeshop(bob, {good("stone", 1, 1)});
+        stage.writeshop(root, nullptr);
         dora.setmoney(0).gives(0, "bread", 64);
         alice.gives(20, "stone", 7).gives(36, "diamond_helmet", 1);
     }
@@ -90,37 +76,19 @@ struct Stall : Counter {
             who.fills(what.answers);
         stage.server().settle();
     }
-    std::string truth() { return photograph(stage, {&alice, &carl, &dora, &admin}); }
-    void bans(bool whether) {
-        for (const char* kind : {"sell", "recycle"})
-            admin.types(fmt::format("ordomart {} {} Alice", whether ? "ban" : "unban", kind));
+    // Of all who are here, with whoever Alice is by now.
+    books truth(const Actor* owner = nullptr) {
+        return {stage, {owner != nullptr ? owner : &alice, &carl, &dora, &admin}};
     }
-    void may(int level) {
-        stage.onserver([&] { stage.server().world().setpermission("Root", level); });
+    // A piece of each of Alice's records.
+    void trades() {
+        carl.types("ordomart formmenu").presses("Selling shops (form)").presses("apple").fills({{"quantity", "1"}});
+        dora.types("ordomart formmenu").presses("Recycle shops (form)").presses("bread").fills({{"0", 1}});
+        for (auto* each : {&carl, &dora}) each->dismisses();
     }
 
     Actor& dora = stage.join("Dora", "2535400000000003");
     Actor& admin = stage.join("Root", root, "en_US", desktop, 1);
-};
-
-// What others were offered before: a good and a commission of Alice's, each dialog good for her shop's present revision
-// alone. So it tells whether a revision has moved, behind which every dialog of that shop is stale.
-class Witness {
-public:
-    explicit Witness(Stall& c) : buyer_(c.carl), seller_(c.dora) {
-        buyer_.types("ordomart formmenu").presses("Selling shops (form)").presses("apple");
-        seller_.types("ordomart formmenu").presses("Recycle shops (form)").presses("bread");
-    }
-    // Ends both dialogs.
-    bool sayssame() {
-        const auto apples = buyer_.counts("minecraft:apple"), loaves = seller_.counts("minecraft:bread");
-        buyer_.fills({{"quantity", "1"}}).dismisses();
-        seller_.fills({{"0", 1}}).dismisses();
-        return buyer_.counts("minecraft:apple") == apples + 1 && seller_.counts("minecraft:bread") == loaves - 1;
-    }
-
-private:
-    Actor &buyer_, &seller_;
 };
 
 }  // namespace owner

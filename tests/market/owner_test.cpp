@@ -218,8 +218,7 @@ TEST(Owner, EveryPressIsHeardAndLeadsOn) {
         }
     };
     for (const bool banned : {false, true}) {
-        for (const char* kind : {"sell", "recycle"})
-            admin.types(fmt::format("ordomart {} {} Alice", banned ? "ban" : "unban", kind));
+        bans(admin, "Alice", banned);
         walks("ordomart myshop", sellpresses, banned);
         walks("ordomart myreshop", recyclepresses, banned);
         if (banned) break;

@@ -28,11 +28,6 @@ struct Scene {
         : stage(Setting{.llmoney = false, .adjust = std::move(adjust)}) {
         ordomart::moneymode = 0;
     }
-    void clears(const ::stage::Actor& actor) {
-        stage.onserver([&] {
-            for (int slot = 0; slot < 36; ++slot) stage.server().world().setitem(actor.who().name, slot, {});
-        });
-    }
     ::stage::Actor& who(int permission) { return permission == 0 ? ada : olga; }
     // Owner keys are used once, since the cache outlives the stage.
     void opens(const std::string& key, const json& recycleitems, const json& extra = json::object()) {
@@ -265,7 +260,7 @@ TEST(Commissions, WhatCannotBeHandedOverStays) {
             full["nowhasrecyclenum"] = c.counted;
             full["recycleditemnbtlist"] = c.stored;
             scene.opens(fmt::format("store {} {}", c.name, ending), full);
-            scene.clears(scene.ada);
+            for (int slot = 0; slot < 36; ++slot) scene.ada.loses(slot);
             scene.ada.setmoney(0).forgets();
             const auto result = scene.does(scene.ada, [&](ServerPlayer* player) {
                 return ending ? adjustcommission(player, scene.owner, 0, 0, {.recycleitemleftwanna = 0})

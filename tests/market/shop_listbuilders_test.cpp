@@ -126,7 +126,7 @@ TEST(ListBuilders, EqualOrdersShareAWalkThatBeganBehindThem) {
         SCOPED_TRACE(c.name);
         Bazaar b;
         c.differs(b);
-        for (const char* player : {"1", "2", "a"}) b.orders(player);
+        for (const char* player : {"a", "1", "2"}) b.orders(player);
         EXPECT_EQ(b.builders.started(), 2U);
         // Too late for the first walk; the other builder makes it in between.
         b.behind("b", [&b] {
@@ -290,6 +290,7 @@ TEST(ListBuilders, AStopEndsAWalkAtItsNextShop) {
     b.orders("2", listkind::singlesell, "c");
     b.behind("b", [&b] {
         b.orders("a");
+        b.works("c", [&b](listwork&) { b.made += "begun behind it"; });
         b.builders.isstopping = true;
     });
     b.builders.run();

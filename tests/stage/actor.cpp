@@ -5,6 +5,7 @@
 
 #include "platform/host.h"
 #include "platform/item.h"
+#include "platform/packets/forms.h"
 #include "tests/stage/stage.h"
 
 namespace stage {
@@ -82,7 +83,7 @@ Actor& Actor::presses(const std::string& buttontext) {
     throw std::runtime_error("no button \"" + buttontext + "\" in " + shown.dump());
 }
 
-Actor& Actor::fills(const std::vector<std::pair<std::string, json>>& values) {
+Actor& Actor::fills(const Answers& values) {
     const json shown = form();
     if (shown.is_null() || shown["type"] != "custom_form") throw std::runtime_error(who_.name + " has no form to fill");
     json answer = json::array();
@@ -98,6 +99,14 @@ Actor& Actor::fills(const std::vector<std::pair<std::string, json>>& values) {
     }
     if (used < values.size()) throw std::runtime_error("not every element was found in " + shown.dump());
     return answers(answer);
+}
+
+Actor& Actor::answersraw(std::uint32_t formid, const std::string& text) {
+    look([&](ModelClient& c) {
+        c.sendraw(platform::sealpacket(platform::topacket(platform::ModalFormResponsePacket{formid, text, {}})));
+    });
+    stage_.server().settle();
+    return *this;
 }
 
 Actor& Actor::dismisses() {
@@ -161,6 +170,12 @@ json Actor::form() const {
     return front;
 }
 
+std::uint32_t Actor::formid() const {
+    std::uint32_t id = 0;
+    look([&](ModelClient& c) { id = c.forms().front().id; });
+    return id;
+}
+
 std::string Actor::formtext() const {
     std::string all;
     collect(form(), all);
@@ -210,6 +225,11 @@ Actor& Actor::gives(int slot, const std::string& name, int count, const std::str
     return *this;
 }
 
+Actor& Actor::loses(int slot) {
+    stage_.onserver([&] { stage_.server().world().setitem(who_.name, slot, {}); });
+    return *this;
+}
+
 std::string Actor::has(int slot) const {
     std::string text;
     stage_.onserver([&] { text = told(stage_.server().world().item(who_.name, slot)); });
@@ -234,6 +254,11 @@ Actor& Actor::dies() {
 
 Actor& Actor::revives() {
     stage_.onserver([&] { stage_.server().world().setalive(who_.name, true); });
+    return *this;
+}
+
+Actor& Actor::may(int permission) {
+    stage_.onserver([&] { stage_.server().world().setpermission(who_.name, permission); });
     return *this;
 }
 

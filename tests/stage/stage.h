@@ -22,6 +22,7 @@ using nlohmann::json;
 using platform::ContainerName;
 
 class Stage;
+using Answers = std::vector<std::pair<std::string, json>>;  // element titles, or parts of them, and what is put there
 
 // A player behind a model client.
 class Actor {
@@ -35,8 +36,9 @@ public:
     Actor& closes();                                // the open container
     Actor& answers(const json& answer);             // the form in front; null closes it
     Actor& presses(const std::string& buttontext);  // a button of a simple or modal form, by a part of its text
-    // Fills a custom form by element titles (a part of each), the others keep their defaults, and submits it.
-    Actor& fills(const std::vector<std::pair<std::string, json>>& values);
+    Actor& fills(const Answers& values);            // a custom form, the rest of it by its defaults, and submits it
+    // Past the client's own book of forms: also for a form that was answered already, or never sent.
+    Actor& answersraw(std::uint32_t formid, const std::string& text);
     Actor& dismisses();  // closes forms until none is left
     Actor& leaves();
     Actor& forgets();  // chat, toasts, sounds and replies heard so far
@@ -48,7 +50,8 @@ public:
     [[nodiscard]] std::string replies() const;  // command output, likewise
     // Names, with volume and pitch behind them unless both are 1.
     [[nodiscard]] std::vector<std::string> sounds() const;
-    [[nodiscard]] json form() const;             // in front; null when there is none
+    [[nodiscard]] json form() const;  // in front; null when there is none
+    [[nodiscard]] std::uint32_t formid() const;
     [[nodiscard]] std::string formtext() const;  // every text of it, joined by newlines
     [[nodiscard]] bool menuopen() const;
     [[nodiscard]] std::string shown(std::uint32_t container, int slot) const;  // "minecraft:apple*3", "" when empty
@@ -59,10 +62,12 @@ public:
     [[nodiscard]] std::int64_t money() const;  // LLMoney, or the score in scoreboard mode
     Actor& setmoney(std::int64_t amount);
     Actor& gives(int slot, const std::string& name, int count = 1, const std::string& snbt = {});  // puts it there
+    Actor& loses(int slot);                                                                        // empties it
     [[nodiscard]] std::string has(int slot) const;            // "minecraft:apple*3", "" when empty
     [[nodiscard]] int counts(const std::string& name) const;  // pieces over all slots, armour and offhand
     Actor& dies();
     Actor& revives();
+    Actor& may(int permission);  // from now on
 
 private:
     Stage& stage_;
