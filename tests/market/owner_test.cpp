@@ -74,17 +74,6 @@ TEST(Owner, AWornPieceIsPutOnSale) {
     EXPECT_EQ(c.goods()[0]["itemnbt"], snbt("diamond_helmet"));
 }
 
-TEST(Owner, AnUploadWhoseSlotHasChangedTakesNothing) {
-    Counter c;
-    c.chestmenu("ordomart myshop");
-    c.alice.clicks(ContainerName::hotbar, 2).clicks(ContainerName::hotbar, 0);
-    ASSERT_FALSE(c.alice.form().is_null());
-    c.alice.gives(0, "diamond", 2).forgets().fills({{"price", "5"}});
-    EXPECT_EQ(c.alice.has(0), "minecraft:diamond*2");
-    EXPECT_TRUE(c.goods().is_null());
-    EXPECT_NE(c.alice.toasts(), "");
-}
-
 TEST(Owner, ShopsAreLookedAtOneByOne) {
     Counter c;
     c.stage.writeshop("2535400000000008", {good("emerald", 9, 4, "Gem"), good("emerald", 8, 4)});

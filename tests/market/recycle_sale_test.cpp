@@ -186,7 +186,7 @@ TEST(RecycleSale, TakesFromSlotToSlotUntilNothingIsWanted) {
         for (const int slot : slots) {
             if (const auto has = alice.has(slot); !has.empty())
                 left += fmt::format("{}:{} ", slot, has.substr(has.find('*') + 1));
-            puts(stage, alice, slot, "", 0);
+            alice.loses(slot);
         }
         EXPECT_EQ(left, c.left);
     }
@@ -233,7 +233,7 @@ TEST(RecycleSale, OffersTheSlotsThatTheCommissionAsksFor) {
     stage.writeshop(bob, nullptr, wishes);
     Actor& alice = stage.join("Alice", ada);
     for (const auto& c : cases) {
-        for (int slot = 0; slot < 5; ++slot) puts(stage, alice, slot, "", 0);
+        for (int slot = 0; slot < 5; ++slot) alice.loses(slot);
         for (std::size_t i = 0; i < c.slots.size(); ++i)
             if (!c.slots[i].empty()) alice.gives(static_cast<int>(i), c.name, 1, c.slots[i]);
         picks(alice, std::string(":") + c.name + "§");
