@@ -295,28 +295,6 @@ TEST(Purchase, ThePriceSeenIsThePricePaidEvenWhenTheDiscountEndsMeanwhile) {
     EXPECT_EQ(alice.money(), 840);
 }
 
-TEST(Purchase, InScoreboardModeAnAbsentOwnersMoneyWaitsForHim) {
-    Stage stage({.llmoney = false});
-    stage.writeshop(bob, {good("apple", 7, 10)});
-    Actor& alice = stage.join("Alice", ada).setmoney(100);
-    buys(alice, "apple", "3");
-    EXPECT_NE(stage.log().find("failed to find LLmoney.dll"), std::string::npos);
-    EXPECT_EQ(alice.money(), 79);
-    EXPECT_EQ(stage.score("a" + bob, "helpermoney"), 21);
-    EXPECT_NE(stage.file("plugins/Ordomart/simpletrade.log")
-                  .find(fmt::format("{} pay 21coins to {},note:buy item :Apple*3", ada, bob)),
-              std::string::npos);
-
-    Actor& owner = stage.join("Bob", bob);
-    owner.types("ordomart getoffscores");
-    EXPECT_NE(owner.chat().find("yes:21"), std::string::npos) << owner.chat();
-    EXPECT_EQ(owner.toasts(), "yes: + §a21 §rcoins");
-    EXPECT_EQ(owner.money(), 21);
-    owner.forgets().types("ordomart getoffscores");
-    EXPECT_NE(owner.chat().find("No:0"), std::string::npos);
-    EXPECT_EQ(owner.money(), 21);
-}
-
 TEST(Purchase, PagesOfTwentySixAndAnEmptyLastOne) {
     Stage stage;
     json goods = json::array();

@@ -2,14 +2,11 @@
 // program and not of the module beside it; the players, their inventories and scores are the server's.
 #include <fmt/format.h>
 
-#include <limits>
-
 #include "platform/host.h"
 #include "platform/level.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/trade/commissions.h"
-#include "tests/market/faultymoney.h"
 #include "tests/stage/stage.h"
 
 using namespace shopsystem;
@@ -24,10 +21,7 @@ struct Scene {
     ::stage::Actor& olga = stage.join("Olga", "2535400000000009", "en_US", 7, 1);
     std::string owner;
 
-    explicit Scene(std::function<void(platform::Host&)> adjust = {})
-        : stage(Setting{.llmoney = false, .adjust = std::move(adjust)}) {
-        ordomart::moneymode = 0;
-    }
+    Scene() : stage(Setting{.llmoney = false}) { ordomart::moneymode = 0; }
     ::stage::Actor& who(int permission) { return permission == 0 ? ada : olga; }
     // Owner keys are used once, since the cache outlives the stage.
     void opens(const std::string& key, const json& recycleitems, const json& extra = json::object()) {
@@ -289,56 +283,4 @@ TEST(Commissions, WhatCannotBeHandedOverStays) {
     scene.opens("picked up late", commission("apple", 10, 2));
     EXPECT_EQ(picks(0, 1).why, refusal::shopchanged);
     EXPECT_EQ(picks(1, 0).why, refusal::recordgone);
-}
-
-// A payment that is refused, and a server that cannot save, end each of the operations with nothing changed.
-TEST(Commissions, ARefusedPaymentAndAClosedMarketChangeNothing) {
-    faulty::Money faulty;
-    faulty::Stores stores;
-    Scene scene([&](platform::Host& host) {
-        faulty.standbefore(host);
-        host.stores = &stores;
-    });
-    constexpr int most = std::numeric_limits<std::int32_t>::max();
-    constexpr refusal payment = refusal::paymentrefused, shut = refusal::marketclosed;
-    enum deed { publishing, adjusting, pickingup };
-    const struct {
-        const char* name;
-        deed what;
-        int count, money;
-        const char* refused;
-        refusal why;
-    } cases[] = {
-        {"deposit", publishing, 5, 90, "reduceScore", payment}, {"more", adjusting, 9, 90, "reduceScore", payment},
-        {"less", adjusting, 1, 90, "addScore", payment},        {"end", adjusting, 0, 90, "addScore", payment},
-        {"a full purse", adjusting, 0, most - 49, "", payment}, {"publish closed", publishing, 5, 90, "stores", shut},
-        {"adjust closed", adjusting, 1, 90, "stores", shut},    {"pick up closed", pickingup, 0, 90, "stores", shut},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        json before = commission("apple", 10, 5, "old");
-        before["nowhasrecyclenum"] = 3;
-        before["recycleditemnbtlist"] = {applestext(3)};
-        scene.opens(std::string("refused ") + c.name, before);
-        scene.ada.setmoney(c.money);
-        const auto lines = scene.stage.file("plugins/Ordomart/simpletrade.log");
-        stores.why = c.refused == std::string("stores") ? "full" : "";
-        faulty::refuses = [&](std::string_view operation) { return operation == c.refused; };
-        const recycleshopitem form{
-            .recycleitemname = "new", .itemnbt = "{}", .recycleitemleftwanna = c.count, .offer = 10};
-        const auto result = scene.does(scene.ada, [&](ServerPlayer* player) {
-            return c.what == publishing  ? publishcommission(player, scene.owner, form, formpublish)
-                   : c.what == adjusting ? adjustcommission(player, scene.owner, 0, 0, form)
-                                         : pickupcommission(player, scene.owner, 0, 0);
-        });
-        EXPECT_EQ(result.why, c.why);
-        EXPECT_EQ(result.charged + result.received + result.pieces, 0);
-        EXPECT_EQ(scene.ada.money(), c.money);
-        EXPECT_EQ(scene.ada.counts("minecraft:apple"), 0);
-        EXPECT_EQ(scene.record(), before);
-        EXPECT_EQ(scene.revision(), 0);
-        scene.stage.onserver([&] { EXPECT_EQ(scene.shop().recycleitems.size(), 1U); });
-        EXPECT_EQ(scene.stage.file("plugins/Ordomart/simpletrade.log").find("pay for", lines.size()),
-                  std::string::npos);
-    }
 }
