@@ -104,6 +104,21 @@ TEST(Owner, ShopsAreLookedAtOneByOne) {
     }
 }
 
+// By packets alone, and taken back however he leaves the screen.
+TEST(Owner, TheCreativeListIsShownToTheClientAlone) {
+    Counter c;
+    c.chestmenu("ordomart myreshop");
+    c.alice.clicks(ContainerName::hotbar, 2);
+    EXPECT_EQ(gametype(c.alice), 1);
+    c.alice.clicks(ContainerName::offhand, 1);
+    EXPECT_EQ(gametype(c.alice), 0);
+    c.stage.ticks(1);
+    c.alice.clicks(ContainerName::hotbar, 2);
+    EXPECT_EQ(gametype(c.alice), 1);
+    c.alice.closes();
+    EXPECT_EQ(gametype(c.alice), 0);
+}
+
 namespace {
 
 // The title of the dialog that he has, else the name of the sign of the view that he sees.

@@ -2,11 +2,14 @@
 // program and not of the module beside it; the players, their inventories and scores are the server's.
 #include <fmt/format.h>
 
+#include <limits>
+
 #include "platform/host.h"
 #include "platform/level.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/trade/commissions.h"
+#include "tests/market/faultymoney.h"
 #include "tests/stage/stage.h"
 
 using namespace shopsystem;
@@ -21,7 +24,10 @@ struct Scene {
     ::stage::Actor& olga = stage.join("Olga", "2535400000000009", "en_US", 7, 1);
     std::string owner;
 
-    Scene() : stage(Setting{.llmoney = false}) { ordomart::moneymode = 0; }
+    explicit Scene(std::function<void(platform::Host&)> adjust = {})
+        : stage(Setting{.llmoney = false, .adjust = std::move(adjust)}) {
+        ordomart::moneymode = 0;
+    }
     ::stage::Actor& who(int permission) { return permission == 0 ? ada : olga; }
     // Owner keys are used once, since the cache outlives the stage.
     void opens(const std::string& key, const json& recycleitems, const json& extra = json::object()) {
@@ -283,4 +289,45 @@ TEST(Commissions, WhatCannotBeHandedOverStays) {
     scene.opens("picked up late", commission("apple", 10, 2));
     EXPECT_EQ(picks(0, 1).why, refusal::shopchanged);
     EXPECT_EQ(picks(1, 0).why, refusal::recordgone);
+}
+
+// A full purse, and a server that cannot save, end each of the operations with nothing changed.
+TEST(Commissions, AFullPurseAndAClosedMarketChangeNothing) {
+    faulty::Stores stores;
+    Scene scene([&](platform::Host& host) { host.stores = &stores; });
+    constexpr int most = std::numeric_limits<std::int32_t>::max();
+    constexpr refusal payment = refusal::paymentrefused, shut = refusal::marketclosed;
+    enum deed { publishing, adjusting, pickingup };
+    const struct {
+        const char* name;
+        deed what;
+        int money;
+        refusal why;
+    } cases[] = {{"a full purse", adjusting, most - 49, payment},
+                 {"publish closed", publishing, 90, shut},
+                 {"adjust closed", adjusting, 90, shut},
+                 {"pick up closed", pickingup, 90, shut}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        json before = commission("apple", 10, 5, "old");
+        before["nowhasrecyclenum"] = 3;
+        before["recycleditemnbtlist"] = {applestext(3)};
+        scene.opens(std::string("refused ") + c.name, before);
+        scene.ada.setmoney(c.money);
+        stores.why = c.why == shut ? "full" : "";
+        const recycleshopitem form{.recycleitemname = "new",
+                                   .itemnbt = "{}",
+                                   .recycleitemleftwanna = c.what == publishing ? 5 : 0,
+                                   .offer = 10};
+        const auto result = scene.does(scene.ada, [&](ServerPlayer* player) {
+            return c.what == publishing  ? publishcommission(player, scene.owner, form, formpublish)
+                   : c.what == adjusting ? adjustcommission(player, scene.owner, 0, 0, form)
+                                         : pickupcommission(player, scene.owner, 0, 0);
+        });
+        EXPECT_EQ(result.why, c.why);
+        EXPECT_EQ(result.charged + result.received + result.pieces, 0);
+        EXPECT_EQ(scene.ada.money(), c.money);
+        EXPECT_EQ(scene.record(), before);
+        EXPECT_EQ(scene.revision(), 0);
+    }
 }

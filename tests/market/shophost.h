@@ -19,7 +19,7 @@
 #include "platform/item.h"
 #include "platform/records.h"
 #include "platform/turn.h"
-#include "tests/market/forgetshops.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
 #include "tests/market/quiethost.h"
 
 namespace market_tests {
@@ -140,6 +140,12 @@ public:
 private:
     std::map<std::pair<std::string, std::string>, Bytes> pending_;
 };
+
+// The cache of shops outlives a host: no test meets those of another. With no save on its way.
+inline void forgetshops() {
+    std::destroy_at(&shopsystem::globalruntimeshopmanager);
+    std::construct_at(&shopsystem::globalruntimeshopmanager);
+}
 
 struct ShopHost : QuietHost {
     ListedFiles disk;
