@@ -1,5 +1,6 @@
 // The road of one purchase, and everything that can stop it.
 #include <fmt/format.h>
+#include <gmock/gmock.h>
 
 #include "platform/form.h"
 #include "tests/stage/stage.h"
@@ -215,6 +216,29 @@ TEST(Purchase, ComesInStacksOfTheItemsSizeAndFallsWhereThereIsNoRoom) {
     });
     EXPECT_EQ(fell, "minecraft:ender_pearl*5 ");
     EXPECT_EQ(carl.money(), 95);
+}
+
+// Two thousand stacks of sixteen; what finds no room lies on the ground, where no piece of them is lost.
+TEST(Purchase, NoMoreIsHandedOverAtOnceThanAWorldKeeps) {
+    Stage stage;
+    const std::string toomany = "That is more than can be handed over at once. Take a smaller number at a time.";
+    stage.writeshop(bob, {good("ender_pearl", 0, 100000)});
+    Actor& alice = stage.join("Alice", ada).setmoney(100);
+    Actor& owner = stage.join("Bob", bob);
+    buys(alice, "ender_pearl", "32001");
+    EXPECT_THAT(alice.chat(), testing::HasSubstr(toomany));
+    owner.types("ordomart formmenu").presses("My shop (form)").presses("Adjust items on sale").presses("ender_pearl");
+    owner.fills({{"Quantity", 0}});
+    EXPECT_THAT(owner.toasts(), testing::HasSubstr(toomany));
+    EXPECT_EQ(stage.shopfile(bob)["sell"]["items"][0]["shopitemleftnum"], 100000);
+    EXPECT_EQ(alice.counts("minecraft:ender_pearl") + owner.counts("minecraft:ender_pearl"), 0);
+
+    buys(alice.dismisses(), "ender_pearl", "32000");
+    int pieces = alice.counts("minecraft:ender_pearl");
+    stage.onserver([&] {
+        for (const auto& item : stage.server().world().droppeditems()) pieces += item.stack.getCount();
+    });
+    EXPECT_EQ(pieces, 32000);
 }
 
 TEST(Purchase, WhatMovesAndWhatIsCounted) {
