@@ -147,6 +147,16 @@ Times trades(way how, bool llmoney, int goods, int number) {
         const int has = llmoney ? 0 : server.world().score("Bob", "money");
         if (!llmoney && has != 1000000 - number) throw std::runtime_error(fmt::format("{} are left", has));
     });
+    if (how == way::records && goods == 50) {
+        constexpr int passes = 100000;
+        Clock::duration all{};
+        server.run([&] {
+            const auto begin = Clock::now();
+            for (int i = 0; i < passes; ++i) server.world().flush();
+            all = Clock::now() - begin;
+        });
+        fmt::print("the end of a pass without a change: {:.0f} ns\n", milliseconds(all) * 1e6 / passes);
+    }
     clients.leaveall();
     server.stop();
     return timesof(times);

@@ -1,6 +1,6 @@
 // One long random story of the whole market: after every step the books must be right (books.h). A step is an operation
 // (operations.cpp), who does it, and a number that all his choices come from; a story that fails is told again with
-// fewer and fewer steps, and what is left is printed, to be put into the last test.
+// fewer and fewer steps, and what is left is printed as a table of steps.
 //
 //   ORDOMART_SEEDS="7 8 9"  tells other stories      ORDOMART_STEPS=20000  tells longer ones
 #include <cstdlib>
