@@ -36,6 +36,8 @@ void recyclefields(Item& item, Visit visit) {
     visit("recycleditemnbtlist", item.recycleditemnbtlist);
 }
 
+constexpr const char* sponsoredkey = "sponsored";
+
 fieldreader recordreader(const json& record) {
     if (!record.is_object()) throw fielderror({}, std::string("is no record, but ") + record.type_name());
     return {record};
@@ -44,12 +46,19 @@ fieldreader recordreader(const json& record) {
 }  // namespace
 
 void tojson(const shopitem& item, json& out) { sellfields(item, fieldwriter{out}); }
-void tojson(const recycleshopitem& item, json& out) { recyclefields(item, fieldwriter{out}); }
+void tojson(const recycleshopitem& item, json& out) {
+    recyclefields(item, fieldwriter{out});
+    if (item.sponsored != 0) out[sponsoredkey] = item.sponsored;
+}
 
 void fromjson(const json& record, shopitem& item) {
     sellfields(item, recordreader(record));
     item.realprice = item.price;
 }
-void fromjson(const json& record, recycleshopitem& item) { recyclefields(item, recordreader(record)); }
+void fromjson(const json& record, recycleshopitem& item) {
+    recyclefields(item, recordreader(record));
+    if (const auto found = record.find(sponsoredkey); found != record.end())
+        takefield(sponsoredkey, *found, item.sponsored);
+}
 
 }  // namespace shopsystem

@@ -29,6 +29,8 @@ struct recycleshopitem {
     std::int32_t recycleitemleftwanna = -1;
     std::int32_t nowhasrecyclenum = 0;
     std::int32_t offer = 0;
+    // What an operator has promised of the deposit, who pays none: it is paid out for goods and back to nobody.
+    std::int64_t sponsored = 0;
     bool allowbesearched = false, filterauxordamage = false, filterench = false, filteritemnbt = false;
     std::vector<std::string> recycleditemnbtlist;
 };
@@ -41,7 +43,7 @@ struct globalrecycleshopitem : recycleshopitem {
 };
 
 void tojson(const shopitem& item, nlohmann::json& out);         // all seven keys
-void tojson(const recycleshopitem& item, nlohmann::json& out);  // all twelve keys
+void tojson(const recycleshopitem& item, nlohmann::json& out);  // all twelve keys, and "sponsored" when it is something
 
 // A missing key keeps the field's value; a record that is no object, and a wrong type in it, throw fielderror.
 void fromjson(const nlohmann::json& record, shopitem& item);  // realprice is the list price

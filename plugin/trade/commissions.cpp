@@ -97,13 +97,24 @@ void takeform(recycleshopitem& item, const recycleshopitem& form) {
     item = std::move(changed);
 }
 
-ownerresult settle(ServerPlayer* player, std::int64_t before, std::int64_t after) {
+// What somebody has paid of the deposit and can be paid back.
+std::int64_t paidof(const recycleshopitem& item) {
+    const auto whole = std::max<std::int64_t>(deposit(item), 0);
+    return whole - std::clamp<std::int64_t>(item.sponsored, 0, whole);
+}
+
+// Makes the deposit fit what is wanted now, and notes what of it nobody has paid.
+ownerresult settle(ServerPlayer* player, const recycleshopitem& item, recycleshopitem& wanted) {
     ownerresult result;
-    if (isoperator(*player) || before == after) return result;
+    const std::int64_t before = deposit(item), after = deposit(wanted), paid = paidof(item);
+    const bool raises = after > before;
+    const std::int64_t paidafter = raises && !isoperator(*player) ? paid + (after - before) : std::min(paid, after);
+    wanted.sponsored = after - paidafter;
+    if (isoperator(*player) || paidafter == paid) return result;
     const std::string& xuid = player->getXuid();
-    if (after < before) {
-        if (!MCGLOBALECONOMYMANAGER::addMoney(xuid, before - after)) return refused(refusal::paymentrefused);
-        result.received = before - after;
+    if (!raises) {
+        if (!MCGLOBALECONOMYMANAGER::addMoney(xuid, paid - paidafter)) return refused(refusal::paymentrefused);
+        result.received = paid - paidafter;
         return result;
     }
     result = mustown(xuid, after - before, refusal::moneyshort);
@@ -142,6 +153,7 @@ ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid,
     recycleshopitem published = wanted;
     published.nowhasrecyclenum = 0;
     published.recycleditemnbtlist.clear();
+    published.sponsored = isoperator(*player) ? deposit(wanted) : 0;
     json record;
     tojson(published, record);
 
@@ -174,7 +186,7 @@ ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, 
     recycleshopitem item = shop.getrecycleitem(index);
     const bool ends = wanted.recycleitemleftwanna == 0;
     const store parted = ends ? partstore(item) : store();
-    ownerresult result = settle(player, deposit(item), deposit(wanted));
+    ownerresult result = settle(player, item, wanted);
     if (!result.ok()) return result;
 
     if (!ends) {
@@ -186,6 +198,7 @@ ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, 
         shop.recycleitems.erase(static_cast<std::size_t>(index));
     } else {
         item.recycleitemleftwanna = 0;
+        item.sponsored = 0;
         keepelsewhere(item, parted);
         writeback(shop, index, item);
     }

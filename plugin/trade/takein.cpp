@@ -67,6 +67,8 @@ ownerresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recy
 
     if (result.received != 0 && !ordomart::MCGLOBALECONOMYMANAGER::addMoney(player->getXuid(), result.received))
         return refused(refusal::paymentrefused);
+    // What an operator has promised is spent first.
+    if (!shop.isopshop) working.sponsored = std::max<std::int64_t>(working.sponsored - result.received, 0);
     for (const auto& [slot, count] : leaving) inventory.removeItem(slot, count);
     writeback(shop, index, working);
     countup(shop.recycleamount, result.pieces);

@@ -6,6 +6,7 @@
 #include <httplib.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
+#include <signal.h>
 #include <sys/socket.h>
 
 #include <memory>
@@ -19,6 +20,9 @@ namespace coretests {
 
 using Key = std::unique_ptr<EVP_PKEY, decltype(&EVP_PKEY_free)>;
 using Certificate = std::unique_ptr<X509, decltype(&X509_free)>;
+
+// Whoever is hung up on while he still writes has an error, as in the server, and not a signal.
+inline const auto nopipesignal = ::signal(SIGPIPE, SIG_IGN);
 
 // Issues certificates that are good where its own file is trusted, and nowhere else.
 class Authority {

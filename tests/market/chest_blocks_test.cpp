@@ -12,6 +12,9 @@ namespace {
 
 using containermenuguihelper::ListenRecorder;
 
+// Named here, or the archive that this program takes the menu from leaves it out.
+ordomart::opresult (*volatile const menu)(platform::ServerPlayer*) = &ordomart::openOrdomenu;
+
 struct Blocks {
     Stage stage;
     Actor& alice = stage.join("Alice", ada);

@@ -137,6 +137,13 @@ TEST(OwnerStories, AnOperatorManagesSomebodyElsesShop) {
     EXPECT_EQ(shop["recycles"]["recycleitems"][0]["offer"], 4);
     EXPECT_EQ(shop["sell"]["ownername"], "") << "the look was not hers";
     EXPECT_EQ(f.olga.money() + f.alice.money(), 2000);
+    // What an operator has added to the commission nobody has paid, and so nobody is paid back.
+    const auto added = shop["recycles"]["recycleitems"][0]["sponsored"].get<std::int64_t>();
+    EXPECT_GT(added, 0);
+    f.mymenu(f.alice, "change to recyl");
+    f.alice.presses("Adjust recycle commissions").presses("bread").fills({{"quantity you want", "0"}});
+    f.alice.dismisses();
+    EXPECT_EQ(f.olga.money() + f.alice.money(), 2000 + 4 * 6 - added);
 
     f.olga.types("ordomart resetmanage");
     EXPECT_TRUE(holds(f.header(f.olga), ":Olga"));

@@ -14,8 +14,9 @@ json rowsof(const json& shop, section kind) {
     const auto& rows = shop[kind == sells ? "items" : "recycleitems"];
     return rows.is_array() ? rows : json::array();
 }
+std::int64_t promised(const json& row) { return row.value("sponsored", std::int64_t{0}); }
 std::int64_t deposit(const json& row) {
-    return row["recycleitemleftwanna"].get<std::int64_t>() * row["offer"].get<std::int64_t>();
+    return row["recycleitemleftwanna"].get<std::int64_t>() * row["offer"].get<std::int64_t>() - promised(row);
 }
 pieces stored(const json& row) {
     pieces all;
@@ -268,7 +269,9 @@ private:
         demand(sum(added) == taken, "not what was taken is stored");
         demand(y_[place]["recycleitemleftwanna"] == x_[place]["recycleitemleftwanna"].get<std::int64_t>() - taken,
                "not what was taken is no longer wanted");
-        const auto rest = {"recycleditemnbtlist", "nowhasrecyclenum", "recycleitemleftwanna"};
+        demand(deposit(y_[place]) == std::min(deposit(x_[place]), deposit(y_[place]) + promised(y_[place])),
+               "a sale spends what was paid before what was promised");
+        const auto rest = {"recycleditemnbtlist", "nowhasrecyclenum", "recycleitemleftwanna", "sponsored"};
         demand(without(x_[place], rest) == without(y_[place], rest), "a sale changed the row");
         add(moved_, added, -1);
     }
@@ -312,6 +315,7 @@ private:
             for (const auto& row : rowsof(shop[sells], sells)) demand(row["shopitemleftnum"] >= 0, "a negative stock");
             for (const auto& row : rowsof(shop[recycles], recycles)) {
                 demand(row["recycleitemleftwanna"] >= 0, "less than nothing is wanted");
+                demand(promised(row) >= 0 && deposit(row) >= 0, "more is promised than is wanted");
                 demand(row["nowhasrecyclenum"] == sum(stored(row)), "the count of what waits is wrong");
             }
         }
