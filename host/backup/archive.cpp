@@ -103,12 +103,24 @@ ArchiveWriter::ArchiveWriter(fs::path file, std::function<void()> goeson)
     if (!out_.isopen()) fail(errno == EWOULDBLOCK ? "another backup is writing it" : std::strerror(errno));
     demand(archive_write_set_format_pax_restricted(archive_.get()));
     if (const auto filter = endingof(file_.filename())->filter) demand(filter(archive_.get()));
-    demand(archive_write_open_fd(archive_.get(), out_.number()));
+    demand(archive_write_set_bytes_in_last_block(archive_.get(), 1));
+    // The library loses a part of itself when it is told that a write has failed, and is not told.
+    demand(archive_write_open(
+        archive_.get(), this, nullptr,
+        [](struct archive*, void* self, const void* bytes, std::size_t size) {
+            static_cast<ArchiveWriter*>(self)->take({static_cast<const char*>(bytes), size});
+            return static_cast<la_ssize_t>(size);
+        },
+        nullptr));
+}
+
+void ArchiveWriter::take(std::string_view bytes) {
+    if (failure_ == 0 && !out_.write(bytes)) failure_ = errno != 0 ? errno : EIO;
 }
 
 ArchiveWriter::~ArchiveWriter() {
     if (archive_ == nullptr) return;
-    archive_write_fail(archive_.get());
+    failure_ = ECANCELED;  // what is still in the library's buffer goes nowhere
     ::unlink(part_.c_str());
 }
 
@@ -117,6 +129,7 @@ void ArchiveWriter::fail(const std::string& why) const {
 }
 
 void ArchiveWriter::demand(int result) const {
+    if (failure_ != 0) fail(std::strerror(failure_));
     if (result >= ARCHIVE_WARN) return;
     const int error = archive_errno(archive_.get());
     const char* const text = archive_error_string(archive_.get());
@@ -134,7 +147,7 @@ void ArchiveWriter::addheader(const std::string& name, const struct stat& status
 }
 
 void ArchiveWriter::write(std::string_view bytes) {
-    if (archive_write_data(archive_.get(), bytes.data(), bytes.size()) < 0) demand(ARCHIVE_FATAL);
+    demand(archive_write_data(archive_.get(), bytes.data(), bytes.size()) < 0 ? ARCHIVE_FATAL : ARCHIVE_OK);
 }
 
 void ArchiveWriter::adddirectory(const std::string& name, const struct stat& status) {

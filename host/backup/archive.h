@@ -64,6 +64,7 @@ public:
 private:
     void addheader(const std::string& name, const struct stat& status);
     void write(std::string_view bytes);
+    void take(std::string_view bytes);  // of the archive
     void rename();
     [[noreturn]] void fail(const std::string& why) const;
     void demand(int result) const;
@@ -71,6 +72,7 @@ private:
     const std::filesystem::path file_, part_;
     const std::function<void()> goeson_;
     Descriptor out_;
+    int failure_ = 0;  // of the first write that failed, from which on nothing is written
     ArchiveHandle archive_;
     std::string sums_, buffer_;
     std::size_t count_ = 0;
