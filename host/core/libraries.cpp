@@ -9,6 +9,7 @@
 #include "host/server.h"
 #include "host/world/worldparts.h"
 #include "platform/llmoney.h"
+#include "platform/logger.h"
 
 namespace host {
 
@@ -66,6 +67,21 @@ void require(bool opened, void* library, const std::string& path) {
     throw StartError(lasterror != nullptr ? lasterror() : path + ": the money library cannot open it");
 }
 
+// Under its own name a later world would take it over once more. One that was not taken over is somebody's money.
+void putaway(const std::string& former, bool isunused) {
+    const platform::Logger log("Server");
+    if (isunused) return log.put(platform::LogLevel::warn, former + ": not used, the world has accounts of its own");
+    std::string kept = former + ".moved";
+    for (int number = 2; std::filesystem::exists(kept); ++number) kept = former + ".moved" + std::to_string(number);
+    std::error_code failed;
+    std::filesystem::rename(former, kept, failed);
+    if (failed)
+        log.put(platform::LogLevel::warn,
+                former + ": taken over into the world, and cannot be renamed: " + failed.message());
+    else
+        log.put(platform::LogLevel::info, former + ": its accounts are in the world now; the file is kept as " + kept);
+}
+
 // False for a library that does not know how.
 bool joinworld(void* library, World& world, const std::string& former) {
     const auto open = entry<money::OpenInHost>(library, "LLMoneyOpenInHost");
@@ -75,11 +91,10 @@ bool joinworld(void* library, World& world, const std::string& former) {
     if (open == nullptr || entries.haschanges == nullptr || entries.writechanges == nullptr ||
         entries.changeswritten == nullptr)
         return false;
-    const auto& path = world.parts().file.path();
-    require(open(path.c_str(), former.c_str()), library, path);
-    // Taken over by now; under its own name a later world would take it over once more.
-    std::error_code missing;
-    std::filesystem::rename(former, former + ".moved", missing);
+    Database& file = world.parts().file;
+    const bool hasaccounts = file.hastable("llmoney_account");
+    require(open(file.path().c_str(), former.c_str()), library, file.path());
+    if (std::filesystem::exists(former)) putaway(former, hasaccounts);
     world.join(entries);
     return true;
 }

@@ -27,6 +27,7 @@ public:
     Database(const std::string& path, bool mustexist);
 
     [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] bool hastable(const std::string& name) const { return file_.tableExists(name); }
 
     template <class... A>
     void run(const std::string& sql, const A&... arguments) {

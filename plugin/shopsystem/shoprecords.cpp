@@ -105,12 +105,14 @@ void bringinrecords() {
         const std::lock_guard alone(left.mutex);
         left.all = found;
     }
-    Background::start([all = std::move(found)] {
+    const auto bringall = [all = std::move(found)] {
         for (const auto& [xuid, kind] : all) {
             if (Background::stopping()) return;
             ordomart::envelope([&, &owner = xuid, of = kind] { globalruntimeshopmanager.bringin(owner, of); });
         }
-    });
+    };
+    // Without a thread to be had they come in when they are asked for.
+    ordomart::envelope([&] { Background::start(bringall); });
 }
 
 std::optional<json> leftrecord(const std::string& xuid, int kind) {

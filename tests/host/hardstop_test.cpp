@@ -271,6 +271,9 @@ TEST_F(HardStop, WhatAStopCannotSaveIsToldAndThereAtTheNextStart) {
             SQLite::Database other(world, SQLite::OPEN_READWRITE);
             const SQLite::Transaction locked(other, SQLite::TransactionBehavior::IMMEDIATE);
             ASSERT_TRUE(buys(1));
+            EXPECT_EQ(api->post("/api/ticks", {{"count", 5}}).status, 200);
+            EXPECT_EQ(directory.get(std::string("plugins/Ordomart/log/") + shops[1].xuid + ".log"), "")
+                << "no line is ahead of its trade";
             process->kill(SIGTERM);
             EXPECT_EQ(process->wait(), 2);
         }
@@ -279,6 +282,31 @@ TEST_F(HardStop, WhatAStopCannotSaveIsToldAndThereAtTheNextStart) {
         EXPECT_THAT(errors, HasSubstr("server.unsaved.sql"));
         EXPECT_EQ(soldonfile(), Counts{}) << "no file is ahead of the world";
         accountsagree({});
+    }
+}
+
+// The accounts of a file of the library's own come into the world once, and no such file is ever lost.
+TEST(MoneyMoves, IntoTheWorldOnce) {
+    coretests::Directory directory;
+    const std::string former = (directory.path / "money.sqlite").string();
+    for (const int balance : {100, 7}) {
+        {
+            SQLite::Database file(former, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+            file.exec(
+                "CREATE TABLE llmoney_account (xuid TEXT PRIMARY KEY, balance INTEGER NOT NULL);"
+                "CREATE TABLE llmoney_history (id INTEGER PRIMARY KEY, payer, payee, value, time, note);"
+                "INSERT INTO llmoney_account VALUES ('5', " +
+                std::to_string(balance) + ")");
+        }
+        auto options = coretests::manually(directory);
+        options.newworld = true;
+        host::Server server(options);
+        server.start();
+        server.run([&] { EXPECT_EQ(host::Money(*server.services().libraries).get("5"), 100); });
+        server.stop();
+        EXPECT_TRUE(std::filesystem::exists(former + ".moved"));
+        EXPECT_EQ(std::filesystem::exists(former), balance == 7) << "what is not taken over stays where it is";
+        EXPECT_EQ(directory.get("server.log").find("not used") != std::string::npos, balance == 7);
     }
 }
 
