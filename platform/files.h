@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +15,18 @@ struct FileStamp {
     std::uint64_t file = 0, size = 0;  // which file has the name, and its length
     std::int64_t modified = 0, changed = 0;
     bool operator==(const FileStamp&) const = default;
+};
+
+// Which files of a directory have changed since one asked last. One thread at a time.
+class DirectoryWatch {
+public:
+    virtual ~DirectoryWatch() = default;
+    struct Changes {
+        bool all = false;                // anything may have changed: look at every file
+        std::vector<std::string> names;  // else these, sorted, each once; made, changed, replaced or gone
+    };
+    // The first answer is `all`. What was written before the call is in this answer or was in one before.
+    virtual Changes take() = 0;
 };
 
 class Files {
@@ -35,6 +48,8 @@ public:
     virtual bool remove(const std::string& path) = 0;
     // Names (not paths) of the plain files in a directory, sorted; empty when it is missing.
     [[nodiscard]] virtual std::vector<std::string> list(const std::string& directory) const = 0;
+    // Null where the host has none for this directory: watchDirectory() (directorywatch.h) then does without.
+    [[nodiscard]] virtual std::unique_ptr<DirectoryWatch> watch(const std::string&) { return nullptr; }
 };
 
 [[nodiscard]] std::vector<std::string> GetFileNameList(const std::string& directory);

@@ -7,6 +7,8 @@
 #include <functional>
 
 #include "host/core/descriptor.h"
+#include "host/core/directorywatch.h"
+#include "host/core/filestamp.h"
 #include "host/core/paths.h"
 
 namespace fs = std::filesystem;
@@ -63,8 +65,6 @@ std::optional<fs::path> behindlinks(fs::path path) {
     return std::nullopt;
 }
 
-std::int64_t nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
-
 bool writewhole(const fs::path& path, std::string_view content, const fs::path& modelof) {
     Descriptor file(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC);
     if (!file.isopen()) return false;
@@ -89,10 +89,7 @@ bool DiskFiles::exists(const std::string& path) const {
 
 std::optional<platform::FileStamp> DiskFiles::stamp(const std::string& path) const {
     const auto target = below(root_, path);
-    struct stat status {};
-    if (!target || ::stat(target->c_str(), &status) != 0) return std::nullopt;
-    return platform::FileStamp{status.st_ino, static_cast<std::uint64_t>(status.st_size), nanoseconds(status.st_mtim),
-                               nanoseconds(status.st_ctim)};
+    return target ? stampof(*target) : std::nullopt;
 }
 
 bool DiskFiles::makeDirectory(const std::string& path) {
@@ -155,6 +152,11 @@ std::vector<std::string> DiskFiles::list(const std::string& directory) const {
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+std::unique_ptr<platform::DirectoryWatch> DiskFiles::watch(const std::string& directory) {
+    const auto target = below(root_, directory);
+    return target ? watchdirectory(*target) : nullptr;
 }
 
 }  // namespace host

@@ -25,6 +25,7 @@ public:
     bool replace(const std::string& path, std::string_view content) override;
     bool remove(const std::string& path) override;
     [[nodiscard]] std::vector<std::string> list(const std::string& directory) const override;
+    [[nodiscard]] std::unique_ptr<platform::DirectoryWatch> watch(const std::string& directory) override;
 
 private:
     [[nodiscard]] FrozenFiles::Change changing(const std::filesystem::path& file, const std::string& path);

@@ -1,6 +1,8 @@
 // Files, log files and translation tables.
+#include <algorithm>
 #include <thread>
 
+#include "platform/directorywatch.h"
 #include "platform/files.h"
 #include "platform/library.h"
 #include "platform/logger.h"
@@ -54,6 +56,30 @@ TEST_P(Conformance, FilesAreReplacedWholeReadAndListed) {
         EXPECT_TRUE(seen == "0123456789" || seen == contents[0] || seen == contents[1]);
     }
     for (auto& writer : writers) writer.join();
+}
+
+TEST_P(Conformance, ChangedFilesAreTold) {
+    start();
+    platform::Files& files = *server->services().files;
+    ASSERT_TRUE(files.makeDirectory("conformance"));
+    ASSERT_TRUE(files.replace("conformance/there.json", "1"));
+    const auto watch = platform::watchDirectory("conformance");
+    ASSERT_NE(watch, nullptr);
+    EXPECT_TRUE(watch->take().all) << "the first answer";
+    // More names may come: a host without stamps tells every file.
+    const auto expect = [&](const Names& changed) {
+        const auto [all, names] = watch->take();
+        EXPECT_FALSE(all) << "the directory is there, and little has happened";
+        EXPECT_TRUE(std::adjacent_find(names.begin(), names.end(), std::greater_equal<>()) == names.end()) << "sorted";
+        EXPECT_TRUE(std::includes(names.begin(), names.end(), changed.begin(), changed.end()))
+            << testing::PrintToString(names) << " lacks some of " << testing::PrintToString(changed);
+    };
+    for (const char* name : {"b.json", "a.json", "b.json"})
+        ASSERT_TRUE(files.replace(std::string("conformance/") + name, "new"));
+    expect({"a.json", "b.json"});
+    ASSERT_TRUE(files.replace("conformance/b.json", "longer"));
+    ASSERT_TRUE(files.remove("conformance/there.json"));
+    expect({"b.json", "there.json"});
 }
 
 TEST_P(Conformance, LogLinesReachTheirFile) {
