@@ -1,19 +1,16 @@
-// The filter language, and the two ways of holding a filter against a row.
+// The two ways of holding a filter against a row.
 #include "plugin/shopsystem/shopfilter.h"
 
 #include <exception>
-#include <string_view>
 
 #include "plugin/shopsystem/rowkinds.h"
+#include "plugin/shopsystem/textfilter.h"
 
 namespace shopsystem {
 
 namespace {
 
-constexpr std::string_view separator = "{||}";
 constexpr std::int32_t notset = -1;
-
-bool contains(std::string_view source, std::string_view part) { return source.find(part) != std::string_view::npos; }
 
 bool passes(const minimum& demanded) { return demanded.first <= demanded.second; }
 
@@ -38,29 +35,15 @@ bool passfields(const shopfilter& filter, const typename Rows::row& row, const S
 }  // namespace
 
 bool filterstring(const std::string& mfilter, const std::string& sourcestr) {
-    std::size_t lastflag = 0;  // start of the present alternative
-    std::size_t orflag = 0;    // the separator behind it
+    alternatives filter(mfilter);
     try {
-        const std::string_view filter = mfilter;
-        for (orflag = filter.find(separator); orflag != std::string_view::npos;
-             orflag = filter.find(separator, lastflag)) {
-            if (orflag != 0 && filter[orflag - 1] == '$') {
-                if (filter.substr(lastflag, orflag - 1 - lastflag) == sourcestr) return true;
-            } else if (contains(sourcestr, filter.substr(lastflag, orflag - lastflag))) {
-                return true;
-            }
-            lastflag = orflag + separator.size();
-            if (lastflag >= filter.size()) return false;
-        }
-        std::string_view last = filter.substr(lastflag);
-        if (!last.ends_with('$')) return contains(sourcestr, last);
-        last.remove_suffix(1);
-        return last == sourcestr;
+        while (const auto wanted = filter.next())
+            if (wanted->passes(sourcestr)) return true;
     } catch (const std::exception&) {
         ordomart::logger.error("unkownerror in filterstring,mfilter:{},sourcestr:{},orflag:{},lastflag:{}", mfilter,
-                               sourcestr, orflag, lastflag);
-        return false;
+                               sourcestr, filter.orflag, filter.lastflag);
     }
+    return false;
 }
 
 bool passfilter(const shopfilter& filter, const globalsellshopitem& row, int mode) {

@@ -1,8 +1,12 @@
 // The filter language, and what a filter lets through.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <random>
+
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/shopfilter.h"
+#include "plugin/shopsystem/textfilter.h"
 #include "tests/market/shophost.h"
 
 using namespace shopsystem;
@@ -43,6 +47,98 @@ TEST(FilterString, AlternativesAreParts_OrWholesWithADollar) {
         {food, "cookies", false},
     };
     for (const auto& c : cases) EXPECT_EQ(filterstring(c.filter, c.source), c.passes) << c.filter << " : " << c.source;
+}
+
+// The language, step by step, and without a line of the market.
+bool bydefinition(const std::string& filter, const std::string& source) {
+    const auto contained = [&](const std::string& part) { return source.find(part) != std::string::npos; };
+    std::size_t pos = 0, separator = filter.find("{||}");
+    while (separator != std::string::npos) {
+        if (separator != 0 && filter[separator - 1] == '$') {
+            if (filter.substr(pos, separator - 1 - pos) == source) return true;
+        } else if (contained(filter.substr(pos, separator - pos))) {
+            return true;
+        }
+        pos = separator + 4;
+        if (pos >= filter.size()) return false;
+        separator = filter.find("{||}", pos);
+    }
+    if (pos > filter.size() - 1) return false;
+    if (!filter.empty() && filter.back() == '$') return filter.substr(pos, filter.size() - 1 - pos) == source;
+    return contained(filter.substr(pos));
+}
+
+// Few letters, so that matches are many and often run across the border of two texts; what stands before the first text
+// and behind the last is made of the same letters.
+TEST(TextFilter, SaysWhatTheDefinitionSays_OneByOneAndManyAtOnce) {
+    using namespace std::string_literals;
+    const std::array pieces = {""s,     "$"s,  "{||}"s, "{||"s,      "}"s,
+                               "a"s,    "b"s,  "ab"s,   "aab"s,      "ba"s,
+                               "苹果"s, "果"s, "\0"s,   "\xe6\x9e"s, std::string(61, 'z'),
+                               "{||}"s, "$x"s, "苹"s,   "b\0a"s,     "z"s};
+    std::mt19937 random(5);
+    const auto below = [&](std::size_t n) { return random() % n; };
+    const auto write = [&](std::size_t atmost) {
+        std::string text;
+        for (std::size_t n = below(atmost + 1); n > 0; --n) text += pieces[below(pieces.size())];
+        return text;
+    };
+    std::size_t hits = 0, misses = 0;
+    for (int round = 0; round < 100'000; ++round) {
+        const std::string filter = write(9);
+        std::vector<std::string> texts(round % 1000 == 0 ? 1100 + below(100) : below(9));
+        std::string bytes = write(3);
+        std::vector<std::uint32_t> offsets{static_cast<std::uint32_t>(bytes.size())};
+        for (auto& text : texts) {
+            text = write(4);
+            if (below(8) == 0) text = filter.substr(0, filter.find_first_of("${"));
+            bytes += text;
+            offsets.push_back(static_cast<std::uint32_t>(bytes.size()));
+        }
+        std::vector<char> store;
+        store.reserve(bytes.size() + textfilter::slack);  // not a byte more, for a sanitizer to watch
+        store.assign(bytes.begin(), bytes.end());
+        for (std::size_t i = 0; i < textfilter::slack; ++i)
+            store.push_back(filter.empty() ? 'a' : filter[i % filter.size()]);
+
+        const textfilter read(filter);
+        ASSERT_EQ(read.isset(), !filter.empty());
+        const std::size_t first = below(130);
+        std::vector<std::uint64_t> marked((first + texts.size()) / 64 + 2);
+        for (auto& word : marked) word = random() & random();
+        auto expected = marked;
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            const bool wanted = bydefinition(filter, texts[i]);
+            ++(wanted ? hits : misses);
+            if (wanted) expected[(first + i) / 64] |= std::uint64_t{1} << (first + i) % 64;
+            ASSERT_EQ(read.passes(texts[i]), wanted) << filter << " : " << texts[i];
+            ASSERT_EQ(filterstring(filter, texts[i]), wanted) << filter << " : " << texts[i];
+        }
+        read.mark(store.data(), offsets, marked, first);
+        ASSERT_EQ(marked, expected) << filter << " : " << bytes << " (round " << round << ")";
+    }
+    EXPECT_GT(hits, 100'000u);
+    EXPECT_GT(misses, 100'000u);
+}
+
+// Long texts, in which most blocks of positions hold nothing: each place of a match, and of the border that cuts one.
+TEST(TextFilter, FindsAMatchAtEveryPlaceAndNoneAcrossABorder) {
+    const textfilter read("diamond sword{||}钻石");
+    for (std::size_t place = 0; place < 200; ++place) {
+        for (const std::string match : {"diamond sword", "钻石"}) {
+            const std::string bytes = std::string(place, '.') + match + std::string(150, '.') + match;
+            for (std::size_t cut = 0; cut <= match.size(); ++cut) {
+                const std::array offsets = {0u, static_cast<std::uint32_t>(place + cut),
+                                            static_cast<std::uint32_t>(bytes.size() - 150 - match.size()),
+                                            static_cast<std::uint32_t>(bytes.size() - 1),
+                                            static_cast<std::uint32_t>(bytes.size())};
+                const std::string store = bytes + std::string(textfilter::slack, '.');
+                std::uint64_t bits = 0;
+                read.mark(store.data(), offsets, {&bits, 1}, 0);
+                ASSERT_EQ(bits, (cut == match.size() ? 1u : 0u) | (cut == 0 ? 2u : 0u)) << match << place << ' ' << cut;
+            }
+        }
+    }
 }
 
 TEST(PassFilter, AllFieldsOrAny) {
