@@ -40,7 +40,7 @@ bool showshop(const press& at) {
 
 template <class Rows, class Shop>
 void prepare(const viewer& who) {
-    prepareshops<Rows, Shop>(who.xuid, [&who](Shop& shop) { return cardtext(shop, who.language); });
+    prepareshops<Rows, Shop>(who.xuid, who.reload, [&who](Shop& shop) { return cardtext(shop, who.language); });
 }
 
 constexpr const char *sellprivate = "Its should not happen! in globalsellshopfilterbyplayerprehandlermain",
@@ -62,6 +62,7 @@ constexpr goodsview sellview{
     .closed = &containermenuguihelper::playerlisthandler,
     .plan = {.place = "globalsellshopfilterbyplayerprehandlermain",
              .prepare = &prepare<sellrows, sellshop>,
+             .preparesalways = true,
              .drawhead = &drawsign,
              .onetask = true,
              .ticks = 1},
@@ -79,6 +80,7 @@ constexpr goodsview recycleview{
     .closed = &containermenuguihelper::playerlisthandler,
     .plan = {.place = "globalrecycleshopfilterbyplayerprehandlermain",
              .prepare = &prepare<recyclerows, recycleshop>,
+             .preparesalways = true,
              .drawhead = &drawsign,
              .onetask = true,
              .ticks = 1},

@@ -3,6 +3,7 @@
 #include "plugin/shopsystem/baseshop.h"
 
 #include "platform/clock.h"
+#include "plugin/shopsystem/catalogue.h"
 #include "plugin/shopsystem/jsonfields.h"
 #include "plugin/shopsystem/shoprecords.h"
 
@@ -84,11 +85,18 @@ std::string baseshop::getbanreason() const {
     return reason == shopstate.end() || reason->is_null() ? std::string() : reason->get<std::string>();
 }
 
+std::optional<std::int64_t> baseshop::banend() const {
+    const auto end = shopstate.find("bantimeend");
+    if (end == shopstate.end() || end->is_null() || end->get<std::int64_t>() == forever) return std::nullopt;
+    return end->get<std::int64_t>();
+}
+
 void baseshop::markshopchanged() {
     idleticks = 0;
     ++revision;
     isdirty = true;
     putrecord(*this);
+    catalogueof(kind()).changed(xuid);
 }
 
 }  // namespace shopsystem

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
 #include "plugin/base/globals.h"
@@ -42,6 +43,8 @@ public:
     bool isbanned();
     void setbanstate(bool banned, std::int64_t timeend, const std::string& reason);
     [[nodiscard]] std::string getbanreason() const;
+    // When the ban lifts itself, in Unix seconds; nothing for one that does not.
+    [[nodiscard]] std::optional<std::int64_t> banend() const;
     // Ends every change of a shop: not idle, one revision further, in the records of this pass, and to be saved.
     void markshopchanged();
 

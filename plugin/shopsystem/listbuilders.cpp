@@ -17,6 +17,7 @@ namespace shopsystem {
 struct builderpool::job {
     listerrand errand;
     std::optional<listorder> list;
+    std::shared_ptr<void> oldrows;  // may be what is found again
     std::atomic<bool> dropped = false;
 
     [[nodiscard]] bool isquick() const { return !list && !errand.isslow; }
@@ -35,22 +36,20 @@ struct builderpool::party {
 
 void builderpool::order(listerrand errand) {
     const auto added = std::make_shared<job>();
-    std::shared_ptr<void> oldrows;
     if (errand.list) {
         auto& state = getplayershopstate(errand.xuid);
         added->list = orderlist(state, *errand.list, errand.shop);
-        oldrows = emptylist(state, *errand.list);
+        added->oldrows = emptylist(state, *errand.list);
     }
     added->errand = std::move(errand);
 
     std::unique_lock lock(mutex_);
-    if (oldrows != nullptr) waste_.push_back(std::move(oldrows));
     const auto before = std::find_if(waiting_.begin(), waiting_.end(),
                                      [&](const auto& each) { return each->errand.session == added->errand.session; });
     if (before == waiting_.end())
         waiting_.push_back(added);
     else
-        *before = added;
+        waste_.push_back(std::exchange(*before, added));
     // Whoever has his first one in work comes to it.
     if (isinwork(added->errand.session)) return;
     try {
@@ -160,9 +159,7 @@ bool listwork::goeson() {
 bool listwork::makelist() {
     if (party_.walk == nullptr) {
         auto walk = walkfor(*job_.list);
-        // To a single viewer his own shop is never shown; it need not be read.
-        const auto& leftout = party_.members.size() == 1 ? job_.errand.xuid : std::string();
-        if (!walk->run(leftout, [this] { return goeson(); })) return false;
+        if (!walk->run([this] { return goeson(); })) return false;
         party_.walk = std::move(walk);
     }
     return party_.walk->deliver(job_.errand.xuid, [this] { return !job_.dropped; });

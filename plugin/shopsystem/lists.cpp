@@ -1,7 +1,7 @@
 // One player's lists, and their orders.
 #include "plugin/shopsystem/lists.h"
 
-#include <iterator>
+#include <algorithm>
 #include <utility>
 
 #include "platform/turn.h"
@@ -22,36 +22,29 @@ void prepare(const std::string& playerxuid, listkind kind, const std::string& sh
     };
     const auto always = [] { return true; };
     const auto walk = walkfor(begin());
-    walk->run(playerxuid, always);
+    walk->run(always);
     walk->deliver(playerxuid, always);
-}
-
-template <class Row>
-using order = bool (*)(const Row&, const Row&);
-
-template <class Row, auto Field>
-bool by(const Row& left, const Row& right) {
-    return left.*Field < right.*Field;
 }
 
 template <class Rows>
 void sortlist(playershopstate& state) {
     using row = typename Rows::row;
-    static constexpr order<row> orders[] = {nullptr, by<row, Rows::name>, by<row, Rows::tag>, by<row, Rows::left>,
-                                            by<row, Rows::price>};
     auto& list = state.*Rows::list;
+    readlist<row> before;
     std::uint8_t step = 0;
-    readlist<row> asread;
+    std::int32_t page = 0;
     {
         const Turn turn;
         step = state.filterstep;
-        if (step >= std::size(orders) || orders[step] == nullptr || list.isarranged(step)) return;
-        asread = list;
+        page = std::max(state.*Rows::page, 0);
+        if (step >= sortsteps) return;
+        before = list;
     }
-    auto sorted = asread;
-    sorted.arrange(step, orders[step]);
+    auto sorted = before;
+    if (step != asread && sorted.order() != step) sorted.arrange(static_cast<sortstep>(step));
+    sorted.openpage(static_cast<std::size_t>(page));
     const Turn turn;
-    if (list == asread) std::swap(list, sorted);
+    if (list == before) std::swap(list, sorted);
 }
 
 }  // namespace

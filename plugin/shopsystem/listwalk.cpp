@@ -2,12 +2,10 @@
 #include "plugin/shopsystem/listwalk.h"
 
 #include <algorithm>
-#include <exception>
 #include <utility>
-#include <vector>
 
 #include "platform/turn.h"
-#include "plugin/shopsystem/brokenshops.h"
+#include "plugin/shopsystem/catalogue.h"
 #include "plugin/shopsystem/rowkinds.h"
 
 namespace shopsystem {
@@ -22,42 +20,38 @@ enum class source {
 
 struct walkrules {
     source shops;
-    bool bantest = false;     // no rows of a banned shop
-    bool publicrows = false;  // no private ones
+    bool publicrows = false;  // neither private ones nor those of a banned shop
     bool searches = false;    // a search, while one is set, applies as well
     bool endssearch = false;  // and is used up
     bool appends = false;     // behind the rows that are there: the caller empties the list
 };
-constexpr walkrules everyshop{
-    .shops = source::everyshop, .bantest = true, .publicrows = true, .searches = true, .endssearch = true};
-constexpr walkrules systemsell{.shops = source::systemshop, .bantest = true, .publicrows = true, .searches = true};
-constexpr walkrules systemrecycle{
-    .shops = source::systemshop, .bantest = true, .publicrows = true, .searches = true, .appends = true};
+constexpr walkrules everyshop{.shops = source::everyshop, .publicrows = true, .searches = true, .endssearch = true};
+constexpr walkrules systemsell{.shops = source::systemshop, .publicrows = true, .searches = true};
+constexpr walkrules systemrecycle{.shops = source::systemshop, .publicrows = true, .searches = true, .appends = true};
 constexpr walkrules singleshop{.shops = source::oneshop};
-
-// A long shop is read in several turns, so that the server thread never waits for the whole of it.
-constexpr int rowsperturn = 64;
 
 template <class Rows>
 class walk final : public listwalk {
 public:
     using row = typename Rows::row;
-    using pile = typename readlist<row>::pile;
 
     walk(const walkrules& rules, const listorder& order) : rules_(rules), order_(order) {}
 
-    bool run(const std::string& leftout, const question& goeson) override {
-        auto found = std::make_shared<pile>();
-        for (const auto& shop : shops()) {
-            if (!goeson()) return false;
-            if (!iseveryshop() || (!shop.empty() && shop != leftout)) visit(shop, *found);
-        }
-        found_ = std::move(found);
+    bool run(const question& goeson) override {
+        auto& all = catalogueof(Rows::type);
+        const auto among = all.uptodate(goeson, order_.shop);
+        if (among == nullptr) return false;
+        found_ = all.find(among, {.issell = Rows::type == sell,
+                                  .shop = order_.shop,
+                                  .publicrows = rules_.publicrows,
+                                  .standing = order_.standing,
+                                  .searching = order_.searching,
+                                  .search = order_.search});
         return true;
     }
 
     bool deliver(const std::string& xuid, const question& iswanted) const override {
-        readlist<row> made(found_, iseveryshop() ? xuid : std::string());
+        readlist<row> made(found_, rules_.shops == source::everyshop ? leftoutfor(xuid) : std::vector<std::string>());
         // Made in front of the turn and with the old rows freed behind it.
         const Turn turn;
         if (!iswanted()) return false;
@@ -72,59 +66,9 @@ public:
     }
 
 private:
-    [[nodiscard]] bool iseveryshop() const { return rules_.shops == source::everyshop; }
-    [[nodiscard]] std::vector<std::string> shops() const {
-        return iseveryshop() ? shopfilekeys() : std::vector{order_.shop};
-    }
-
-    // A following getshop finds the shop in the cache: it is read here, outside of the turns.
-    void visit(const std::string& shop, pile& found) {
-        pile rows;
-        try {
-            globalruntimeshopmanager.bringin(shop, Rows::type);
-            for (int place = 0; place >= 0;) place = take(shop, place, rows);
-        } catch (const std::exception& e) {
-            const Turn turn;
-            reportbroken(shop, Rows::type, e.what());
-        }
-        std::move(rows.begin(), rows.end(), std::back_inserter(found));
-    }
-
-    // Where the next turn goes on; -1 when there is nothing more.
-    int take(const std::string& shopxuid, int first, pile& rows) {
-        const Turn turn;
-        auto& shop = Rows::shop(shopxuid);
-        const json& records = shop.*Rows::records;
-        const bool isout = (rules_.bantest && shop.isbanned()) ||
-                           (iseveryshop() && shop.issystemshop && !ordomart::enablesystemshopinglobalshop);
-        if (isout || !records.is_array()) {
-            rows.clear();  // banned while it was being read
-            return -1;
-        }
-        const int size = static_cast<int>(records.size());
-        const int last = std::min(size, first + rowsperturn);
-        std::vector<row> kept;
-        kept.reserve(static_cast<std::size_t>(last - first));
-        for (int place = first; place < last; ++place) {
-            unlessbroken(shop, Rows::type, [&] {
-                auto next = Rows::at(shop, place);
-                if (iswanted(next, shop)) kept.push_back(std::move(next));
-            });
-        }
-        kept.shrink_to_fit();
-        if (!kept.empty()) rows.push_back(std::move(kept));
-        return last < size ? last : -1;
-    }
-    template <class Shop>
-    [[nodiscard]] bool iswanted(const row& good, const Shop& shop) const {
-        if (rules_.publicrows && !good.allowbesearched) return false;
-        if (!passfilter(order_.standing, good, shop, allof)) return false;
-        return !order_.searching || passfilter(order_.search, good, shop, anyof);
-    }
-
     const walkrules& rules_;
     const listorder order_;
-    std::shared_ptr<const pile> found_;
+    std::shared_ptr<const foundrows> found_;
 };
 
 template <class Rows>
@@ -168,6 +112,12 @@ listorder orderlist(playershopstate& state, listkind kind, const std::string& on
 std::shared_ptr<void> emptylist(playershopstate& state, listkind kind) {
     const auto& row = rowof(kind);
     return row.rules.appends ? nullptr : row.take(state);
+}
+
+std::vector<std::string> leftoutfor(const std::string& xuid) {
+    std::vector<std::string> shops{xuid};
+    if (!ordomart::enablesystemshopinglobalshop) shops.emplace_back(ordomart::systemshopid);
+    return shops;
 }
 
 std::unique_ptr<listwalk> walkfor(const listorder& order) {

@@ -1,14 +1,19 @@
-// The rows that a player looks at. Whoever draws or trades asks for the size and for row i; what is inside is this
-// class's own affair: rows that were read once and never change, and for each list a handle of 8 bytes a row. Lists
-// that were made by one walk share its rows. Pages hold 26 rows.
+// The rows that a player looks at. Whoever draws or trades asks it for its size and for row i; what is inside is this
+// class's own affair: runs over the rows of the catalogue, which it keeps as they were when it was made, and the page
+// that was looked at last, ready to be read. Pages hold 26 rows. Reached only in a turn, but for a copy that nobody
+// else has.
 #pragma once
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "plugin/shopsystem/listfind.h"
 
 namespace shopsystem {
 
@@ -17,50 +22,76 @@ inline constexpr int pagesize = 26;
 template <class Row>
 class readlist {
 public:
-    using handle = const Row*;
-    // Rows as they were read, in batches of one shop each; no batch is empty.
-    using pile = std::vector<std::vector<Row>>;
-
     readlist() = default;
-    // All rows of the pile but those of one owner.
-    readlist(std::shared_ptr<const pile> rows, const std::string& leftout) {
-        std::size_t most = 0;
-        for (const auto& batch : *rows) most += batch.size();
-        shown_.reserve(most);
-        for (const auto& batch : *rows) {
-            if (batch.front().xuid == leftout) continue;
-            for (const Row& row : batch) shown_.push_back(&row);
-        }
-        if (!shown_.empty()) piles_.push_back(std::move(rows));
+    // All rows that were found but those of some shops.
+    readlist(std::shared_ptr<const foundrows> found, std::vector<std::string> leftout) {
+        sources_.push_back({std::move(found), std::move(leftout)});
+        arrange(asread);
     }
 
-    [[nodiscard]] std::size_t size() const { return shown_.size(); }
-    [[nodiscard]] bool holds(std::int64_t i) const { return i >= 0 && i < static_cast<std::int64_t>(shown_.size()); }
-    [[nodiscard]] Row row(std::size_t i) const { return *shown_.at(i); }
+    [[nodiscard]] std::size_t size() const { return runs_ == nullptr ? 0 : runs_->size(); }
+    [[nodiscard]] bool holds(std::int64_t i) const { return i >= 0 && i < static_cast<std::int64_t>(size()); }
+    [[nodiscard]] Row row(std::size_t i) const {
+        if (i >= size()) throw std::out_of_range("readlist: no such row");
+        if (i < pagefirst_ || i >= pagefirst_ + page_.size()) openpage(i / pagesize);
+        return page_[i - pagefirst_];
+    }
     // The memory goes back, too.
     void clear() { *this = readlist(); }
     void append(const readlist& other) {
-        piles_.insert(piles_.end(), other.piles_.begin(), other.piles_.end());
-        shown_.insert(shown_.end(), other.shown_.begin(), other.shown_.end());
-        arrangedby_ = 0;
+        sources_.insert(sources_.end(), other.sources_.begin(), other.sources_.end());
+        arrange(asread);
     }
     // The number of the last page. A list of exactly 26 rows has an empty second one.
-    [[nodiscard]] std::int32_t lastpage() const { return static_cast<std::int32_t>(shown_.size()) / pagesize; }
+    [[nodiscard]] std::int32_t lastpage() const { return static_cast<std::int32_t>(size()) / pagesize; }
 
-    // What ties keeps its order. `step` names the order, so that a list that is in it already is left alone.
-    template <class Before>
-    void arrange(std::uint8_t step, Before before) {
-        std::stable_sort(shown_.begin(), shown_.end(), [&](handle a, handle b) { return before(*a, *b); });
-        arrangedby_ = step;
+    // Ties are in the order of the files.
+    void arrange(sortstep step) {
+        auto runs = std::make_shared<rowruns>(step);
+        for (const auto& from : sources_) {
+            const auto shown = without(from.found->inorder(step), from.leftout);
+            for (const auto& run : shown.all()) runs->add(run);
+        }
+        runs_ = std::move(runs);
+        page_.clear();
     }
-    [[nodiscard]] bool isarranged(std::uint8_t step) const { return arrangedby_ == step; }
-    // The same rows in the same order.
-    bool operator==(const readlist& other) const { return shown_ == other.shown_; }
+    [[nodiscard]] sortstep order() const { return runs_ == nullptr ? asread : runs_->step(); }
+    // Reads the rows of a page, so that whoever asks for them need not look for them.
+    void openpage(std::size_t page) const {
+        page_.clear();
+        pagefirst_ = page * pagesize;
+        if (runs_ == nullptr) return;
+        for (const auto& [run, number] : runs_->page(pagefirst_, pagesize)) {
+            const auto [block, i] = run->of->at(number);
+            page_.emplace_back();
+            if (sources_.front().found->isofshops())
+                readshop(block, page_.back());
+            else
+                readrow(block, i, page_.back());
+        }
+    }
+    // The first row of the open page, and the one behind its last.
+    [[nodiscard]] std::pair<std::size_t, std::size_t> pagebounds() const {
+        return {pagefirst_, pagefirst_ + page_.size()};
+    }
+    // The stack that stands for a shop, row i of the open page.
+    void dress(std::size_t i, std::string itemnbt) { page_.at(i - pagefirst_).itemnbt = std::move(itemnbt); }
+    // Of the same rows in the same order, but for the shops that are left out.
+    bool operator==(const readlist& other) const {
+        const auto isequal = [](const source& a, const source& b) { return a.found == b.found; };
+        return order() == other.order() &&
+               std::equal(sources_.begin(), sources_.end(), other.sources_.begin(), other.sources_.end(), isequal);
+    }
 
 private:
-    std::vector<std::shared_ptr<const pile>> piles_;  // keep what the handles point to
-    std::vector<handle> shown_;
-    std::uint8_t arrangedby_ = 0;  // 0: as read
+    struct source {
+        std::shared_ptr<const foundrows> found;
+        std::vector<std::string> leftout;
+    };
+    std::vector<source> sources_;
+    std::shared_ptr<const rowruns> runs_;
+    mutable std::vector<Row> page_;
+    mutable std::size_t pagefirst_ = 0;
 };
 
 }  // namespace shopsystem

@@ -92,6 +92,7 @@ private:
             other->isdirty = true;
             other->idleticks = 0;
         }
+        catalogueof(sectionof<Shop>).changed(xuid);
         return shops_.insert(xuid, std::move(fresh.shop));
     }
 
@@ -136,6 +137,10 @@ baseshop* runtimeshopmanager::cached(const std::string& xuid, int type) {
 
 void runtimeshopmanager::bringin(const std::string& xuid, int type) {
     maps_->oftype(type, [&](auto& kind) { kind.bring(xuid); });
+}
+
+void runtimeshopmanager::askforall(int type) {
+    maps_->oftype(type, [](auto& kind) { kind.saves.askforall(); });
 }
 
 void runtimeshopmanager::tick() {

@@ -28,6 +28,8 @@ public:
     // Background threads, not in a turn: brings a shop in, with reading and parsing outside of the turn, so that a
     // following getshop finds it. Throws what getshop throws.
     void bringin(const std::string& xuid, int type);
+    // In a turn: as if every shop in the cache had been asked for.
+    void askforall(int type);
     // One pass over both maps, each second, on the server thread; touches no file.
     void tick();
     // Orderly stop: enqueues a save of whatever has not reached its file. As often as something may have changed.

@@ -1,53 +1,51 @@
-// A shop that cannot be read is told and left out.
+// The shops come from the catalogue, and only those of the page are looked at themselves.
 #include "plugin/shopsystem/shoprows.h"
 
 #include "platform/turn.h"
 #include "plugin/shopsystem/brokenshops.h"
+#include "plugin/shopsystem/catalogue.h"
+#include "plugin/shopsystem/listwalk.h"
 
 namespace shopsystem {
 
-namespace {
-
-bool hasnothing(const sellshop& shop) { return shop.issoldout(); }
-bool hasnothing(const recycleshop& shop) { return shop.isfulfilled(); }
-
-template <class Shop>
-bool isshown(Shop& shop) {
-    if (shop.issystemshop && !ordomart::enablesystemshopinglobalshop) return false;
-    return !shop.isbanned() && !hasnothing(shop);
-}
-
-}  // namespace
-
 template <class Rows, class Shop>
-void prepareshops(const std::string& playerxuid, const std::function<std::string(Shop&)>& cardof) {
-    using row = typename Rows::row;
-    auto found = std::make_shared<typename readlist<row>::pile>();
-    for (const std::string& owner : shopfilekeys()) {
-        if (owner.empty() || owner == playerxuid) continue;
+void prepareshops(const std::string& playerxuid, bool anew, const std::function<std::string(Shop&)>& cardof) {
+    using list = readlist<typename Rows::row>;
+    if (anew) {
+        auto& all = catalogueof(Rows::type);
+        list made(all.find(all.uptodate([] { return true; }), {.issell = Rows::type == sell, .shopsalone = true}),
+                  leftoutfor(playerxuid));
+        const Turn turn;
+        std::swap(getplayershopstate(playerxuid).*Rows::list, made);
+    }
+    list shown;
+    {
+        const Turn turn;
+        auto& state = getplayershopstate(playerxuid);
+        shown = state.*Rows::list;
+        const bool islost = state.shoplistpage < 0 || state.shoplistpage > shown.lastpage();
+        shown.openpage(islost ? 0 : static_cast<std::size_t>(state.shoplistpage));
+    }
+    const auto before = shown;
+    const auto [first, end] = shown.pagebounds();
+    for (auto i = first; i < end; ++i) {
+        const auto owner = shown.row(i).xuid;
         try {
             globalruntimeshopmanager.bringin(owner, Rows::type);
             const Turn turn;
-            auto& shop = Rows::shop(owner);
-            if (!isshown(shop)) continue;
-            row one;
-            one.itemnbt = cardof(shop);
-            one.allowbesearched = true;
-            one.xuid = owner;
-            one.shopname = shop.shopname;
-            one.revision = shop.revision;
-            found->push_back({std::move(one)});
+            shown.dress(i, cardof(Rows::shop(owner)));
         } catch (const std::exception& e) {
             const Turn turn;
             reportbroken(owner, Rows::type, e.what());
         }
     }
     const Turn turn;
-    getplayershopstate(playerxuid).*Rows::list = readlist<row>(std::move(found), {});
+    auto& mine = getplayershopstate(playerxuid).*Rows::list;
+    if (mine == before) std::swap(mine, shown);
 }
 
-template void prepareshops<sellrows, sellshop>(const std::string&, const std::function<std::string(sellshop&)>&);
-template void prepareshops<recyclerows, recycleshop>(const std::string&,
+template void prepareshops<sellrows, sellshop>(const std::string&, bool, const std::function<std::string(sellshop&)>&);
+template void prepareshops<recyclerows, recycleshop>(const std::string&, bool,
                                                      const std::function<std::string(recycleshop&)>&);
 
 }  // namespace shopsystem

@@ -13,6 +13,7 @@
 
 #include "platform/host.h"
 #include "platform/turn.h"
+#include "plugin/shopsystem/catalogue.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
 #include "plugin/shopsystem/shopfiles.h"
@@ -36,14 +37,20 @@ public:
 
     void tick() {
         for (auto place = table_.begin(); place != table_.end();) {
+            if (asked_) place->shop.idleticks = 0;
             if (isdone(*place)) {
+                catalogueof(sectionof<Shop>).changed(place->key);
                 place = table_.erase(place);
             } else {
                 step(*place);
                 ++place;
             }
         }
+        asked_ = false;
     }
+
+    // Somebody has asked for all shops at once.
+    void askforall() { asked_ = true; }
 
     // Enqueues a save of whatever has not reached its file, whether or not it waits for another try.
     void saveall() {
@@ -162,6 +169,7 @@ private:
     }
 
     shoptable<Shop>& table_;
+    bool asked_ = false;
     const std::function<json(const std::string& xuid)> other_;
 };
 

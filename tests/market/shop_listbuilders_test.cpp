@@ -128,18 +128,14 @@ TEST(ListBuilders, EqualOrdersShareAWalkThatBeganBehindThem) {
         c.differs(b);
         for (const char* player : {"a", "1", "2"}) b.orders(player);
         EXPECT_EQ(b.builders.started(), 2U);
-        // Too late for the first walk; the other builder makes it in between.
-        b.behind("b", [&b] {
-            b.orders("d");
-            b.builders.run();
-        });
+        // Too late for the first walk.
+        b.behind("b", [&b] { b.orders("d"); });
         b.builders.run();
         EXPECT_EQ(b.made.size(), 8U) << b.made;
         EXPECT_EQ(b.of("1").sellreadlist == b.of("2").sellreadlist, c.shared) << "by the same rows in memory";
         EXPECT_EQ(b.rows("1"), allrows);
         EXPECT_EQ(b.rows("a"), allrows - 2) << "his own are not shown to him";
         EXPECT_EQ(b.rows("d"), allrows);
-        EXPECT_FALSE(b.of("1").sellreadlist == b.of("d").sellreadlist);
         b.clears("d");
     }
     Bazaar b;
@@ -189,7 +185,7 @@ TEST(ListBuilders, TheWorldGoesOnUnderAWalk) {
         b.beforeturn(2, [] { preparesinglesell("1", "c"); });
         sortsellreadlist(state);
         EXPECT_EQ(names("1"), "c0 c1 ");
-        EXPECT_FALSE(state.sellreadlist.isarranged(1)) << "the order is still owed";
+        EXPECT_EQ(state.sellreadlist.order(), asread) << "the order is still owed";
         state.filterstep = 0;
     }
 }

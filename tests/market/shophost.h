@@ -19,6 +19,7 @@
 #include "platform/item.h"
 #include "platform/records.h"
 #include "platform/turn.h"
+#include "plugin/shopsystem/catalogue.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "tests/market/quiethost.h"
 
@@ -143,6 +144,7 @@ private:
 
 // The cache of shops outlives a host: no test meets those of another. With no save on its way.
 inline void forgetshops() {
+    for (const int kind : {shopsystem::sell, shopsystem::recycle}) shopsystem::catalogueof(kind).clear();
     std::destroy_at(&shopsystem::globalruntimeshopmanager);
     std::construct_at(&shopsystem::globalruntimeshopmanager);
 }

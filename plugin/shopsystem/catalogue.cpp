@@ -1,0 +1,221 @@
+#include "plugin/shopsystem/catalogue.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "platform/clock.h"
+#include "platform/host.h"
+#include "platform/turn.h"
+#include "plugin/base/directories.h"
+#include "plugin/shopsystem/blockdecoder.h"
+#include "plugin/shopsystem/brokenshops.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
+
+namespace shopsystem {
+
+namespace {
+
+// A shelf is cut where it has grown to twice as many, so that one change costs little and a page is selected over few.
+constexpr std::size_t rowsonashelf = 4096, shopsonashelf = 4096;
+
+constexpr std::size_t mostfound = 16;
+
+std::shared_ptr<const shelves> made(std::vector<std::shared_ptr<const shelf>> all) {
+    shelves now{std::move(all), goodsblock::header().since, goodsblock::header().until};
+    for (const auto& on : now.all)
+        for (const auto& block : on->shops()) {
+            now.since = std::max(now.since, block->shop.since);
+            now.until = std::min(now.until, block->shop.until);
+        }
+    return std::make_shared<const shelves>(std::move(now));
+}
+
+void cut(shelf::blocks blocks, const shelf* before, std::vector<std::shared_ptr<const shelf>>& into) {
+    std::size_t rows = 0;
+    for (const auto& block : blocks) rows += block->rows.size();
+    const bool istoolarge = rows > 2 * rowsonashelf || blocks.size() > 2 * shopsonashelf;
+    shelf::blocks piece;
+    std::size_t have = 0;
+    for (auto& block : blocks) {
+        have += block->rows.size();
+        piece.push_back(std::move(block));
+        if (!istoolarge || (have < rowsonashelf && piece.size() < shopsonashelf)) continue;
+        into.push_back(std::make_shared<const shelf>(std::exchange(piece, {}), before));
+        have = 0;
+    }
+    if (!piece.empty()) into.push_back(std::make_shared<const shelf>(std::move(piece), before));
+}
+
+}  // namespace
+
+catalogue& catalogueof(int kind) {
+    static catalogue sells(sell), recycles(recycle);
+    return kind == sell ? sells : recycles;
+}
+
+// What the files say. A shop in the cache is what its object is, whatever becomes of its file, until it is forgotten.
+void catalogue::listen() {
+    if (watch_ == nullptr) watch_ = platform::watchDirectory(ordomart::paths::data);
+    auto heard = watch_->take();
+    if (heard.all) {
+        std::unordered_set<std::string> now;
+        for (auto& key : shopfilekeys()) now.insert(std::move(key));
+        for (const auto& key : files_)
+            if (!now.contains(key)) waiting_.insert(key);
+        for (const auto& key : now) waiting_.insert(key);
+        files_ = std::move(now);
+        return;
+    }
+    constexpr std::string_view suffix = ".json";
+    for (auto& name : heard.names) {
+        if (!name.ends_with(suffix)) continue;
+        name.resize(name.size() - suffix.size());
+        if (platform::host().files->exists(shopfile(name)))
+            files_.insert(name);
+        else
+            files_.erase(name);
+        waiting_.insert(name);
+    }
+}
+
+std::shared_ptr<const shelves> catalogue::uptodate(const question& goeson, const std::string& only) {
+    const std::lock_guard alone(updating_);
+    if (current_ == nullptr) apply({});
+    listen();
+    // A shop that only its file has told of.
+    std::set<std::string, infileorderless> told;
+    told.swap(waiting_);
+    {
+        const platform::Turn turn;
+        if (only.empty()) globalruntimeshopmanager.askforall(kind_);
+        for (const auto& key : std::exchange(changed_, {})) waiting_.insert(key);
+    }
+    const auto now = unixseconds();
+    if (!(current_->since < now && now <= current_->until))
+        for (const auto& on : current_->all)
+            for (const auto& block : on->shops())
+                if (!block->shop.holdsat(now)) waiting_.insert(block->shop.xuid);
+    for (const auto& key : told) {
+        if (!waiting_.contains(key) && files_.contains(key) && shelfof(*current_, key) != nullptr) {
+            const platform::Turn turn;
+            if (globalruntimeshopmanager.cached(key, kind_) != nullptr) continue;
+        }
+        waiting_.insert(key);
+    }
+
+    return lookatall(goeson, only) ? current_ : nullptr;
+}
+
+// What could be looked at is applied, whatever ends it; the rest waits for the next one.
+bool catalogue::lookatall(const question& goeson, const std::string& only) {
+    news changes;
+    std::vector<std::string> unread;
+    bool iswhole = true;
+    const auto lookat = [&](const std::string& key) {
+        if (!look(key, changes)) unread.push_back(key);
+        waiting_.erase(key);
+    };
+    const auto settle = [&] {
+        for (auto& key : unread) waiting_.insert(std::move(key));
+        apply(changes);
+    };
+    try {
+        if (only.empty()) {
+            while (iswhole && !waiting_.empty()) {
+                iswhole = goeson();
+                if (iswhole) lookat(std::string(*waiting_.begin()));
+            }
+        } else if (waiting_.contains(only) || shelfof(*current_, only) == nullptr) {
+            files_.insert(only);  // it is made where there is none
+            lookat(only);
+        }
+    } catch (...) {
+        settle();
+        throw;
+    }
+    settle();
+    return iswhole;
+}
+
+// False for one that cannot be read: it is tried again each time, since nobody tells when that has passed.
+bool catalogue::look(const std::string& xuid, news& changes) {
+    changes[xuid] = nullptr;
+    if (xuid.empty() || !files_.contains(xuid)) return true;
+    try {
+        changes[xuid] = decodeshop(xuid, kind_);
+        return true;
+    } catch (const std::exception& e) {
+        const platform::Turn turn;
+        reportbroken(xuid, kind_, e.what());
+        return false;
+    }
+}
+
+void catalogue::apply(const news& changes) {
+    if (current_ != nullptr && changes.empty()) return;
+    std::vector<std::shared_ptr<const shelf>> all;
+    const auto& before = current_ == nullptr ? decltype(all)() : current_->all;
+    auto change = changes.begin();
+    // Each shelf takes what stands in front of the next one, the last all that is left.
+    for (std::size_t number = 0; number < std::max<std::size_t>(before.size(), 1); ++number) {
+        auto end = changes.end();
+        if (number + 1 < before.size()) end = changes.lower_bound(before[number + 1]->shops().front()->shop.xuid);
+        if (change == end && number < before.size()) {
+            all.push_back(before[number]);
+            continue;
+        }
+        shelf::blocks merged;
+        const shelf* const old = number < before.size() ? before[number].get() : nullptr;
+        const auto addchanges = [&](const std::string* upto) {
+            for (; change != end && (upto == nullptr || !infileorder(*upto, change->first)); ++change)
+                if (change->second != nullptr) merged.push_back(change->second);
+        };
+        if (old != nullptr)
+            for (const auto& block : old->shops()) {
+                const bool isnew = changes.contains(block->shop.xuid);
+                addchanges(&block->shop.xuid);
+                if (!isnew) merged.push_back(block);
+            }
+        addchanges(nullptr);
+        cut(std::move(merged), old, all);
+    }
+    auto next = made(std::move(all));
+    const std::lock_guard alone(publishing_);
+    current_ = std::move(next);
+}
+
+std::shared_ptr<const foundrows> catalogue::find(const std::shared_ptr<const shelves>& among, rowquery query) {
+    std::shared_ptr<const foundrows> last;
+    {
+        const std::lock_guard alone(publishing_);
+        std::erase_if(found_, [](const auto& each) { return each.expired(); });
+        for (const auto& each : found_) {
+            auto known = each.lock();
+            if (known == nullptr) continue;
+            if (known->answers(among.get(), query)) return known;
+            if (known->query() == query) last = std::move(known);
+        }
+    }
+    auto found = std::make_shared<const foundrows>(among, std::move(query), last.get());
+    const std::lock_guard alone(publishing_);
+    if (found_.size() >= mostfound) found_.erase(found_.begin());
+    found_.push_back(found);
+    return found;
+}
+
+void catalogue::clear() {
+    const std::lock_guard alone(updating_);
+    {
+        const platform::Turn turn;
+        changed_.clear();
+    }
+    watch_ = nullptr;
+    files_.clear();
+    waiting_.clear();
+    const std::lock_guard also(publishing_);
+    current_ = nullptr;
+    found_.clear();
+}
+
+}  // namespace shopsystem

@@ -1,0 +1,148 @@
+// Selecting a page: a row that is picked by chance parts every run in what stands before it and what does not; the side
+// on which the page does not begin is dropped, until little is left. From the place so found the runs are merged.
+#include "plugin/shopsystem/rowruns.h"
+
+#include <algorithm>
+#include <queue>
+#include <random>
+
+namespace shopsystem {
+
+namespace {
+
+struct bounds {
+    std::size_t low, high;
+};
+
+template <class Key>
+class selection {
+public:
+    selection(const std::vector<rowrun>& runs, Key key) : runs_(runs), key_(key) {}
+
+    // How much of each run stands before the row that is first-th of all.
+    std::vector<std::size_t> begins(std::size_t first) const {
+        std::vector<bounds> left;
+        std::size_t open = 0, before = 0;
+        for (const auto& run : runs_) {
+            left.push_back({0, run.rows.size()});
+            open += run.rows.size();
+        }
+        std::minstd_rand chance;  // the same each time
+        std::vector<std::size_t> cuts(runs_.size());
+        while (open > 0 && before < first) {
+            const auto [pivotrun, pivotat] = pick(left, chance() % open);
+            std::size_t below = 0;
+            for (std::size_t r = 0; r < runs_.size(); ++r) {
+                cuts[r] = r == pivotrun ? pivotat : cut(r, left[r], pivotrun, pivotat);
+                below += cuts[r] - left[r].low;
+            }
+            if (before + below > first) {
+                for (std::size_t r = 0; r < runs_.size(); ++r) left[r].high = cuts[r];
+                open = below;
+            } else {
+                // What is not above the pivot stands before the page, the pivot too unless it is its first row.
+                const bool isfirst = before + below == first;
+                for (std::size_t r = 0; r < runs_.size(); ++r) left[r].low = cuts[r];
+                before += below;
+                open -= below;
+                if (isfirst) break;
+                ++left[pivotrun].low;
+                ++before;
+                --open;
+            }
+        }
+        std::vector<std::size_t> result;
+        for (const auto& each : left) result.push_back(each.low);
+        return result;
+    }
+
+    std::vector<rowplace> merge(std::vector<std::size_t> at, std::size_t most) const {
+        const auto isbehind = [&](std::size_t a, std::size_t b) {
+            const auto ka = keyat(a, at[a]), kb = keyat(b, at[b]);
+            return ka == kb ? a > b : kb < ka;
+        };
+        std::priority_queue<std::size_t, std::vector<std::size_t>, decltype(isbehind)> heads(isbehind);
+        for (std::size_t r = 0; r < runs_.size(); ++r)
+            if (at[r] < runs_[r].rows.size()) heads.push(r);
+        std::vector<rowplace> found;
+        while (found.size() < most && !heads.empty()) {
+            const auto r = heads.top();
+            heads.pop();
+            found.push_back({&runs_[r], runs_[r].rows[at[r]]});
+            if (++at[r] < runs_[r].rows.size()) heads.push(r);
+        }
+        return found;
+    }
+
+private:
+    auto keyat(std::size_t run, std::size_t i) const { return key_(*runs_[run].of, runs_[run].rows[i]); }
+
+    std::pair<std::size_t, std::size_t> pick(const std::vector<bounds>& left, std::size_t nth) const {
+        for (std::size_t r = 0;; ++r) {
+            const auto here = left[r].high - left[r].low;
+            if (nth < here) return {r, left[r].low + nth};
+            nth -= here;
+        }
+    }
+
+    // Where the pivot would stand in another run: behind what is equal in those before its own, before it in those
+    // behind.
+    std::size_t cut(std::size_t r, bounds within, std::size_t pivotrun, std::size_t pivotat) const {
+        const auto pivot = keyat(pivotrun, pivotat);
+        while (within.low < within.high) {
+            const auto middle = within.low + (within.high - within.low) / 2;
+            const auto key = keyat(r, middle);
+            if (key < pivot || (r < pivotrun && key == pivot))
+                within.low = middle + 1;
+            else
+                within.high = middle;
+        }
+        return within.low;
+    }
+
+    const std::vector<rowrun>& runs_;
+    Key key_;
+};
+
+template <class Key>
+std::vector<rowplace> select(const std::vector<rowrun>& runs, std::size_t first, std::size_t most, Key key) {
+    const selection<Key> among(runs, key);
+    return among.merge(among.begins(first), most);
+}
+
+std::vector<rowplace> inturn(const std::vector<rowrun>& runs, std::size_t first, std::size_t most) {
+    std::vector<rowplace> found;
+    for (const auto& run : runs) {
+        for (; first < run.rows.size() && found.size() < most; ++first) found.push_back({&run, run.rows[first]});
+        first -= std::min(first, run.rows.size());
+        if (found.size() == most) break;
+    }
+    return found;
+}
+
+}  // namespace
+
+void rowruns::add(rowrun run) {
+    if (run.rows.empty()) return;
+    total_ += run.rows.size();
+    all_.push_back(std::move(run));
+}
+
+std::vector<rowplace> rowruns::page(std::size_t first, std::size_t most) const {
+    if (first >= total_) return {};
+    using rowno = shelf::rowno;
+    switch (step_) {
+        case byname:
+            return select(all_, first, most, [](const shelf& of, rowno row) { return of.name(row); });
+        case bytag:
+            return select(all_, first, most, [](const shelf& of, rowno row) { return of.tag(row); });
+        case byleft:
+            return select(all_, first, most, [](const shelf& of, rowno row) { return of.left(row); });
+        case byprice:
+            return select(all_, first, most, [](const shelf& of, rowno row) { return of.price(row); });
+        default:
+            return inturn(all_, first, most);
+    }
+}
+
+}  // namespace shopsystem
