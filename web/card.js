@@ -119,7 +119,8 @@ export class Card {
   }
 
   // What the operator's table knows of him.
-  inform({ money, alive }) {
+  inform(player) {
+    const { money, alive } = this.player = player;
     this.money.hidden = money === null || money === undefined;
     const text = money?.toLocaleString("en") ?? "";
     if (this.money.dataset.amount !== text) {

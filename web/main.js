@@ -6,6 +6,7 @@ import * as items from "/items.js";
 import { joindialogue, joinfirst } from "/join.js";
 import { notice } from "/notices.js";
 import { Operator } from "/operator.js";
+import { Rejoin } from "/rejoin.js";
 import { remember, remembered, token } from "/settings.js";
 import { audible, setaudible } from "/sounds.js";
 import { Stream } from "/stream.js";
@@ -16,16 +17,18 @@ const informpause = 250, informevery = 5000;
 
 const cards = new Map();
 let known = [];  // the players as last read
+let run = "";  // which run of the server everything here is of
 let operator = null;
 const cardplace = h("div", { class: "cards" });
 const empty = emptystate();
+const again = new Rejoin({ joined: async (names) => { for (const name of names) await opencard(name); }, changed: arrange });
 const status = h("span", { class: "connection", role: "status" });
 const stream = new Stream({ event: onevent, state: onstate });
 
 // ---- the cards
 
 function streamquery() {
-  const query = new URLSearchParams();
+  const query = new URLSearchParams({ run });
   for (const name of cards.keys()) query.append("player", name);
   // What every card has already is not sent again.
   query.set("heard", String(Math.min(...[...cards.values()].map((card) => card.heard), Number.MAX_SAFE_INTEGER)));
@@ -51,6 +54,7 @@ function addcard(name, picture) {
   if (!player || cards.has(name)) return;
   const card = new Card(player, { hide: (one) => dropcard(one.player.name), leave: leavecard });
   cards.set(name, card);
+  again.settle(name);
   card.begin(picture);
   card.inform(player);
   cardplace.append(card.element);
@@ -62,6 +66,16 @@ function leavecard(card) {
   api.leave(card.player.name).catch(notice);  // the stream tells when he has gone
 }
 
+// The cards are of a run that is over: whoever is here already shows what he has now, the others are offered again.
+async function startanew() {
+  operator.log.last = 0;
+  const players = [...cards.values()].map((card) => card.player);
+  for (const { name } of players) dropcard(name);
+  await readplayers();
+  if (players.length === 0) notice(t("startedanew"));
+  else await showagain(players, "restarted");
+}
+
 function dropcard(name) {
   cards.get(name)?.element.remove();
   if (cards.delete(name)) listen();
@@ -71,13 +85,17 @@ function dropcard(name) {
 function arrange() {
   empty.hidden = cards.size > 0;
   cardplace.dataset.count = String(Math.min(cards.size, 3));
-  remember("open", [...cards.keys()]);
+  remember("open", [...cards.keys(), ...again.names()]);
 }
 
 // ---- what the server tells
 
 const handlers = {
   server(state) {
+    if (state.run !== run) {
+      run = state.run;
+      startanew().catch(notice);
+    }
     operator.time.draw(state);
     inform();
   },
@@ -161,6 +179,7 @@ function changelanguage(name) {
   empty.querySelector("[data-action=first]").textContent = t("joinfirst", { name: firstname });
   for (const option of themes.options) option.textContent = t(`theme${option.value}`);
   for (const card of cards.values()) card.relabel();
+  again.relabel();
   operator.relabel();
 }
 
@@ -200,10 +219,11 @@ function askfortoken() {
     h("form", { class: "tokenform", on: { submit } }, field, h("button", { type: "submit", class: "main", t: "tokenuse" })))));
 }
 
-// The cards of those who are still here, in their old order.
-async function showagain(names) {
-  const here = new Set((await readplayers()).filter((player) => player.joined).map((player) => player.name));
-  const shown = names.filter((name) => here.has(name));
+// The cards of those who are still here, in their old order; the others are offered, with the reason.
+async function showagain(players, why) {
+  const here = new Set(known.filter((player) => player.joined).map((player) => player.name));
+  again.offer(players.filter(({ name }) => !here.has(name)), why);
+  const shown = players.map(({ name }) => name).filter((name) => here.has(name));
   const pictures = await Promise.all(shown.map((name) => api.look(name).catch(() => null)));  // gone just now
   for (const [number, name] of shown.entries()) if (pictures[number]) addcard(name, pictures[number]);
 }
@@ -214,16 +234,18 @@ async function begin() {
   addEventListener("hashchange", () => location.reload());
   if (token() === "") return askfortoken();
   try {
-    await items.load();
+    [{ run }] = await Promise.all([api.server(), items.load()]);
   } catch (error) {
     if (error.status === 401 || error.status === 403) return askfortoken();
     notice(error);
     return void setTimeout(begin, 2000);
   }
   operator = new Operator({ players: () => known, reload: readplayers, opencard });
-  document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, empty, cardplace), operator.element));
+  document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, again.element, empty, cardplace), operator.element));
   showoperator(remembered("operator", false));
-  await showagain(remembered("open", []));
+  const before = remembered("open", []);
+  await readplayers();
+  await showagain(before.map((name) => known.find((player) => player.name === name)).filter(Boolean), "werehere");
   arrange();
   listen();
   setInterval(() => document.hidden || inform(), informevery);

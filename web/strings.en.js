@@ -15,6 +15,10 @@ export default {
   first2: "Open the market with one of the buttons below his screen.",
   first3: "Click the goods, answer the forms, look at both purses.",
 
+  again: "Join again", restarted: "The server was started anew, and nobody is on it any more. Left behind: {names}.",
+  werehere: "No longer on the server: {names}.", joinagain: "Join again: {names}", notnow: "Not now",
+  startedanew: "The server was started anew.",
+
   tokentitle: "This page needs the server's token",
   tokentext: "The server prints an address with “#token=…” when it starts. Open that address, or paste it here.",
   tokenfield: "Address or token", tokenuse: "Use it",

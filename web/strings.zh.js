@@ -15,6 +15,10 @@ export default {
   first2: "用画面下方的按钮打开商店。",
   first3: "点击商品，填写表单，看看双方的钱包。",
 
+  again: "重新加入", restarted: "服务器已重新启动，所有人都已离线。离开的玩家：{names}。",
+  werehere: "已不在服务器上：{names}。", joinagain: "重新加入：{names}", notnow: "暂不",
+  startedanew: "服务器已重新启动。",
+
   tokentitle: "本页需要服务器的令牌",
   tokentext: "服务器启动时会打印带有 “#token=…” 的地址。请打开该地址，或粘贴到这里。",
   tokenfield: "地址或令牌", tokenuse: "使用",

@@ -152,6 +152,7 @@ struct ControlApi::Parts {
         wish.log = request.param("log") == "1";
         wish.heard = numberof(request.param("heard"));
         wish.logline = numberof(request.param("after"));
+        wish.run = request.param("run");
         const auto outlet = streams.subscribe(std::move(wish));
         if (outlet == nullptr)
             throw ApiError(503, fmt::format("{} event streams are open already; close one", EventStreams::most));

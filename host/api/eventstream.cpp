@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <random>
 #include <utility>
 
 #include "host/api/clientstate.h"
@@ -28,6 +29,11 @@ std::string event(const char* name, const json& data) {
     return fmt::format("event: {}\ndata: {}\n\n", name, data.dump(-1, ' ', false, json::error_handler_t::replace));
 }
 
+std::string randomname() {
+    std::random_device random;
+    return fmt::format("{:08x}{:08x}", random(), random());
+}
+
 }  // namespace
 
 // One subscriber's place in the stream.
@@ -40,7 +46,8 @@ struct EventStreams::Subscriber {
     json server;
 };
 
-EventStreams::EventStreams(Server& server, Clients& clients) : server_(server), clients_(clients) {
+EventStreams::EventStreams(Server& server, Clients& clients)
+    : server_(server), clients_(clients), serverrun_(randomname()) {
     clientwatch_ = clients_.watch([this](const std::string& player) { changed(player); });
     logwatch_ = server_.log().watch([this](const LogLine&) { changed(); });
 }
@@ -87,6 +94,7 @@ std::shared_ptr<Outlet> EventStreams::subscribe(Wish wish) {
     const std::lock_guard guard(lock_);
     std::erase_if(outlets_, [](const auto& outlet) { return !outlet->open(); });
     if (outlets_.size() >= most) return nullptr;
+    if (!wish.run.empty() && wish.run != serverrun_) wish.heard = wish.logline = 0;
     arriving_.push_back(std::make_unique<Subscriber>(std::move(wish)));
     outlets_.push_back(arriving_.back()->outlet);
     wake_.notify_all();
@@ -146,7 +154,7 @@ void EventStreams::tell(std::uint64_t changes, const std::map<std::string, std::
 json EventStreams::serverstate() {
     json players = json::array();
     for (const JoinRequest& who : clients_.joined()) players.push_back(whostate(who));
-    return {{"players", players}, {"speed", server_.speed()}, {"paused", server_.paused()}};
+    return {{"run", serverrun_}, {"players", players}, {"speed", server_.speed()}, {"paused", server_.paused()}};
 }
 
 // What has changed since the batch before, as event-stream text.

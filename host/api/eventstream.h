@@ -30,11 +30,12 @@ public:
     ~EventStreams();
 
     // What a subscriber asks for: the players that it shows, the log or not, and the last of what was heard and of the
-    // log lines that it has already.
+    // log lines that it has already. It may name the run that these numbers are of: those of another are not heeded.
     struct Wish {
         std::set<std::string> players;
         bool log = false;
         std::uint64_t heard = 0, logline = 0;
+        std::string run;
     };
     // Until the outlet is closed. Null when there are too many.
     [[nodiscard]] std::shared_ptr<Outlet> subscribe(Wish wish);
@@ -42,6 +43,8 @@ public:
     void stop();
 
     [[nodiscard]] const HeardLines& heard() const { return heard_; }
+    // Another for each start of the server: numbers begin anew and nobody is joined, which a page cannot see otherwise.
+    [[nodiscard]] const std::string& serverrun() const { return serverrun_; }
     // Whoever changes what no packet tells of calls these: a player has come or gone; speed or pause is another.
     void changed(const std::string& player);
     void changed();
@@ -57,6 +60,7 @@ private:
     Server& server_;
     Clients& clients_;
     HeardLines heard_;
+    const std::string serverrun_;
     mutable std::mutex lock_;
     std::condition_variable wake_;
     std::uint64_t changes_ = 1;

@@ -72,7 +72,8 @@ platform::ItemStack stackof(const json& body) {
 }
 
 json getserver(ApiCall& call) {
-    return {{"manual", call.server.options().manual},
+    return {{"run", call.streams.serverrun()},
+            {"manual", call.server.options().manual},
             {"tick", call.server.tickcount()},
             {"speed", call.server.speed()},
             {"paused", call.server.paused()}};

@@ -225,7 +225,8 @@ TEST_F(ApiTest, WatchersGetThePictureAndThenWhatChanges) {
     joins("Alice");
     caller->put("/api/players/Alice/inventory", {{"slot", 0}, {"item", "apple"}, {"count", 5}});
     Watcher watcher(api, "player=Alice&log=1");
-    EXPECT_EQ(watcher.next("server")["players"][0]["name"], "Alice");
+    const json server = watcher.next("server");
+    EXPECT_EQ(server["players"][0]["name"], "Alice");
     json picture = watcher.next("client")["state"];
     caller->post("/api/players/Alice/click", {{"container", "hotbar"}, {"slot", 0}});
     const json wanted = [&] {
@@ -240,8 +241,13 @@ TEST_F(ApiTest, WatchersGetThePictureAndThenWhatChanges) {
     const json one = watcher.next("heard");
     EXPECT_EQ(one["what"]["text"], "one");
     Watcher later(api, "player=Alice&heard=" + one["number"].dump());
+    Watcher same(api, "player=Alice&heard=" + one["number"].dump() + "&run=" + server["run"].get<std::string>());
+    Watcher ofaformerrun(api, "player=Alice&log=1&heard=9999&after=9999&run=former");
     says({"two"});
     EXPECT_EQ(later.next("heard")["what"]["text"], "two");
+    EXPECT_EQ(same.next("heard")["what"]["text"], "two");
+    EXPECT_EQ(ofaformerrun.next("heard")["what"]["text"], "one");
+    EXPECT_EQ(ofaformerrun.next("log")[0]["number"], 1);
     caller->remove("/api/players/Alice");
     EXPECT_EQ(watcher.next("gone")["player"], "Alice");
 }

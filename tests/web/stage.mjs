@@ -15,9 +15,9 @@ const browserpath = process.env.CHROMIUM ?? "/usr/bin/chromium";
 const browserarguments = ["--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run",
   "--disable-background-networking", "--disable-component-update", "--disable-sync"];
 
-export async function startserver(more = []) {
-  const directory = await mkdtemp(path.join(tmpdir(), "ordomart-page-"));
-  const server = spawn(program, [path.join(directory, "server"), "--api-port", "0", ...more], { stdio: ["pipe", "pipe", "inherit"] });
+// The program, when it has printed its address.
+async function runserver(directory, port, more) {
+  const server = spawn(program, [path.join(directory, "server"), "--api-port", String(port), ...more], { stdio: ["pipe", "pipe", "inherit"] });
   const address = await new Promise((found, failed) => {
     server.once("error", failed);
     server.once("exit", (code) => failed(new Error(`the server ended with ${code} before it printed its address`)));
@@ -26,17 +26,34 @@ export async function startserver(more = []) {
       if (match) found(match[0]);
     });
   });
-  const url = new URL(address), token = url.hash.slice("#token=".length);
+  const end = async (signal) => {
+    const ended = new Promise((done) => server.once("exit", done));
+    server.kill(signal);
+    await ended;
+  };
+  return { address, end };
+}
+
+export async function startserver(more = []) {
+  const directory = await mkdtemp(path.join(tmpdir(), "ordomart-page-"));
+  let running = await runserver(directory, 0, more);
+  const { address } = running, url = new URL(address), token = url.hash.slice("#token=".length);
   return {
     address, token, origin: url.origin, files: path.join(directory, "server/plugins/Ordomart"),
     async call(method, part, body, headers = { Authorization: `Bearer ${token}` }) {
       const response = await fetch(url.origin + part, { method, headers, body: body && JSON.stringify(body) });
       return { status: response.status, ...(await response.json()) };
     },
+    // Ends it; what is done then begins it anew, in the same directory and on the same port.
+    async end(signal = "SIGTERM") {
+      await running.end(signal);
+      return async () => {
+        running = await runserver(directory, url.port, more);
+        return running.address;
+      };
+    },
     async stop() {
-      const ended = new Promise((done) => server.once("exit", done));
-      server.kill("SIGTERM");
-      await ended;
+      await running.end("SIGTERM");
       await rm(directory, { recursive: true, force: true });
     },
   };
