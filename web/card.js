@@ -3,7 +3,7 @@
 import * as api from "/api.js";
 import { Chat } from "/chat.js";
 import { CommandLine } from "/commandline.js";
-import { h } from "/dom.js";
+import { h, setlabel } from "/dom.js";
 import { focusform, formdialogue } from "/forms.js";
 import { patched } from "/jsonpatch.js";
 import { notice } from "/notices.js";
@@ -32,6 +32,7 @@ export class Card {
     this.money = h("span", { class: "money", hidden: true });
     this.dead = h("span", { class: "badge bad", t: "dead", hidden: true });
     this.menumark = h("span", { class: "menumark", role: "status" });
+    this.level = h("span", { class: "badge" });
     this.creative = h("span", { class: "badge", t: "gamemode1", hidden: true });
     this.closebutton = h("button", { type: "button", class: "quiet", t: "closemenu", hidden: true, on: { click: () => this.closemenu() } });
     this.formplace = h("div", { class: "formplace" });
@@ -41,7 +42,7 @@ export class Card {
       h("header", { class: "cardhead" }, avatar,
         h("div", { class: "who" }, h("h2", {}, player.name), h("div", { class: "badges" },
           h("span", { class: "badge" }, player.language), h("span", { class: "badge", t: player.touch ? "touch" : "desktop" }),
-          player.permission > 0 ? h("span", { class: "badge", t: `level${player.permission}` }) : null, this.creative, this.dead)),
+          this.level, this.creative, this.dead)),
         this.money,
         h("button", { type: "button", class: "icon", ttitle: "hide", tlabel: "hide", on: { click: () => on.hide(this) } }, "–"),
         h("button", { type: "button", class: "icon", ttitle: "leave", tlabel: "leave", on: { click: () => on.leave(this) } }, "✕")),
@@ -120,7 +121,9 @@ export class Card {
 
   // What the operator's table knows of him.
   inform(player) {
-    const { money, alive } = this.player = player;
+    const { money, alive, permission } = this.player = player;
+    setlabel(this.level, "t", `level${permission}`);
+    this.level.hidden = permission === 0;
     this.money.hidden = money === null || money === undefined;
     const text = money?.toLocaleString("en") ?? "";
     if (this.money.dataset.amount !== text) {

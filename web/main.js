@@ -1,6 +1,7 @@
 // The page: its head, the players' cards, the operator's side, and the one stream that feeds them all.
 import * as api from "/api.js";
 import { Card } from "/card.js";
+import { confirmed } from "/confirm.js";
 import { calmly, h, relabel, select, setlabel } from "/dom.js";
 import * as items from "/items.js";
 import { joindialogue, joinfirst } from "/join.js";
@@ -62,8 +63,9 @@ function addcard(name, picture) {
   listen();
 }
 
-function leavecard(card) {
-  api.leave(card.player.name).catch(notice);  // the stream tells when he has gone
+async function leavecard({ player: { name } }) {
+  if (!(await confirmed("leavesure", { name }, "leave"))) return;
+  await api.leave(name).catch(notice);  // the stream tells when he has gone
 }
 
 // The cards are of a run that is over: whoever is here already shows what he has now, the others are offered again.
@@ -85,6 +87,7 @@ function dropcard(name) {
 function arrange() {
   empty.hidden = cards.size > 0;
   cardplace.dataset.count = String(Math.min(cards.size, 3));
+  operator?.inform(known);
   remember("open", [...cards.keys(), ...again.names()]);
 }
 
@@ -209,14 +212,18 @@ function head() {
 
 function askfortoken() {
   if (document.querySelector(".tokenpage")) return;
-  const field = h("input", { type: "text", autocomplete: "off", spellcheck: "false", tlabel: "tokenfield", tplaceholder: "tokenfield" });
+  const field = h("input", { type: "text", required: true, autocomplete: "off", spellcheck: "false", tlabel: "tokenfield", tplaceholder: "tokenfield" });
   const submit = (event) => {
     event.preventDefault();
+    const before = location.hash;
     location.hash = `token=${field.value.trim().replace(/^.*token=/, "")}`;
+    if (location.hash === before) location.reload();  // no change of the address tells of the same once more
   };
+  const wrong = token() === "" ? "" : "wrong";
   document.body.replaceChildren(h("main", { class: "tokenpage" }, h("section", { class: "empty" },
-    h("h1", { t: "tokentitle" }), h("p", { t: "tokentext" }),
+    h("h1", { t: `${wrong}tokentitle` }), h("p", { t: `${wrong}tokentext` }),
     h("form", { class: "tokenform", on: { submit } }, field, h("button", { type: "submit", class: "main", t: "tokenuse" })))));
+  field.focus();
 }
 
 // The cards of those who are still here, in their old order; the others are offered, with the reason.
@@ -240,7 +247,7 @@ async function begin() {
     notice(error);
     return void setTimeout(begin, 2000);
   }
-  operator = new Operator({ players: () => known, reload: readplayers, opencard });
+  operator = new Operator({ players: () => known, reload: readplayers, opencard, onpage: (name) => cards.has(name) });
   document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, again.element, empty, cardplace), operator.element));
   showoperator(remembered("operator", false));
   const before = remembered("open", []);

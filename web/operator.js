@@ -1,5 +1,5 @@
 // The operator's side: who is here and what he owns, gifts, scores, the server's time and its log, as tabs. `context`
-// is what the page shares with them: players() as last read, reload(), opencard(name), and the log's lines.
+// is what the page shares with them: players() as last read, reload(), opencard(name), onpage(name).
 import { h } from "/dom.js";
 import { Give } from "/opgive.js";
 import { Log } from "/oplog.js";

@@ -24,19 +24,20 @@ export class Give {
   constructor(context) {
     this.context = context;
     this.outcome = new Outcome();
-    this.player = playerselect();
+    this.player = playerselect(context);
     this.item = null;
     this.search = h("input", { type: "search", autocomplete: "off", tplaceholder: "finditem", tlabel: "finditem", on: { input: calmly(100, () => this.find()) } });
     this.found = h("div", { class: "founditems", role: "listbox", tlabel: "finditem" });
     this.variant = select([], "");
     this.variantfield = labelledfield("variant", this.variant, { hidden: true });
-    this.count = h("input", { type: "number", min: 1, max: 64, value: "1" });
+    this.count = h("input", { type: "number", min: 1, max: 64, required: true, value: "1" });
     this.slot = select([], "");
-    this.snbt = h("textarea", { rows: 4, spellcheck: "false", tlabel: "snbt", placeholder: '{Count:1b,Damage:0s,Name:"minecraft:bow",WasPickedUp:0b}' });
+    this.snbt = h("textarea", { rows: 4, required: true, spellcheck: "false", tlabel: "snbt", placeholder: '{Count:1b,Damage:0s,Name:"minecraft:bow",WasPickedUp:0b}' });
     const kind = (value, key, on) => h("label", { class: "radio" },
       h("input", { type: "radio", name: "givekind", value, checked: on, on: { change: () => this.choosekind(value) } }), h("span", { t: key }));
-    this.bytable = h("div", {}, this.search, this.found, h("div", { class: "fields" }, this.variantfield, labelledfield("count", this.count)));
-    this.bysnbt = h("div", { hidden: true }, labelledfield("snbt", this.snbt));
+    // Of the two only the one that is seen is on: a field that is not must neither refuse nor say anything.
+    this.bytable = h("fieldset", {}, this.search, this.found, h("div", { class: "fields" }, this.variantfield, labelledfield("count", this.count)));
+    this.bysnbt = h("fieldset", { hidden: true, disabled: true }, labelledfield("snbt", this.snbt));
     this.kind = "table";
     const submit = (event) => {
       event.preventDefault();
@@ -67,14 +68,16 @@ export class Give {
 
   choosekind(kind) {
     this.kind = kind;
-    this.bytable.hidden = kind !== "table";
-    this.bysnbt.hidden = kind !== "snbt";
+    this.bytable.hidden = this.bytable.disabled = kind !== "table";
+    this.bysnbt.hidden = this.bysnbt.disabled = kind !== "snbt";
   }
 
   find() {
     const asked = this.search.value.trim().toLowerCase();
     const fits = (one) => [one.item, one.en, one.zh, ...one.variants.flatMap((v) => [v.en, v.zh])].some((text) => text.toLowerCase().includes(asked));
-    const rows = items.rows().filter(fits).sort((one, other) => rank(one, asked) - rank(other, asked)).slice(0, mostfound);
+    if (this.item && !fits(this.item)) this.choose(null);
+    const place = (one) => (one === this.item ? -1 : rank(one, asked));
+    const rows = items.rows().filter(fits).sort((one, other) => place(one) - place(other)).slice(0, mostfound);
     this.found.replaceChildren(...rows.map((one) => {
       const name = one[language()] || one.en;
       return h("button", { type: "button", role: "option", class: "founditem", title: one.item, "aria-selected": String(this.item === one), "data-item": one.item,
@@ -83,23 +86,26 @@ export class Give {
     if (rows.length === 0) this.found.append(h("p", { class: "hint" }, t("noitem")));
   }
 
+  // Null takes the choice back.
   choose(row) {
     this.item = row;
-    for (const button of this.found.querySelectorAll("button")) button.setAttribute("aria-selected", String(button.dataset.item === row.item));
-    this.count.max = row.stack;
-    this.count.value = String(Math.min(Number(this.count.value) || 1, row.stack));
-    this.variant.replaceChildren(...row.variants.map((one) => h("option", { value: String(one.aux) }, one[language()] || one.en)));
-    this.variantfield.hidden = row.variants.length === 0;
+    for (const button of this.found.querySelectorAll("button")) button.setAttribute("aria-selected", String(button.dataset.item === row?.item));
+    const { stack, variants } = row ?? { stack: 64, variants: [] };
+    this.count.max = stack;
+    this.count.value = String(Math.min(Number(this.count.value) || 1, stack));
+    this.variant.replaceChildren(...variants.map((one) => h("option", { value: String(one.aux) }, one[language()] || one.en)));
+    this.variantfield.hidden = variants.length === 0;
   }
 
   async give() {
+    if (this.kind === "table") this.find();  // what is typed counts, though the list comes a little later
+    if (this.kind === "table" && !this.item) throw new Error(t("chooseitem"));
     const name = this.player.field.value;
     const slot = this.slot.value === "" ? await this.freeslot(name) : Number(this.slot.value);
     if (this.kind === "snbt") {
       await api.putinventory(name, { slot, snbt: this.snbt.value });
       return t("givensnbt", { name });
     }
-    if (!this.item) throw new Error(t("chooseitem"));
     const aux = Number(this.variant.value || 0), count = Number(this.count.value);
     await api.putinventory(name, { slot, item: this.item.item, count, aux });
     return t("given", { name, count, item: items.nameof(this.item.item, aux) });

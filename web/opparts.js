@@ -1,14 +1,21 @@
 // What several tabs of the operator's side share.
 import { h, labelledfield, select } from "/dom.js";
+import { t } from "/strings.js";
 
-// A select of players that keeps its choice when the list changes.
-export function playerselect() {
-  const field = select([], "");
+// A select of players, those with a card on the page first; `onpage(name)` knows them. It begins with one of these and
+// never goes to another by itself: while the chosen one is away nobody is chosen.
+export function playerselect({ onpage }) {
+  const field = select([], "", { required: true });
+  let drawn = "", chosen = "";
   const fill = (players) => {
-    const names = players.map((player) => player.name), before = field.value;
-    if (names.join("\n") === [...field.options].map((option) => option.value).join("\n")) return;
-    field.replaceChildren(...names.map((name) => h("option", { value: name }, name)));
-    if (names.includes(before)) field.value = before;
+    const names = players.map((player) => player.name);
+    const here = names.filter(onpage), away = names.filter((name) => !onpage(name));
+    const rows = [["", t("chooseplayer")], ...here.map((name) => [name, name]), ...away.map((name) => [name, t("notonpage", { name })])];
+    if (JSON.stringify(rows) === drawn) return;
+    chosen = field.value || chosen || here[0] || "";
+    drawn = JSON.stringify(rows);
+    field.replaceChildren(...rows.map(([value, text]) => h("option", { value }, text)));
+    field.value = names.includes(chosen) ? chosen : "";
   };
   return { field, fill, shown: labelledfield("player", field) };
 }

@@ -1,5 +1,6 @@
 // Everybody the server has seen, with money and state.
 import * as api from "/api.js";
+import { confirmed } from "/confirm.js";
 import { h, select } from "/dom.js";
 import { Outcome } from "/opparts.js";
 import { t } from "/strings.js";
@@ -31,7 +32,7 @@ export class Players {
       await work();
       await this.context.reload();
     });
-    const money = h("input", { type: "number", step: 1, tlabel: "money", class: "amount" });
+    const money = h("input", { type: "number", step: 1, required: true, tlabel: "money", class: "amount" });
     const setmoney = (event) => {
       event.preventDefault();
       money.blur();
@@ -41,7 +42,8 @@ export class Players {
     const state = h("span", { class: "state" });
     const level = select([0, 1, 2, 3, 4].map((n) => [String(n), String(n)]), "0", {
       tlabel: "permission", ttitle: "permission", on: { change: () => act(() => api.permission(name, Number(level.value))) } });
-    const life = h("button", { type: "button", on: { click: () => act(() => (this.rows.get(name).alive ? api.kill(name) : api.revive(name))) } });
+    const kill = async () => (await confirmed("killsure", { name }, "killplayer")) && act(() => api.kill(name));
+    const life = h("button", { type: "button", on: { click: () => (this.rows.get(name).alive ? kill() : act(() => api.revive(name))) } });
     const show = h("button", { type: "button", t: "show", on: { click: () => this.context.opencard(name) } });
     return { money, form, state, level, life, show,
              element: h("li", { "data-row": name }, h("div", { class: "rowhead" }, h("b", {}, name), state, show), h("div", { class: "rowbody" }, form, level, life)) };

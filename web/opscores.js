@@ -5,11 +5,11 @@ import { Outcome, playerselect } from "/opparts.js";
 import { t } from "/strings.js";
 
 export class Scores {
-  constructor() {
+  constructor(context) {
     this.outcome = new Outcome();
-    this.player = playerselect();
+    this.player = playerselect(context);
     const objective = h("input", { type: "text", required: true, value: "money", autocomplete: "off" });
-    const value = h("input", { type: "number", step: 1, value: "0" });
+    const value = h("input", { type: "number", step: 1, required: true, value: "0" });
     const given = () => ({ name: this.player.field.value, objective: objective.value.trim() });
     const read = async () => {
       const { name, objective: asked } = given();

@@ -11,7 +11,7 @@ export class Time {
     this.outcome = new Outcome();
     this.now = { speed: 20, paused: false };
     this.told = h("p", { class: "timestate", role: "status" });
-    this.speed = h("input", { type: "number", min: 0.1, max: 1000, step: "any", value: "20" });
+    this.speed = h("input", { type: "number", min: 0.1, max: 1000, step: "any", required: true, value: "20" });
     this.pause = h("button", { type: "button", t: "pause", on: { click: () => this.change({ paused: !this.now.paused }) } });
     const submit = (event) => {
       event.preventDefault();
@@ -26,13 +26,15 @@ export class Time {
   }
 
   manualform() {
-    const count = h("input", { type: "number", min: 1, max: 100000, value: "1" });
-    const move = h("input", { type: "number", step: 1, value: "1000" });
-    const ticks = () => this.outcome.of(async () => t("tickis", await api.ticks(Number(count.value))));
-    const clock = () => this.outcome.of(() => api.clock(Number(move.value)).then(() => ""));
+    const count = h("input", { type: "number", min: 1, max: 100000, required: true, value: "1" });
+    const move = h("input", { type: "number", step: 1, required: true, value: "1000" });
+    const pair = (key, field, action, work) => h("form", { class: "pair", on: { submit: (event) => {
+      event.preventDefault();
+      this.outcome.of(() => work(Number(field.value)));
+    } } }, labelledfield(key, field), h("button", { type: "submit", t: action }));
     return h("div", { class: "stackform", hidden: true }, h("p", { class: "hint", t: "manual" }),
-      h("div", { class: "pair" }, labelledfield("count", count), h("button", { type: "button", t: "runticks", on: { click: ticks } })),
-      h("div", { class: "pair" }, labelledfield("moveclock", move), h("button", { type: "button", t: "set", on: { click: clock } })));
+      pair("count", count, "runticks", async (ticks) => t("tickis", await api.ticks(ticks))),
+      pair("moveclock", move, "set", (milliseconds) => api.clock(milliseconds).then(() => "")));
   }
 
   change(asked) {

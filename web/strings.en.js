@@ -21,6 +21,8 @@ export default {
 
   tokentitle: "This page needs the server's token",
   tokentext: "The server prints an address with “#token=…” when it starts. Open that address, or paste it here.",
+  wrongtokentitle: "The server does not know this token",
+  wrongtokentext: "It is mistyped, or of another server. The server prints an address with its own when it starts, and keeps it in the file api.token of its directory.",
   tokenfield: "Address or token", tokenuse: "Use it",
 
   jointitle: "Join a player", known: "Known here", newplayer: "Name and kind",
@@ -45,6 +47,9 @@ export default {
 
   players: "Players", give: "Give", scores: "Scores", time: "Time", log: "Log",
   money: "Money", set: "Set", killplayer: "Kill", reviveplayer: "Revive", nobody: "Nobody has been here yet.",
+  chooseplayer: "Choose a player", notonpage: "{name} (not on this page)",
+  killsure: "Kill {name}? The market serves nobody who is dead.",
+  leavesure: "Shall {name} leave the server? Open menus and forms are closed.",
   player: "Player", finditem: "Find an item", count: "Count", variant: "Variant", slot: "Slot",
   slotfree: "first free", slotinventory: "slot {number}", slothotbar: "hotbar {number}", slotarmor: "armour {number}", slotoffhand: "offhand",
   givebyname: "From the item table", givebysnbt: "As SNBT", snbt: "SNBT", giveit: "Give it", given: "{name} has {count} × {item}.",

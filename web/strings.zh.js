@@ -21,6 +21,8 @@ export default {
 
   tokentitle: "本页需要服务器的令牌",
   tokentext: "服务器启动时会打印带有 “#token=…” 的地址。请打开该地址，或粘贴到这里。",
+  wrongtokentitle: "服务器不认识这个令牌",
+  wrongtokentext: "令牌输入有误，或属于另一台服务器。服务器启动时会打印带有自己令牌的地址，令牌也保存在其目录的 api.token 文件中。",
   tokenfield: "地址或令牌", tokenuse: "使用",
 
   jointitle: "加入玩家", known: "已知玩家", newplayer: "名字与类型",
@@ -45,6 +47,9 @@ export default {
 
   players: "玩家", give: "给予", scores: "计分板", time: "时间", log: "日志",
   money: "金钱", set: "设置", killplayer: "杀死", reviveplayer: "复活", nobody: "还没有人来过。",
+  chooseplayer: "请选择玩家", notonpage: "{name}（不在本页）",
+  killsure: "要杀死 {name} 吗？商店不为死者服务。",
+  leavesure: "要让 {name} 离开服务器吗？打开的菜单和表单会被关闭。",
   player: "玩家", finditem: "查找物品", count: "数量", variant: "种类", slot: "槽位",
   slotfree: "第一个空位", slotinventory: "物品栏 {number}", slothotbar: "快捷栏 {number}", slotarmor: "盔甲 {number}", slotoffhand: "副手",
   givebyname: "从物品表选择", givebysnbt: "用 SNBT", snbt: "SNBT", giveit: "给予", given: "{name} 得到 {count} × {item}。",

@@ -3,7 +3,7 @@
 import assert from "node:assert/strict";
 import { beforeEach, test } from "node:test";
 
-import { money, onpages, play, purse } from "./play.mjs";
+import { count, money, onpages, play, purse } from "./play.mjs";
 import { joins } from "./stage.mjs";
 
 onpages();
@@ -51,4 +51,67 @@ test("a server that is started anew, under an open page", async () => {
   await bo.chat.locator(".line-reply").waitFor();
   await page.locator(".logline").nth(logged).waitFor();
   forgive(unreached);
+});
+
+test("the operator sets and gives nothing unasked, and is asked before he harms", async () => {
+  await page.locator("[data-t=operator]").first().click();
+  await server.call("POST", "/api/players", { name: "Ada" });  // first in the alphabet, and not on this page
+  const tom = await joins(page, { name: "Tom", permission: "1" }), row = page.locator('[data-row="Tom"]');
+  await money(tom, purse);
+  await row.locator(".amount").fill("");
+  await row.getByRole("button", { name: "Set" }).click();
+  await row.locator(".amount:focus:invalid").waitFor();
+  await row.locator(".amount").fill("71");
+  await row.getByRole("button", { name: "Set" }).click();
+  await money(tom, 71);
+
+  const badge = tom.card.locator(".badge", { hasText: /^\d –/ });
+  assert.equal(await badge.textContent(), "1 – game master");
+  await row.getByLabel("Permission").selectOption("0");
+  await badge.waitFor({ state: "hidden" });
+  await row.getByLabel("Permission").selectOption("2");
+  await badge.filter({ hasText: "2 – admin" }).waitFor();
+
+  const asked = page.getByRole("alertdialog"), dead = tom.card.locator(".badge.bad");
+  await row.getByRole("button", { name: "Kill" }).click();
+  await asked.getByText("Kill Tom?").waitFor();
+  await page.keyboard.press("Escape");
+  await row.getByRole("button", { name: "Kill" }).and(page.locator(":focus")).click();
+  await asked.getByRole("button", { name: "Cancel" }).click();
+  assert.equal((await server.call("GET", "/api/players")).players.find(({ name }) => name === "Tom").alive, true);
+  await row.getByRole("button", { name: "Kill" }).click();
+  await asked.getByRole("button", { name: "Kill" }).click();
+  await dead.waitFor();
+  await row.getByRole("button", { name: "Revive" }).click();
+  await dead.waitFor({ state: "hidden" });
+
+  await page.getByRole("tab", { name: "Give" }).click();
+  const panel = page.locator("#panel-give"), give = panel.getByRole("button", { name: "Give it" }), outcome = panel.locator(".outcome");
+  const whom = panel.getByLabel("Player");
+  assert.equal(await whom.inputValue(), "Tom");
+  await whom.locator("option", { hasText: "Ada (not on this page)" }).waitFor({ state: "attached" });
+  await page.getByRole("searchbox").fill("emerald");
+  await panel.locator('[data-item="minecraft:emerald"]').click();
+  await page.getByRole("searchbox").fill("no such thing");
+  await page.keyboard.press("Enter");  // before the list is made anew
+  await outcome.filter({ hasText: "Choose an item first." }).waitFor();
+  await page.getByRole("searchbox").fill("");
+  await give.click();
+  assert.equal(await count("Tom", "minecraft:emerald"), 0);
+  await panel.getByLabel("Count", { exact: true }).fill("");
+  await page.getByLabel("As SNBT").check();
+  await panel.locator("textarea").fill('{Count:7b,Damage:0s,Name:"minecraft:torch",WasPickedUp:0b}');
+  await give.click();
+  await outcome.filter({ hasText: "Tom has it." }).waitFor();
+  assert.equal(await count("Tom", "minecraft:torch"), 7);
+
+  await tom.card.getByRole("button", { name: "Leave the server" }).click();
+  await asked.getByRole("button", { name: "Cancel" }).click();
+  assert.equal(await tom.card.count(), 1);
+  await tom.card.getByRole("button", { name: "Leave the server" }).click();
+  await asked.getByRole("button", { name: "Leave the server" }).click();
+  await tom.card.waitFor({ state: "detached" });
+  await whom.and(page.locator(":invalid")).waitFor();
+  await give.click();
+  assert.deepEqual([await whom.inputValue(), await count("Ada", "minecraft:torch")], ["", 0], "not to the next best");
 });

@@ -84,6 +84,7 @@ test("whoever is killed before he answers keeps his goods", async () => {
   const jan = await joins(page, { name: "Jan" });
   await offerswheat(jan);
   await page.locator('[data-row="Jan"]').getByRole("button", { name: "Kill" }).click();
+  await page.getByRole("alertdialog").getByRole("button", { name: "Kill" }).click();
   await jan.card.locator(".badge.bad:visible").waitFor();
   await jan.form.getByRole("button", { name: "Submit" }).click();
   await jan.chat.locator(".line-chat", { hasText: "Dead people" }).waitFor();

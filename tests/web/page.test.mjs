@@ -124,6 +124,7 @@ test("the operator gives, pays, kills and pauses, and reads the log", async () =
   await rowof.getByRole("button", { name: "Set" }).click();
   await money(fay, 777);
   await rowof.getByRole("button", { name: "Kill" }).click();
+  await page.getByRole("alertdialog").getByRole("button", { name: "Kill" }).click();
   await fay.card.locator(".badge.bad:visible").waitFor();
   await rowof.getByRole("button", { name: "Revive" }).click();
   await fay.card.locator(".badge.bad").waitFor({ state: "hidden" });
@@ -166,10 +167,13 @@ test("the command line completes and remembers", async () => {
 test("without the token, and from a foreign page, there is nothing", async () => {
   const wrong = await context.newPage();
   await wrong.goto(`${server.origin}/#token=0123`);
-  await wrong.locator(".tokenpage").waitFor();
+  await wrong.locator(".tokenpage", { hasText: "does not know this token" }).waitFor();
   await wrong.locator("input").fill(server.address);
   await wrong.getByRole("button").click();
   await wrong.locator("[data-action=first]").waitFor();
+  const without = await context.newPage();
+  await without.goto(server.origin);
+  await without.locator(".tokenpage", { hasText: "needs the server's token" }).waitFor();
   play.errors = play.errors.filter((text) => !text.includes("401"));
 
   const refused = [[{}, 401], [{ Authorization: "Bearer 0123" }, 401],
