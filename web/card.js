@@ -38,7 +38,7 @@ export class Card {
     this.formplace = h("div", { class: "formplace" });
     const avatar = h("span", { class: "avatar", "aria-hidden": "true" }, [...player.name][0].toUpperCase());
     avatar.style.background = tint(player.name);
-    this.element = h("article", { class: "card", "data-player": player.name },
+    this.element = h("article", { class: "card", "data-player": player.name, "aria-label": player.name, tabindex: -1 },
       h("header", { class: "cardhead" }, avatar,
         h("div", { class: "who" }, h("h2", {}, player.name), h("div", { class: "badges" },
           h("span", { class: "badge" }, player.language), h("span", { class: "badge", t: player.touch ? "touch" : "desktop" }),
@@ -136,6 +136,10 @@ export class Card {
     this.dead.hidden = alive !== false;
   }
 
+  setpaused(on) {
+    this.commands.setpaused(on);
+  }
+
   closemenu() {
     api.close(this.player.name).catch(this.report);
   }
@@ -147,6 +151,7 @@ export class Card {
 
   relabel() {
     this.screen.relabel();
+    this.commands.relabel();
     this.screen.element.setAttribute("aria-label", t("screenof", { name: this.player.name }));
     this.menumark.textContent = t(this.state?.open ? "menuopen" : "nomenu");
   }

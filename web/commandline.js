@@ -2,6 +2,7 @@
 // ones.
 import * as api from "/api.js";
 import { calmly, h } from "/dom.js";
+import { t } from "/strings.js";
 
 const common = ["ordomart", "ordomart buy", "ordomart recycle", "ordomart myshop", "ordomart ordomenu", "ordomart formmenu"];
 const started = ["ordomart search "];  // wants more words
@@ -15,8 +16,11 @@ export class CommandLine {
     this.at = 0;
     this.offers = [];
     this.chosen = -1;
+    this.paused = false;
+    this.waiting = [];  // sent since the server stands still
     const id = `complete-${player.xuid}`;
     this.list = h("ul", { class: "offers", role: "listbox", id, hidden: true });
+    this.waits = h("div", { class: "waits hint", role: "status" });
     this.hint = h("div", { class: "usage hint", "aria-live": "polite" });
     this.field = h("input", {
       type: "text", autocomplete: "off", autocapitalize: "off", spellcheck: "false", role: "combobox",
@@ -34,7 +38,19 @@ export class CommandLine {
         ...started.map((line) => this.button(`${line.trim()} …`, () => this.start(line)))),
       h("form", { class: "commandline", on: { submit } }, h("span", { class: "slash", "aria-hidden": "true" }, "/"), this.field,
         h("button", { type: "submit", t: "send" }), this.list),
-      this.hint);
+      this.waits, this.hint);
+  }
+
+  // A server that stands still takes everything in and answers nothing.
+  setpaused(on) {
+    this.paused = on;
+    this.waiting = [];
+    this.relabel();
+  }
+
+  relabel() {
+    const lines = this.waiting.map((line) => `/${line}`).join(", ");
+    this.waits.textContent = !this.paused ? "" : lines === "" ? t("allwaits") : t("commandswait", { lines });
   }
 
   button(text, click) {
@@ -55,6 +71,8 @@ export class CommandLine {
     this.field.value = "";
     this.offer([]);
     this.hint.textContent = "";
+    if (this.paused) this.waiting.push(line);
+    this.relabel();
     api.command(this.player.name, line).catch(this.report);
   }
 

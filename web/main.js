@@ -19,11 +19,13 @@ const informpause = 250, informevery = 5000;
 const cards = new Map();
 let known = [];  // the players as last read
 let run = "";  // which run of the server everything here is of
+let paused = false;
 let operator = null;
 const cardplace = h("div", { class: "cards" });
 const empty = emptystate();
-const again = new Rejoin({ joined: async (names) => { for (const name of names) await opencard(name); }, changed: arrange });
+const again = new Rejoin({ joined: rejoined, changed: arrange });
 const status = h("span", { class: "connection", role: "status" });
+const halted = h("span", { class: "halted", role: "status" });
 const stream = new Stream({ event: onevent, state: onstate });
 
 // ---- the cards
@@ -58,6 +60,7 @@ function addcard(name, picture) {
   again.settle(name);
   card.begin(picture);
   card.inform(player);
+  card.setpaused(paused);
   cardplace.append(card.element);
   arrange();
   listen();
@@ -79,9 +82,14 @@ async function startanew() {
 }
 
 function dropcard(name) {
-  cards.get(name)?.element.remove();
-  if (cards.delete(name)) listen();
+  const card = cards.get(name);
+  if (!card) return;
+  const washere = card.element.contains(document.activeElement);
+  card.element.remove();
+  cards.delete(name);
+  listen();
   arrange();
+  if (washere) ([...cards.values()][0]?.element ?? empty.querySelector("button")).focus();
 }
 
 function arrange() {
@@ -100,6 +108,7 @@ const handlers = {
       startanew().catch(notice);
     }
     operator.time.draw(state);
+    setpaused(state.paused);
     inform();
   },
   client: ({ player, state }) => cards.get(player)?.draw(state),
@@ -126,6 +135,17 @@ function onevent(event, data) {
   }
   performance.measure("update", { start: begun, detail: event });
 }
+
+function setpaused(on) {
+  if (on === paused) return;
+  paused = on;
+  const washere = halted.contains(document.activeElement);
+  halted.replaceChildren(...(on ? [h("span", { t: "halted" }), h("button", { type: "button", class: "quiet", t: "resume", on: { click: goon } })] : []));
+  if (washere) operatorbutton.focus();
+  for (const card of cards.values()) card.setpaused(on);
+}
+
+const goon = () => api.speed({ paused: false }).catch(notice);
 
 function onstate(state) {
   setlabel(status, "t", state);
@@ -158,7 +178,16 @@ function eventually(pause, work) {
 
 // ---- the page around them
 
-const joined = (name) => opencard(name);
+// Whoever was just joined is the one to go on with; the button that did it may be gone.
+async function joined(name) {
+  await opencard(name);
+  cards.get(name)?.element.focus();
+}
+
+async function rejoined(names) {
+  for (const name of names) await opencard(name);
+  cards.get(names[0])?.element.focus();
+}
 
 function emptystate() {
   return h("section", { class: "empty", hidden: true },
@@ -195,7 +224,20 @@ const sound = h("button", { type: "button", t: audible() ? "soundon" : "soundoff
   setlabel(sound, "t", audible() ? "soundon" : "soundoff");
   sound.setAttribute("aria-pressed", String(audible()));
 } } });
-const operatorbutton = h("button", { type: "button", t: "operator", on: { click: () => showoperator(operator.element.hidden) } });
+const operatorbutton = h("button", { type: "button", t: "operator", on: { click: turnoperator } });
+
+// In a narrow window the panel stands below the cards: there the button leads to it, and only closes what is seen.
+function turnoperator() {
+  const panel = operator.element;
+  if (!panel.hidden && panel.getBoundingClientRect().top < innerHeight) return showoperator(false);
+  showoperator(true);
+  operator.reveal();
+}
+
+function closeoperator() {
+  showoperator(false);
+  operatorbutton.focus();
+}
 
 function showoperator(on) {
   operator.element.hidden = !on;
@@ -205,7 +247,7 @@ function showoperator(on) {
 
 function head() {
   return h("header", { class: "pagehead" },
-    h("div", { class: "brand" }, h("img", { src: "/favicon.svg", alt: "", width: 28, height: 28 }), h("strong", {}, "Ordomart"), h("span", { t: "playground" }), status),
+    h("div", { class: "brand" }, h("img", { src: "/favicon.svg", alt: "", width: 28, height: 28 }), h("strong", {}, "Ordomart"), h("span", { t: "playground" }), status, halted),
     h("nav", {}, h("button", { type: "button", class: "main", t: "addplayer", on: { click: () => joindialogue(joined).catch(notice) } }),
       operatorbutton, sound, languages, themes));
 }
@@ -247,7 +289,7 @@ async function begin() {
     notice(error);
     return void setTimeout(begin, 2000);
   }
-  operator = new Operator({ players: () => known, reload: readplayers, opencard, onpage: (name) => cards.has(name) });
+  operator = new Operator({ players: () => known, reload: readplayers, opencard, onpage: (name) => cards.has(name), close: closeoperator });
   document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, again.element, empty, cardplace), operator.element));
   showoperator(remembered("operator", false));
   const before = remembered("open", []);

@@ -1,5 +1,5 @@
 // The operator's side: who is here and what he owns, gifts, scores, the server's time and its log, as tabs. `context`
-// is what the page shares with them: players() as last read, reload(), opencard(name), onpage(name).
+// is what the page shares with them: players() as last read, reload(), opencard(name), onpage(name), close().
 import { h } from "/dom.js";
 import { Give } from "/opgive.js";
 import { Log } from "/oplog.js";
@@ -21,8 +21,9 @@ export class Operator {
       return h("button", { type: "button", role: "tab", id: `tab-${key}`, "aria-controls": `panel-${key}`, t: key,
                            on: { click: () => this.show(key), keydown: (event) => this.keys(event, number) } });
     });
+    const close = h("button", { type: "button", class: "icon", ttitle: "closeoperator", tlabel: "closeoperator", on: { click: context.close } }, "✕");
     this.element = h("aside", { class: "operator", tlabel: "operator" },
-      h("div", { class: "tabs", role: "tablist", tlabel: "operator" }, ...this.buttons), ...this.pages.map(({ page }) => page.element));
+      h("div", { class: "operatorhead" }, h("div", { class: "tabs", role: "tablist", tlabel: "operator" }, ...this.buttons), close), ...this.pages.map(({ page }) => page.element));
     this.show(remembered("tab", "players"));
   }
 
@@ -35,6 +36,13 @@ export class Operator {
       if (own === chosen) page.shown?.();
     }
     remember("tab", chosen);
+  }
+
+  // Brings it before the eyes and under the keys.
+  reveal() {
+    const { top } = this.element.getBoundingClientRect();
+    if (top < 0 || top > innerHeight / 2) this.element.scrollIntoView();
+    this.buttons.find((button) => button.tabIndex === 0).focus({ preventScroll: true });
   }
 
   keys(event, number) {

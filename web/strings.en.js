@@ -5,6 +5,8 @@ export default {
   soundon: "Sounds: on", soundoff: "Sounds: off",
   operator: "Operator",
   live: "live", lost: "connecting…", full: "too many pages are open", refused: "refused",
+  halted: "server paused",
+  closeoperator: "Close the operator's side",
   addplayer: "Join a player",
 
   emptytitle: "Join a player to begin",
@@ -15,7 +17,7 @@ export default {
   first2: "Open the market with one of the buttons below his screen.",
   first3: "Click the goods, answer the forms, look at both purses.",
 
-  again: "Join again", restarted: "The server was started anew, and nobody is on it any more. Left behind: {names}.",
+  again: "Join again", restarted: "The server was started anew. No longer on it: {names}.",
   werehere: "No longer on the server: {names}.", joinagain: "Join again: {names}", notnow: "Not now",
   startedanew: "The server was started anew.",
 
@@ -41,6 +43,8 @@ export default {
   coins: "{amount} coins", offline: "This player has left the server.",
 
   command: "Command", commandhint: "Type a command, Tab completes", send: "Send",
+  allwaits: "The server is paused: commands, clicks and answers wait until it goes on.",
+  commandswait: "The server is paused; until it goes on these wait: {lines}",
   quick: "Common commands",
   chat: "Chat and sounds", chatempty: "Chat, replies, toasts and sounds appear here.",
   form: "Form", submit: "Submit", formbroken: "The server sent a form that cannot be read.",

@@ -5,6 +5,8 @@ export default {
   soundon: "声音：开", soundoff: "声音：关",
   operator: "管理",
   live: "已连接", lost: "连接中…", full: "打开的页面太多", refused: "被拒绝",
+  halted: "服务器已暂停",
+  closeoperator: "关闭管理面板",
   addplayer: "加入玩家",
 
   emptytitle: "先加入一名玩家",
@@ -15,7 +17,7 @@ export default {
   first2: "用画面下方的按钮打开商店。",
   first3: "点击商品，填写表单，看看双方的钱包。",
 
-  again: "重新加入", restarted: "服务器已重新启动，所有人都已离线。离开的玩家：{names}。",
+  again: "重新加入", restarted: "服务器已重新启动。已不在服务器上：{names}。",
   werehere: "已不在服务器上：{names}。", joinagain: "重新加入：{names}", notnow: "暂不",
   startedanew: "服务器已重新启动。",
 
@@ -41,6 +43,8 @@ export default {
   coins: "{amount} 金币", offline: "该玩家已离开服务器。",
 
   command: "命令", commandhint: "输入命令，按 Tab 补全", send: "发送",
+  allwaits: "服务器已暂停：命令、点击和回答会等到它继续。",
+  commandswait: "服务器已暂停，以下命令等待它继续：{lines}",
   quick: "常用命令",
   chat: "聊天与声音", chatempty: "聊天、回复、提示和声音会显示在这里。",
   form: "表单", submit: "提交", formbroken: "服务器发来的表单无法读取。",

@@ -4,7 +4,7 @@ import assert from "node:assert/strict";
 import { beforeEach, test } from "node:test";
 
 import { count, money, onpages, play, purse } from "./play.mjs";
-import { joins } from "./stage.mjs";
+import { joins, Player } from "./stage.mjs";
 
 onpages();
 let server, page;
@@ -114,4 +114,50 @@ test("the operator sets and gives nothing unasked, and is asked before he harms"
   await whom.and(page.locator(":invalid")).waitFor();
   await give.click();
   assert.deepEqual([await whom.inputValue(), await count("Ada", "minecraft:torch")], ["", 0], "not to the next best");
+});
+
+test("what is done is seen and has the keys, in a narrow window, too", async () => {
+  const focused = (target) => target.and(page.locator(":focus")).waitFor();
+  await page.locator("[data-t=joinother]").press("Enter");
+  const name = page.locator("dialog.join").getByLabel("Name", { exact: true });
+  await name.pressSequentially("Sixteen letters or more");
+  assert.equal(await name.inputValue(), "Sixteen letters ");
+  await name.fill("Sixteen lettersX");
+  await page.keyboard.press("Enter");
+  const long = page.locator('[data-player="Sixteen lettersX"]');
+  await focused(long);
+  await long.getByRole("button", { name: "Hide this card" }).press("Enter");
+  const first = page.locator("[data-action=first]");
+  await focused(first);
+  await page.keyboard.press("Enter");
+  const alice = new Player(page, "Alice");
+  await focused(alice.card);
+
+  await page.setViewportSize({ width: 900, height: 700 });
+  const opener = page.getByRole("button", { name: "Operator", exact: true }), panel = page.locator(".operator");
+  const inview = () => panel.evaluate((at) => { const { top } = at.getBoundingClientRect(); return top >= -1 && top < innerHeight / 2; });
+  const tab = page.getByRole("tab", { name: "Players" });
+  for (const way of ["closed", "out of sight"]) {
+    await opener.press("Enter");
+    await focused(tab);
+    assert.ok(await inview(), way);
+  }
+  await page.getByRole("button", { name: "Close the operator" }).press("Enter");
+  await panel.waitFor({ state: "hidden" });
+  await focused(opener);
+
+  await server.call("POST", "/api/speed", { paused: true });
+  const head = page.getByRole("banner"), waits = alice.card.locator(".waits");
+  await head.getByText("server paused").waitFor();
+  await waits.filter({ hasText: "commands, clicks and answers wait" }).waitFor();
+  await alice.types("nonsense");
+  await waits.filter({ hasText: "these wait: /nonsense" }).waitFor();
+  assert.equal(await alice.chat.locator(".line-reply").count(), 0);
+  const late = await joins(page, { name: "Late" });
+  await late.card.locator(".waits").filter({ hasText: "paused" }).waitFor();
+  await head.getByRole("button", { name: "Go on" }).press("Enter");
+  await alice.chat.locator(".line-reply", { hasText: "nonsense" }).waitFor();
+  for (const gone of [waits, late.card.locator(".waits")]) await gone.and(page.locator(":empty")).waitFor({ state: "attached" });
+  await head.getByText("server paused").waitFor({ state: "detached" });
+  await focused(opener);
 });

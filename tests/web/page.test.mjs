@@ -145,7 +145,7 @@ test("the operator gives, pays, kills and pauses, and reads the log", async () =
   await page.getByRole("button", { name: "Pause" }).click();
   await page.locator(".timestate", { hasText: "paused" }).waitFor();
   assert.equal((await server.call("GET", "/api/server")).paused, true);
-  await page.getByRole("button", { name: "Go on" }).click();
+  await page.locator("#panel-time").getByRole("button", { name: "Go on" }).click();
   await page.locator(".timestate", { hasText: "running" }).waitFor();
   await page.getByRole("tab", { name: "Log" }).click();
   await page.locator(".logline", { hasText: "Ordomart" }).first().waitFor();
