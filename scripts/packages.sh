@@ -17,5 +17,5 @@ need() {
   "${root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-builds=(g++ cmake ninja-build ccache mold libfmt-dev nlohmann-json3-dev libcpp-httplib-dev libssl-dev
+builds=(g++ cmake ninja-build ccache mold libfmt-dev nlohmann-json3-dev libsimdjson-dev libcpp-httplib-dev libssl-dev
         libsqlite3-dev libsqlitecpp-dev libarchive-dev libcli11-dev ca-certificates)

@@ -35,7 +35,7 @@ std::array<std::int32_t, 2> countersof(const sellshop& shop) { return {shop.sell
 std::array<std::int32_t, 2> countersof(const recycleshop& shop) { return {shop.recycleamount, shop.recyclecost}; }
 
 template <class Shop>
-goodsblock::header headof(Shop& shop) {
+goodsblock::header makehead(Shop& shop) {
     goodsblock::header head{.xuid = shop.xuid,
                             .shopname = shop.shopname,
                             .ownername = shop.ownername,
@@ -94,6 +94,9 @@ private:
 };
 
 }  // namespace
+
+goodsblock::header headof(sellshop& shop) { return makehead(shop); }
+goodsblock::header headof(recycleshop& shop) { return makehead(shop); }
 
 std::shared_ptr<const goodsblock> decodeshop(const std::string& xuid, int kind) {
     return kind == sell ? decoding<sellrows>(xuid).run() : decoding<recyclerows>(xuid).run();

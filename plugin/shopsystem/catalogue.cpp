@@ -47,6 +47,11 @@ void cut(shelf::blocks blocks, const shelf* before, std::vector<std::shared_ptr<
     if (!piece.empty()) into.push_back(std::make_shared<const shelf>(std::move(piece), before));
 }
 
+const goodsblock* blockof(const shelves& all, const std::string& xuid) {
+    const auto on = shelfof(all, xuid);
+    return on == nullptr ? nullptr : on->shops()[static_cast<std::size_t>(on->find(xuid))].get();
+}
+
 }  // namespace
 
 catalogue& catalogueof(int kind) {
@@ -88,7 +93,6 @@ std::shared_ptr<const shelves> catalogue::uptodate(const question& goeson, const
     told.swap(waiting_);
     {
         const platform::Turn turn;
-        if (only.empty()) globalruntimeshopmanager.askforall(kind_);
         for (const auto& key : std::exchange(changed_, {})) waiting_.insert(key);
     }
     const auto now = unixseconds();
@@ -113,7 +117,7 @@ bool catalogue::lookatall(const question& goeson, const std::string& only) {
     std::vector<std::string> unread;
     bool iswhole = true;
     const auto lookat = [&](const std::string& key) {
-        if (!look(key, changes)) unread.push_back(key);
+        if (!look(key, !only.empty(), changes)) unread.push_back(key);
         waiting_.erase(key);
     };
     const auto settle = [&] {
@@ -139,11 +143,12 @@ bool catalogue::lookatall(const question& goeson, const std::string& only) {
 }
 
 // False for one that cannot be read: it is tried again each time, since nobody tells when that has passed.
-bool catalogue::look(const std::string& xuid, news& changes) {
+bool catalogue::look(const std::string& xuid, bool istobeworkedon, news& changes) {
     changes[xuid] = nullptr;
     if (xuid.empty() || !files_.contains(xuid)) return true;
     try {
-        changes[xuid] = decodeshop(xuid, kind_);
+        auto block = istobeworkedon ? nullptr : decodefile(xuid, kind_, blockof(*current_, xuid));
+        changes[xuid] = block != nullptr ? std::move(block) : decodeshop(xuid, kind_);
         return true;
     } catch (const std::exception& e) {
         const platform::Turn turn;

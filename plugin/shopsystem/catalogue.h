@@ -41,7 +41,7 @@ private:
 
     void listen();
     [[nodiscard]] bool lookatall(const question& goeson, const std::string& only);
-    [[nodiscard]] bool look(const std::string& xuid, news& changes);
+    [[nodiscard]] bool look(const std::string& xuid, bool istobeworkedon, news& changes);
     void apply(const news& changes);
 
     const int kind_;

@@ -108,6 +108,13 @@ void readrow(const goodsblock& block, std::size_t i, globalrecycleshopitem& into
     into.filteritemnbt = (row.flags & goodsblock::bynbt) != 0;
 }
 
+bool goodsblock::saysthesame(const goodsblock& other) const {
+    auto head = other.shop;
+    head.revision = shop.revision;
+    return head == shop && rows == other.rows && tags == other.tags && nameoffsets == other.nameoffsets &&
+           describeoffsets == other.describeoffsets && stackoffsets == other.stackoffsets && texts == other.texts;
+}
+
 void blockbuilder::add(const globalsellshopitem& row) {
     add({row.index, row.shopitemleftnum, row.realprice, row.price, 0,
          static_cast<std::uint8_t>(row.allowbesearched ? 0 : goodsblock::isprivate)},
@@ -140,7 +147,7 @@ void blockbuilder::add(goodsblock::row row, std::string_view tag, std::string_vi
     append(stacks_, made_.stackoffsets, stack);
 }
 
-std::shared_ptr<const goodsblock> blockbuilder::finish(goodsblock::header shop) {
+std::shared_ptr<goodsblock> blockbuilder::finish(goodsblock::header shop) {
     made_.shop = std::move(shop);
     const auto shift = [](std::vector<std::uint32_t>& offsets, std::size_t by) {
         for (auto& offset : offsets) offset += static_cast<std::uint32_t>(by);
@@ -154,7 +161,7 @@ std::shared_ptr<const goodsblock> blockbuilder::finish(goodsblock::header shop) 
     made_.texts.append(textfilter::slack, '\0');
     made_.rows.shrink_to_fit();
     made_.tags.shrink_to_fit();
-    return std::make_shared<const goodsblock>(std::move(made_));
+    return std::make_shared<goodsblock>(std::move(made_));
 }
 
 }  // namespace shopsystem

@@ -37,6 +37,7 @@ public:
         // The Unix seconds between which prices and ban are what they are here: after the first, up to the second.
         std::int64_t since = std::numeric_limits<std::int64_t>::min();
         std::int64_t until = std::numeric_limits<std::int64_t>::max();
+        bool operator==(const header&) const = default;
         [[nodiscard]] bool holdsat(std::int64_t now) const { return since < now && now <= until; }
     };
     struct row {
@@ -44,6 +45,7 @@ public:
         std::int32_t other;  // list price of goods; pieces taken in of a commission
         std::uint32_t tag;   // in `tags`
         std::uint8_t flags;
+        bool operator==(const row&) const = default;
     };
 
     header shop;
@@ -53,6 +55,8 @@ public:
     std::vector<std::uint32_t> nameoffsets{0}, describeoffsets{0}, stackoffsets{0};
     std::string texts;
 
+    // Whether all of it is the same, whatever the revision.
+    [[nodiscard]] bool saysthesame(const goodsblock& other) const;
     [[nodiscard]] std::string_view name(std::size_t i) const { return text(nameoffsets, i); }
     [[nodiscard]] std::string_view describe(std::size_t i) const { return text(describeoffsets, i); }
     [[nodiscard]] std::string_view stack(std::size_t i) const { return text(stackoffsets, i); }
@@ -81,7 +85,7 @@ class blockbuilder {
 public:
     void add(const globalsellshopitem& row);
     void add(const globalrecycleshopitem& row);
-    [[nodiscard]] std::shared_ptr<const goodsblock> finish(goodsblock::header shop);
+    [[nodiscard]] std::shared_ptr<goodsblock> finish(goodsblock::header shop);
 
 private:
     void add(goodsblock::row row, std::string_view tag, std::string_view name, std::string_view describe,

@@ -17,6 +17,7 @@ template <class Shop>
 struct freshshop {
     Shop shop;
     bool isnewfile;
+    std::uint64_t stamp;  // of its file; 0: nobody knows
 };
 
 template <class Shop>
@@ -31,15 +32,16 @@ template <class Shop>
 freshshop<Shop> readshop(const std::string& xuid) {
     if (const auto left = leftrecord(xuid, sectionof<Shop>)) {
         try {
-            freshshop<Shop> fresh{shopof<Shop>(xuid, *left), false};
+            freshshop<Shop> fresh{shopof<Shop>(xuid, *left), false, 0};
             fresh.shop.isdirty = true;  // its file does not have it
             return fresh;
         } catch (const shopfileerror& e) {
             setasideleftrecord(xuid, sectionof<Shop>, e.what());
         }
     }
+    const auto before = filestamp(xuid);
     const auto [content, isnewfile] = loadsection(xuid, sectionof<Shop>);
-    return {shopof<Shop>(xuid, content), isnewfile};
+    return {shopof<Shop>(xuid, content), isnewfile, before == filestamp(xuid) ? before : 0};
 }
 
 // One kind of shops, and the other kind, with which it shares the files.
@@ -73,6 +75,7 @@ public:
         if (touch(xuid) == nullptr) enter(xuid, std::move(fresh));
     }
 
+    [[nodiscard]] shoptable<Shop>& shops() { return shops_; }
     [[nodiscard]] Shop* cached(const std::string& xuid) { return shops_.find(xuid); }
 
     saving<Shop> saves;
@@ -93,7 +96,7 @@ private:
             other->idleticks = 0;
         }
         catalogueof(sectionof<Shop>).changed(xuid);
-        return shops_.insert(xuid, std::move(fresh.shop));
+        return shops_.insert(xuid, std::move(fresh.shop), fresh.stamp);
     }
 
     shoptable<Shop>& shops_;
@@ -139,8 +142,22 @@ void runtimeshopmanager::bringin(const std::string& xuid, int type) {
     maps_->oftype(type, [&](auto& kind) { kind.bring(xuid); });
 }
 
-void runtimeshopmanager::askforall(int type) {
-    maps_->oftype(type, [](auto& kind) { kind.saves.askforall(); });
+std::optional<std::uint32_t> runtimeshopmanager::readaside(const std::string& xuid, int type, std::uint64_t stamp,
+                                                           bool issame) {
+    return maps_->oftype(type, [&](auto& kind) -> std::optional<std::uint32_t> {
+        if (kind.cached(xuid) != nullptr) return std::nullopt;
+        return kind.shops().readaside(xuid, stamp, issame);
+    });
+}
+
+std::uint32_t runtimeshopmanager::revisionof(const std::string& xuid, int type) {
+    return maps_->oftype(type, [&](auto& kind) {
+        if (const auto* shop = kind.cached(xuid)) return shop->revision;
+        const auto last = kind.shops().lastrevision(xuid);
+        if (!last) return kind.get(xuid).revision;
+        taskpool.enqueue([this, xuid, type] { bringin(xuid, type); });
+        return *last;
+    });
 }
 
 void runtimeshopmanager::tick() {

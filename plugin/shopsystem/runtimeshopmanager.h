@@ -2,7 +2,9 @@
 // it gives is good for the operation at hand.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,8 +30,13 @@ public:
     // Background threads, not in a turn: brings a shop in, with reading and parsing outside of the turn, so that a
     // following getshop finds it. Throws what getshop throws.
     void bringin(const std::string& xuid, int type);
-    // In a turn: as if every shop in the cache had been asked for.
-    void askforall(int type);
+    // The revision of a shop that was read from its file for a list alone; nothing when it is in the cache, which
+    // stands above its file. As shoptable::readaside.
+    [[nodiscard]] std::optional<std::uint32_t> readaside(const std::string& xuid, int type, std::uint64_t stamp,
+                                                         bool issame);
+    // The present revision, to hold a row against. Waits for no file where the shop has been seen in this run: it is
+    // brought in beside the server, since somebody is about to work on it.
+    [[nodiscard]] std::uint32_t revisionof(const std::string& xuid, int type);
     // One pass over both maps, each second, on the server thread; touches no file.
     void tick();
     // Orderly stop: enqueues a save of whatever has not reached its file. As often as something may have changed.

@@ -124,6 +124,24 @@ loadedsection loadsection(const std::string& xuid, int section) {
     });
 }
 
+std::uint64_t filestamp(const std::string& xuid) {
+    const Files& files = *host().files;
+    std::uint64_t hash = 14695981039346656037ULL;
+    const auto add = [&](std::uint64_t part) { hash = (hash ^ part) * 1099511628211ULL; };
+    if (const auto stamp = files.stamp(shopfile(xuid))) {
+        for (const auto part : {stamp->file, stamp->size, static_cast<std::uint64_t>(stamp->modified),
+                                static_cast<std::uint64_t>(stamp->changed)}) {
+            add(part & 0xFFFFFFFFU);
+            add(part >> 32U);
+        }
+        return hash | 1U;
+    }
+    const auto text = files.read(shopfile(xuid));
+    if (!text) return 0;
+    for (const char c : *text) add(static_cast<unsigned char>(c));
+    return hash | 1U;
+}
+
 void saveshopdata(const std::string& xuid, const json& value, int section, const std::function<json()>& other) {
     const char* const otherkey = sectionkey(1 - section);
     json known;

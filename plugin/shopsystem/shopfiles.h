@@ -50,6 +50,10 @@ struct loadedsection {
 };
 [[nodiscard]] loadedsection loadsection(const std::string& xuid, int section);
 
+// By which a file that has changed is known: what its file system says of it, or its content on a host that has no such
+// thing. 0 for one that is not there.
+[[nodiscard]] std::uint64_t filestamp(const std::string& xuid);
+
 // Replaces one section and keeps the other as it stands on the disk. Where it does not stand there any more, it is what
 // `other` gives; when this is null and the file has gone or is empty, it begins anew, which is told. Throws
 // shopfileerror for a file that does not parse, std::runtime_error for one that cannot be read or written, both with

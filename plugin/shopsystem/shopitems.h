@@ -45,6 +45,34 @@ struct globalrecycleshopitem : recycleshopitem {
 void tojson(const shopitem& item, nlohmann::json& out);         // all seven keys
 void tojson(const recycleshopitem& item, nlohmann::json& out);  // all twelve keys, and "sponsored" when it is something
 
+// Visits all fields that every record has, each with its key.
+template <class Item, class Visit>
+void visitsellfields(Item& item, Visit&& visit) {
+    visit("shopitemtag", item.shopitemtag);
+    visit("shopitemname", item.shopitemname);
+    visit("shopitemdescribe", item.shopitemdescribe);
+    visit("itemnbt", item.itemnbt);
+    visit("shopitemleftnum", item.shopitemleftnum);
+    visit("price", item.price);
+    visit("allowbesearched", item.allowbesearched);
+}
+template <class Item, class Visit>
+void visitrecyclefields(Item& item, Visit&& visit) {
+    visit("recycleitemtag", item.recycleitemtag);
+    visit("recycleitemname", item.recycleitemname);
+    visit("recycleitemdescribe", item.recycleitemdescribe);
+    visit("itemnbt", item.itemnbt);
+    visit("recycleitemleftwanna", item.recycleitemleftwanna);
+    visit("nowhasrecyclenum", item.nowhasrecyclenum);
+    visit("offer", item.offer);
+    visit("allowbesearched", item.allowbesearched);
+    visit("filterauxordamage", item.filterauxordamage);
+    visit("filterench", item.filterench);
+    visit("filteritemnbt", item.filteritemnbt);
+    visit("recycleditemnbtlist", item.recycleditemnbtlist);
+}
+inline constexpr const char* sponsoredkey = "sponsored";  // a commission has it only where it is something
+
 // A missing key keeps the field's value; a record that is no object, and a wrong type in it, throw fielderror.
 void fromjson(const nlohmann::json& record, shopitem& item);  // realprice is the list price
 void fromjson(const nlohmann::json& record, recycleshopitem& item);

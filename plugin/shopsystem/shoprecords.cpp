@@ -115,11 +115,13 @@ void bringinrecords() {
     ordomart::envelope([&] { Background::start(bringall); });
 }
 
+bool hasleftrecord(const std::string& xuid, int kind) {
+    const std::lock_guard alone(left.mutex);
+    return left.all.contains({xuid, kind});
+}
+
 std::optional<json> leftrecord(const std::string& xuid, int kind) {
-    {
-        const std::lock_guard alone(left.mutex);
-        if (!left.all.contains({xuid, kind})) return std::nullopt;
-    }
+    if (!hasleftrecord(xuid, kind)) return std::nullopt;
     const auto key = keyof(xuid, kind);
     const Turn turn;
     const auto bytes = host().records->get(table, key);

@@ -23,6 +23,7 @@ void bringinrecords();
 // The section that the last run left in the records, which stands above what the file says. One that does not parse is
 // put aside. Any thread; not while a mutex is held that is taken in a turn.
 [[nodiscard]] std::optional<json> leftrecord(const std::string& xuid, int kind);
+[[nodiscard]] bool hasleftrecord(const std::string& xuid, int kind);
 // One that is broken: it is named and kept in the table "shops.broken", and the file stands.
 void setasideleftrecord(const std::string& xuid, int kind, const std::string& why);
 // The shop is in the cache.

@@ -37,7 +37,6 @@ public:
 
     void tick() {
         for (auto place = table_.begin(); place != table_.end();) {
-            if (asked_) place->shop.idleticks = 0;
             if (isdone(*place)) {
                 catalogueof(sectionof<Shop>).changed(place->key);
                 place = table_.erase(place);
@@ -46,11 +45,7 @@ public:
                 ++place;
             }
         }
-        asked_ = false;
     }
-
-    // Somebody has asked for all shops at once.
-    void askforall() { asked_ = true; }
 
     // Enqueues a save of whatever has not reached its file, whether or not it waits for another try.
     void saveall() {
@@ -169,7 +164,6 @@ private:
     }
 
     shoptable<Shop>& table_;
-    bool asked_ = false;
     const std::function<json(const std::string& xuid)> other_;
 };
 

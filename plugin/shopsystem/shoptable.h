@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -61,26 +62,46 @@ public:
         const auto found = places_.find(key);
         return found == places_.end() ? nullptr : &found->second->shop;
     }
-    // One revision beyond the last of a shop that has been here before: the file may have been changed by hand
-    // meanwhile.
-    Shop& insert(const std::string& key, Shop shop) {
-        if (const auto last = lastrevisions_.find(key); last != lastrevisions_.end()) shop.revision = last->second + 1;
+    // `stamp` is that of the file which the shop was read from. The revision is the one that the same file had for
+    // whoever read it without a shop; else it is one beyond the last, since the file may have been changed by hand.
+    Shop& insert(const std::string& key, Shop shop, std::uint64_t stamp) {
+        if (const auto last = known_.find(key); last != known_.end())
+            shop.revision = last->second.revision + (last->second.stamp == stamp && stamp != 0 ? 0 : 1);
         entries_.push_back({key, std::move(shop)});
         places_.emplace(entries_.back().key, std::prev(entries_.end()));
         return entries_.back().shop;
     }
     iterator erase(iterator place) {
-        lastrevisions_[place->key] = place->shop.revision;
+        known_[place->key] = {place->shop.revision, 0};
         places_.erase(place->key);
         return entries_.erase(place);
+    }
+    // The revision of a shop that is read from its file and not kept here. `issame` says that nothing in it is other
+    // than in the last one that was so read.
+    std::uint32_t readaside(const std::string& key, std::uint64_t stamp, bool issame) {
+        const auto [place, isnew] = known_.try_emplace(key, standing{0, stamp});
+        auto& [revision, last] = place->second;
+        const bool isold = last != 0 && (last == stamp || issame);
+        if (!isnew && !isold) ++revision;
+        last = stamp;
+        return revision;
+    }
+    // The revision of a shop that is not here, as far as somebody has seen it in this run.
+    [[nodiscard]] std::optional<std::uint32_t> lastrevision(const std::string& key) const {
+        const auto last = known_.find(key);
+        return last == known_.end() ? std::nullopt : std::optional(last->second.revision);
     }
     [[nodiscard]] iterator begin() { return entries_.begin(); }
     [[nodiscard]] iterator end() { return entries_.end(); }
 
 private:
     std::list<entry> entries_;
-    std::unordered_map<std::string_view, iterator, keyhash> places_;         // the keys are those of the entries
-    std::unordered_map<std::string, std::uint32_t, keyhash> lastrevisions_;  // of shops that were forgotten
+    std::unordered_map<std::string_view, iterator, keyhash> places_;  // the keys are those of the entries
+    struct standing {
+        std::uint32_t revision;
+        std::uint64_t stamp;  // of the file in which it stood so; 0: nobody knows
+    };
+    std::unordered_map<std::string, standing, keyhash> known_;  // of shops that are not here
 };
 
 }  // namespace shopsystem

@@ -129,7 +129,7 @@ void confirm(ServerPlayer* player, const facerecord& face, purchase wanted, cons
 }  // namespace
 
 bool isfresh(const globalsellshopitem& row) {
-    return isatrevision(globalruntimeshopmanager.getsellshop(row.xuid), row.revision);
+    return globalruntimeshopmanager.revisionof(row.xuid, sell) == row.revision;
 }
 
 void offertrade(ServerPlayer* player, const globalsellshopitem& row, tradeface which) {

@@ -70,7 +70,7 @@ void confirm(ServerPlayer* player, const facerecord& face, const recyclesale& sa
 }  // namespace
 
 bool isfresh(const globalrecycleshopitem& row) {
-    return isatrevision(globalruntimeshopmanager.getrecycleshop(row.xuid), row.revision);
+    return globalruntimeshopmanager.revisionof(row.xuid, recycle) == row.revision;
 }
 
 void offertrade(ServerPlayer* player, const globalrecycleshopitem& row, tradeface which) {

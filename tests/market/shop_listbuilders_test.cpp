@@ -171,8 +171,9 @@ TEST(ListBuilders, TheWorldGoesOnUnderAWalk) {
     for (const auto kind : {listkind::globalsell, listkind::singlesell}) {
         SCOPED_TRACE("banned in the middle of a long shop");
         Bazaar b;
+        (void)sells("b");
         b.orders("1", kind, "b");
-        b.behind("b", [&b] { b.beforeturn(4, [] { sells("b").setbanstate(true, -1, ""); }); });
+        b.beforeturn(kind == listkind::globalsell ? 7 : 4, [] { sells("b").setbanstate(true, -1, ""); });
         b.builders.run();
         EXPECT_EQ(b.rows("1"), kind == listkind::globalsell ? 4U : longshop);
     }

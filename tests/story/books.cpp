@@ -93,7 +93,11 @@ private:
         if (kind == sells && lapses(x, y)) demand(risen > 0, "a discount went without a new revision");
         const bool wasbanned = isbanned(x, now_.now);
         if (x["shopstate"] != y["shopstate"]) {
-            demand(!wasbanned || by_.bans || isbanned(y, now_.now), "a ban went by itself");
+            // A shop that is read in the last second of its ban is banned no more.
+            const bool stays = isbanned(x, now_.now + 1);
+            demand(!stays || by_.bans || isbanned(y, now_.now),
+                   fmt::format("a ban went by itself at {}: {} to {}", now_.now, x["shopstate"].dump(),
+                               y["shopstate"].dump()));
             demand(wasbanned || by_.bans || !isbanned(y, now_.now), "a ban came by itself");
             if (by_.bans) what = wasbanned == isbanned(y, now_.now) ? "ban again" : wasbanned ? "unban" : "ban";
             x["shopstate"] = y["shopstate"];
