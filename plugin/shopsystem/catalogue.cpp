@@ -67,8 +67,8 @@ void catalogue::listen() {
         std::unordered_set<std::string> now;
         for (auto& key : shopfilekeys()) now.insert(std::move(key));
         for (const auto& key : files_)
-            if (!now.contains(key)) waiting_.insert(key);
-        for (const auto& key : now) waiting_.insert(key);
+            if (!now.contains(key)) told_.insert(key);
+        for (const auto& key : now) told_.insert(key);
         files_ = std::move(now);
         return;
     }
@@ -80,7 +80,7 @@ void catalogue::listen() {
             files_.insert(name);
         else
             files_.erase(name);
-        waiting_.insert(name);
+        told_.insert(name);
     }
 }
 
@@ -88,9 +88,6 @@ std::shared_ptr<const shelves> catalogue::uptodate(const question& goeson, const
     const std::lock_guard alone(updating_);
     if (current_ == nullptr) apply({});
     listen();
-    // A shop that only its file has told of.
-    std::set<std::string, infileorderless> told;
-    told.swap(waiting_);
     {
         const platform::Turn turn;
         for (const auto& key : std::exchange(changed_, {})) waiting_.insert(key);
@@ -100,14 +97,14 @@ std::shared_ptr<const shelves> catalogue::uptodate(const question& goeson, const
         for (const auto& on : current_->all)
             for (const auto& block : on->shops())
                 if (!block->shop.holdsat(now)) waiting_.insert(block->shop.xuid);
-    for (const auto& key : told) {
+    for (const auto& key : told_) {
         if (!waiting_.contains(key) && files_.contains(key) && shelfof(*current_, key) != nullptr) {
             const platform::Turn turn;
             if (globalruntimeshopmanager.cached(key, kind_) != nullptr) continue;
         }
         waiting_.insert(key);
     }
-
+    told_.clear();
     return lookatall(goeson, only) ? current_ : nullptr;
 }
 
@@ -217,6 +214,7 @@ void catalogue::clear() {
     }
     watch_ = nullptr;
     files_.clear();
+    told_.clear();
     waiting_.clear();
     const std::lock_guard also(publishing_);
     current_ = nullptr;

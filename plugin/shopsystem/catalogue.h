@@ -50,7 +50,8 @@ private:
     std::mutex updating_;  // of what follows; turns are taken while it is held, so nobody in a turn may take it
     std::unique_ptr<platform::DirectoryWatch> watch_;
     std::unordered_set<std::string> files_;           // keys of all shop files
-    std::set<std::string, infileorderless> waiting_;  // to be looked at
+    std::unordered_set<std::string> told_;            // only by their files, which shops in the cache do not mind
+    std::set<std::string, infileorderless> waiting_;  // to be looked at, until it has been
 
     std::mutex publishing_;  // of what follows, for a moment
     std::shared_ptr<const shelves> current_;
