@@ -45,7 +45,7 @@ public:
     // The number of the last page. A list of exactly 26 rows has an empty second one.
     [[nodiscard]] std::int32_t lastpage() const { return static_cast<std::int32_t>(size()) / pagesize; }
 
-    // Ties are in the order of the files.
+    // Ties are in the order of the files; rows of one tag are first by their prices.
     void arrange(sortstep step) {
         auto runs = std::make_shared<rowruns>(step);
         for (const auto& from : sources_) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <queue>
 #include <random>
+#include <utility>
 
 namespace shopsystem {
 
@@ -135,7 +136,8 @@ std::vector<rowplace> rowruns::page(std::size_t first, std::size_t most) const {
         case byname:
             return select(all_, first, most, [](const shelf& of, rowno row) { return of.name(row); });
         case bytag:
-            return select(all_, first, most, [](const shelf& of, rowno row) { return of.tag(row); });
+            return select(all_, first, most,
+                          [](const shelf& of, rowno row) { return std::pair(of.tag(row), of.price(row)); });
         case byleft:
             return select(all_, first, most, [](const shelf& of, rowno row) { return of.left(row); });
         case byprice:
