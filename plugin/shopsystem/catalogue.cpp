@@ -21,6 +21,8 @@ constexpr std::size_t rowsonashelf = 4096, shopsonashelf = 4096;
 
 constexpr std::size_t mostfound = 16;
 
+bool hasfile(const std::string& xuid) { return platform::host().files->exists(shopfile(xuid)); }
+
 std::shared_ptr<const shelves> made(std::vector<std::shared_ptr<const shelf>> all) {
     shelves now{std::move(all), goodsblock::header().since, goodsblock::header().until};
     for (const auto& on : now.all)
@@ -76,7 +78,7 @@ void catalogue::listen() {
     for (auto& name : heard.names) {
         if (!name.ends_with(suffix)) continue;
         name.resize(name.size() - suffix.size());
-        if (platform::host().files->exists(shopfile(name)))
+        if (hasfile(name))
             files_.insert(name);
         else
             files_.erase(name);
@@ -130,6 +132,10 @@ bool catalogue::lookatall(const question& goeson, const std::string& only) {
         } else if (waiting_.contains(only) || shelfof(*current_, only) == nullptr) {
             files_.insert(only);  // it is made where there is none
             lookat(only);
+            if (!hasfile(only)) {  // but not while the shop is in the cache: it is there for this list alone
+                files_.erase(only);
+                waiting_.insert(only);
+            }
         }
     } catch (...) {
         settle();
