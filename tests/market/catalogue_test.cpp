@@ -1,0 +1,352 @@
+// Lists against their plain definition: a walk over all files and rows with the filters, and a stable sort. Between the
+// lists the shops change in all the ways there are. CATALOGUE_SEED and CATALOGUE_ROUNDS make longer and other runs.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <random>
+#include <tuple>
+
+#include "plugin/shopsystem/lists.h"
+#include "plugin/shopsystem/rowkinds.h"
+#include "plugin/shopsystem/shopfilter.h"
+#include "plugin/shopsystem/shoprows.h"
+#include "tests/market/shophost.h"
+
+using namespace shopsystem;
+using namespace std::string_literals;
+using market_tests::json;
+
+namespace {
+
+// A file that did not change is not told of, so that nothing is found by looking at everything again.
+struct StampedFiles : market_tests::ListedFiles {
+    std::optional<platform::FileStamp> stamp(const std::string& path) const override {
+        const auto found = contents.find(path);
+        if (found == contents.end()) return std::nullopt;
+        return platform::FileStamp{.file = std::hash<std::string>()(found->second), .size = found->second.size()};
+    }
+};
+
+auto fields(const globalsellshopitem& r) {
+    return std::tie(r.xuid, r.index, r.revision, r.shopname, r.isopshop, r.shopitemname, r.shopitemtag,
+                    r.shopitemdescribe, r.itemnbt, r.shopitemleftnum, r.price, r.realprice, r.allowbesearched);
+}
+auto fields(const globalrecycleshopitem& r) {
+    return std::tie(r.xuid, r.index, r.revision, r.shopname, r.isopshop, r.recycleitemname, r.recycleitemtag,
+                    r.recycleitemdescribe, r.itemnbt, r.recycleitemleftwanna, r.nowhasrecyclenum, r.offer,
+                    r.allowbesearched, r.filterauxordamage, r.filterench, r.filteritemnbt);
+}
+
+template <class Rows>
+constexpr bool sells = Rows::type == sell;
+
+enum class listof { every, system, single };
+
+struct World : market_tests::ShopHost {
+    StampedFiles store;
+    std::mt19937 random;
+    std::vector<std::string> keys = {"a",   "a-b", "a.b", "a b", "ab", "a0", "systemshop", "苹果",
+                                     "a--", "-",   "a_b", "a!",  "b",  "B",  "2535"};
+    shopfilter standing, search;
+    std::size_t compared = 0, shown = 0, longest;
+    const int crowded;  // the kind with the longest shops
+
+    World(unsigned seed, std::size_t shops, std::size_t rows)
+        : random(seed), longest(rows), crowded(static_cast<int>(seed % 2)) {
+        services.files = &store;
+        store.directories = disk.directories;
+        store.contents[ordomart::paths::data + "readme.txt"] = "no shop";
+        for (std::size_t i = keys.size(); i < shops; ++i) keys.push_back("k" + std::to_string(below(1000)));
+        for (const auto& key : keys)
+            if (below(8) != 0) writefile(key);
+    }
+    ~World() {
+        settle();
+        services.files = &disk;
+        ordomart::enablesystemshopinglobalshop = false;
+    }
+
+    std::size_t below(std::size_t n) { return random() % n; }
+    bool oneof(std::size_t n) { return below(n) == 0; }
+    template <class T>
+    const T& any(const std::vector<T>& of) {
+        return of[below(of.size())];
+    }
+    std::string text() {
+        static const std::vector<std::string> pieces = {"apple", "app", "sword", "red ", "苹",
+                                                        "果",    "\0"s, "$",     "é",    "le"};
+        std::string made;
+        for (auto n = below(4); n > 0; --n) made += any(pieces);
+        return made;
+    }
+    std::string tag() { return any<std::string>({"", "food", "tool", "食物", "foo", "t\0l"s, "é"}); }
+    std::string wanted(const std::string& part) {
+        return part + any<std::string>({"", "", "$", "{||}", "{||}sword", "${||}苹果$", "{||}果"});
+    }
+
+    json good(int kind) {
+        const bool searchable = !oneof(9);
+        const int left = any<int>({-1, 0, 1, 1, 2, 5, 64}), price = static_cast<int>(below(oneof(2) ? 5 : 1000));
+        if (oneof(50)) return {{"price", 3.7}, {"offer", "broken"}};
+        if (kind == sell)
+            return {{"shopitemtag", tag()},         {"shopitemname", text()},
+                    {"shopitemdescribe", text()},   {"itemnbt", text()},
+                    {"shopitemleftnum", left},      {"price", price},
+                    {"allowbesearched", searchable}};
+        return {{"recycleitemtag", tag()},       {"recycleitemname", text()},
+                {"recycleitemdescribe", text()}, {"itemnbt", text()},
+                {"recycleitemleftwanna", left},  {"offer", price},
+                {"nowhasrecyclenum", below(3)},  {"allowbesearched", searchable},
+                {"filterauxordamage", oneof(2)}, {"filterench", oneof(2)},
+                {"filteritemnbt", oneof(2)}};
+    }
+    std::int64_t soon() { return clock.seconds + static_cast<std::int64_t>(below(5)); }
+    json discounts() {
+        json all = json::array();
+        for (auto n = below(4); n > 0; --n)
+            all.push_back({{"shopitemtag", tag()},
+                           {"discount", any<std::string>({"%50", "-3", "%99", ""})},
+                           {"timeend", soon()}});
+        return all;
+    }
+    json section(int kind) {
+        json rows = json::array();
+        const auto most = kind == crowded ? longest : longest / 8;
+        for (auto n = oneof(6) ? 0 : below(most + 1); n > 0; --n) rows.push_back(good(kind));
+        json made = {
+            {"ownername", text()},         {"describe", text()},
+            {"shopname", text()},          {"isopshop", oneof(4)},
+            {"shopdiscount", discounts()}, {"sellcount", below(4)},
+            {"salesvolume", below(4)},     {"recycleamount", below(4)},
+            {"recyclecost", below(4)},     {kind == sell ? "items" : "recycleitems", oneof(20) ? json() : rows}};
+        if (oneof(4))
+            made["shopstate"] = {{"isbaned", true}, {"bantimeend", oneof(2) ? -1 : soon()}, {"banreason", "r"}};
+        return made;
+    }
+    void writefile(const std::string& key) {
+        store.contents[path(key)] = json({{"sell", section(sell)}, {"recycles", section(recycle)}}).dump();
+    }
+
+    void change() {
+        const auto& key = any(keys);
+        const int kind = static_cast<int>(below(2)), what = static_cast<int>(below(12));
+        if (what == 0) {
+            clock.seconds += static_cast<std::int64_t>(below(3));
+        } else if (what == 1) {
+            if (oneof(2)) ticks(2);
+            (void)catalogueof(kind).uptodate([this] { return !oneof(3); }, oneof(3) ? key : ""s);
+        } else if (what == 2) {
+            forget();
+        } else if (what == 3) {
+            oneof(3) ? (void)store.contents.erase(path(key)) : writefile(key);
+            if (oneof(9)) store.contents[path(key)] = "{";
+        } else if (market_tests::fault([&] { changeshop(globalruntimeshopmanager.getshop(key, kind), what); }) ==
+                   "nothing") {
+            globalruntimeshopmanager.getshop(key, kind).markshopchanged();
+        }
+    }
+    // Not the ones that the ticks before have seen asked for.
+    void forget() {
+        ticks(2);
+        for (auto n = below(keys.size()); n > 0; --n)
+            if (auto* shop = globalruntimeshopmanager.cached(any(keys), static_cast<int>(below(2))))
+                shop->idleticks = maxidleticks + 1;
+        ticks(4);
+    }
+    void changeshop(baseshop& shop, int what) {
+        json& goods = shop.goods().list;
+        if (!goods.is_array()) goods = json::array();
+        const auto at = goods.empty() ? 0 : below(goods.size());
+        if (what == 4) {
+            shop.setbanstate(oneof(2), oneof(3) ? -1 : soon(), "r");
+        } else if (what == 5) {
+            (oneof(2) ? shop.ownername : shop.describe) = text();
+            shop.shopname = text();
+        } else if (what == 6) {
+            goods.insert(goods.begin() + static_cast<std::ptrdiff_t>(at), good(shop.kind()));
+        } else if (what == 7 && !goods.empty()) {
+            goods.erase(at);
+        } else if (what == 8 && !goods.empty()) {
+            goods[at] = good(shop.kind());
+        } else if (auto* const selling = dynamic_cast<sellshop*>(&shop)) {
+            if (what == 9) selling->shopdiscount = discounts();
+            countup(selling->sellcount, 1);
+            countup(selling->salesvolume, 1);
+        } else {
+            countup(static_cast<recycleshop&>(shop).recycleamount, 1);
+            countup(static_cast<recycleshop&>(shop).recyclecost, 1);
+        }
+        const char* const left = shop.kind() == sell ? "shopitemleftnum" : "recycleitemleftwanna";
+        if (what > 9 && !goods.empty()) goods[at][left] = below(3);
+    }
+
+    shopfilter filter(std::size_t most) {
+        shopfilter made;
+        if (oneof(5)) return made.itemtagfilter = tag() + "$", made;
+        for (auto n = below(most + 1); n > 0; --n) {
+            const auto field = below(10);
+            if (field < 2) (field == 0 ? made.ownernamefilter : made.shopdescfilter) = wanted(text());
+            if (field == 2 || field == 3) made.itemnamefilter = wanted(text());
+            if (field == 4) made.itemdescfilter = wanted(text());
+            if (field == 5 || field == 6) made.itemtagfilter = wanted(tag());
+            const auto least = static_cast<std::int32_t>(below(4));
+            if (field == 7) made.minsellcount = made.minrecyclecost = least;
+            if (field == 8) made.minsalesvolume = made.minrecycleamount = least;
+        }
+        return made;
+    }
+
+    template <class Rows>
+    struct readrows {
+        std::vector<typename Rows::row> rows;
+        std::uint32_t revision = 0;
+        std::int64_t now = -1;
+    };
+    std::tuple<std::map<std::string, readrows<sellrows>>, std::map<std::string, readrows<recyclerows>>> known;
+    // Row by row, until something changes: a revision never comes back, and prices hold for a second.
+    template <class Rows>
+    const std::vector<typename Rows::row>& rowsof(const std::string& key) {
+        auto& here = std::get<std::map<std::string, readrows<Rows>>>(known)[key];
+        auto& shop = Rows::shop(key);
+        if (here.now == clock.seconds && here.revision == shop.revision) return here.rows;
+        here = {{}, shop.revision, clock.seconds};
+        const json& goods = shop.*Rows::records;
+        for (int i = 0; goods.is_array() && i < static_cast<int>(goods.size()); ++i)
+            (void)market_tests::fault([&] { here.rows.push_back(Rows::at(shop, i)); });
+        return here.rows;
+    }
+
+    template <class Rows>
+    std::vector<typename Rows::row> plain(listof what, const std::string& viewer, const std::string& one,
+                                          bool searching) {
+        std::vector<std::string> from{one};
+        if (what == listof::every) from = shopfilekeys();
+        std::vector<typename Rows::row> rows;
+        for (const auto& key : from) {
+            if (what == listof::every &&
+                (key == viewer || (key == "systemshop" && !ordomart::enablesystemshopinglobalshop)))
+                continue;
+            (void)market_tests::fault([&] {
+                auto& shop = Rows::shop(key);
+                if (what != listof::single && shop.isbanned()) return;
+                for (const auto& row : rowsof<Rows>(key)) {
+                    ++compared;
+                    if (what != listof::single && !row.allowbesearched) continue;
+                    if (!passfilter(standing, row, shop, allof)) continue;
+                    if (!searching || passfilter(search, row, shop, anyof)) rows.push_back(row);
+                }
+            });
+        }
+        return rows;
+    }
+
+    template <class Rows>
+    void compare(const readlist<typename Rows::row>& list, const std::vector<typename Rows::row>& wanted) {
+        ASSERT_EQ(list.size(), wanted.size());
+        for (int n = 0; n < 30 && !wanted.empty(); ++n) {
+            const auto i = below(wanted.size());
+            ASSERT_EQ(fields(list.row(i)), fields(wanted[i])) << i;
+        }
+        for (std::size_t i = 0; i < wanted.size(); ++i)
+            ASSERT_EQ(fields(list.row(i)), fields(wanted[i])) << i << " by " << int{list.order()};
+        shown += wanted.size();
+    }
+
+    template <class Rows>
+    static void sortplain(std::vector<typename Rows::row>& rows, int step) {
+        std::stable_sort(rows.begin(), rows.end(), [step](const auto& a, const auto& b) {
+            if (step == byname) return a.*Rows::name < b.*Rows::name;
+            if (step == bytag) return std::tie(a.*Rows::tag, a.*Rows::price) < std::tie(b.*Rows::tag, b.*Rows::price);
+            return step == byleft ? a.*Rows::left < b.*Rows::left : a.*Rows::price < b.*Rows::price;
+        });
+    }
+
+    template <class Rows>
+    using heldlist = std::pair<readlist<typename Rows::row>, std::vector<typename Rows::row>>;
+    std::tuple<heldlist<sellrows>, heldlist<recyclerows>> holding;
+    template <class Rows>
+    void lookatlist() {
+        const auto viewer = oneof(3) ? "nobody"s : any(keys);
+        const auto what = any<listof>({listof::every, listof::every, listof::every, listof::system, listof::single});
+        const auto one = what == listof::single ? any(keys) : "systemshop"s;
+        auto& state = getplayershopstate(viewer);
+        state.filter = standing = oneof(3) ? standing : filter(oneof(2) ? 0 : 2);
+        state.searchfilter = search = filter(3);
+        state.searchmode = oneof(3);
+        ordomart::enablesystemshopinglobalshop = oneof(2);
+        auto& list = state.*Rows::list;
+        list.clear();
+
+        const bool searching = state.searchmode && what != listof::single;
+        if (what == listof::every)
+            sells<Rows> ? sellshop::prepareglobalsellshopfilterforplayer(viewer)
+                        : recycleshop::prepareglobalrecycleshopfilterforplayer(viewer);
+        else if (what == listof::system)
+            sells<Rows> ? preparesystemsell(viewer) : preparesystemrecycle(viewer);
+        else
+            sells<Rows> ? preparesinglesell(viewer, one) : preparesinglerecycle(viewer, one);
+        auto wanted = plain<Rows>(what, viewer, one, searching);
+        SCOPED_TRACE(::testing::Message() << "kind " << Rows::type << ", list " << static_cast<int>(what) << " of "
+                                          << one << ", viewer " << viewer << ", searching " << searching);
+        ASSERT_NO_FATAL_FAILURE(compare<Rows>(list, wanted));
+        for (auto step = 1 + below(4); step < sortsteps; step += 1 + below(2)) {
+            state.filterstep = static_cast<std::uint8_t>(step);
+            sells<Rows> ? sortsellreadlist(state) : sortrecyclereadlist(state);
+            auto sorted = wanted;
+            sortplain<Rows>(sorted, static_cast<int>(step));
+            ASSERT_NO_FATAL_FAILURE(compare<Rows>(list, sorted)) << "step " << step;
+        }
+        auto& [held, heldrows] = std::get<heldlist<Rows>>(holding);
+        ASSERT_NO_FATAL_FAILURE(compare<Rows>(held, heldrows)) << "as it was when it was made";
+        held = list;
+        heldrows = std::move(wanted);
+        if (list.order() != asread) sortplain<Rows>(heldrows, list.order());
+        if (oneof(4)) {
+            ASSERT_NO_FATAL_FAILURE(lookatshops<Rows>(viewer));
+        }
+    }
+    template <class Rows>
+    void lookatshops(const std::string& viewer) {
+        std::vector<std::string> wanted, got;
+        for (const auto& key : shopfilekeys())
+            if (key != viewer && (key != "systemshop" || ordomart::enablesystemshopinglobalshop))
+                (void)market_tests::fault([&] {
+                    const auto& all = rowsof<Rows>(key);
+                    const bool hasany = std::any_of(all.begin(), all.end(), [](auto& r) { return r.*Rows::left != 0; });
+                    if (!Rows::shop(key).isbanned() && hasany) wanted.push_back(key);
+                });
+        using shop = std::decay_t<decltype(Rows::shop(viewer))>;
+        prepareshops<Rows, shop>(viewer, true, [](shop&) { return "card"s; });
+        const auto& list = getplayershopstate(viewer).*Rows::list;
+        for (std::size_t i = 0; i < list.size(); ++i) got.push_back(list.row(i).xuid);
+        ASSERT_EQ(got, wanted);
+    }
+};
+
+TEST(Catalogue, ListsAreWhatAPlainWalkOverAllRowsGives) {
+    const auto number = [](const char* name, unsigned otherwise) {
+        const char* const set = std::getenv(name);
+        return set == nullptr ? otherwise : static_cast<unsigned>(std::strtoul(set, nullptr, 10));
+    };
+    const unsigned first = number("CATALOGUE_SEED", 8), rounds = number("CATALOGUE_ROUNDS", 3);
+    std::size_t compared = 0, shown = 0, mostshelves = 0;
+    for (unsigned seed = first; seed < first + rounds; ++seed) {
+        SCOPED_TRACE(seed);
+        const bool islarge = seed % 8 == 0;
+        World world(seed, islarge ? 120 : 22, islarge ? 300 : 30);
+        for (int step = 0; step < (islarge ? 10 : 60); ++step) {
+            SCOPED_TRACE(step);
+            for (auto n = world.below(6); n > 0; --n) world.change();
+            ASSERT_NO_FATAL_FAILURE(world.oneof(2) ? world.lookatlist<sellrows>() : world.lookatlist<recyclerows>());
+        }
+        for (const int kind : {sell, recycle})
+            mostshelves = std::max(mostshelves, catalogueof(kind).uptodate([] { return true; })->all.size());
+        compared += world.compared;
+        shown += world.shown;
+    }
+    EXPECT_GT(mostshelves, 1U) << "no shelf was cut";
+    std::cout << compared << " rows held against filters, " << shown << " shown\n";
+}
+
+}  // namespace
