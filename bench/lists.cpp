@@ -1,8 +1,7 @@
-// What a player's global list costs: building it over many shops, cold (files unread) and warm, its memory, and the
-// same page, count and filter asked of an in-memory SQLite table in the same run. Prints a table; the ratios are what
-// counts.
-//   bench_lists [shops] [goods per shop]      (default: 1000 x 30, then 10000 x 50)
-#include <SQLiteCpp/SQLiteCpp.h>
+// What a player's list of all goods costs, beside the same goods in SQLite (listtable.h) and beside the limit: one pass
+// over the bytes that a query must touch if nothing but decoded columns is there. All three in one run, the answers
+// compared. What is asked is what a list shows: page k by price, and the number of hits.
+//   bench_lists [shops] [goods per shop]      (default: 2000 x 250, then 100000 x 10)
 #include <fmt/format.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -11,107 +10,311 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
+#include <functional>
+#include <numeric>
+#include <optional>
+#include <sstream>
 
+#include "bench/listgoods.h"
+#include "bench/listtable.h"
 #include "host/server.h"
 #include "platform/turn.h"
+#include "plugin/shopsystem/catalogue.h"
 #include "plugin/shopsystem/lists.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
 namespace {
 
-using nlohmann::json;
+using namespace listgoods;
+using namespace shopsystem;
 namespace fs = std::filesystem;
-using clock_type = std::chrono::steady_clock;
+using texts = std::vector<std::string>;
 
-constexpr const char* items[] = {"apple",      "bread", "diamond", "iron_ingot",
-                                 "gold_ingot", "coal",  "emerald", "redstone"};
+const std::string viewer = xuidof(ownshop), secondviewer = xuidof(othersshop);
 
-// Middle of five runs, in milliseconds.
-template <class F>
-double measure(F&& work, int runs = 5) {
-    std::vector<double> times;
-    for (int i = 0; i < runs; ++i) {
-        const auto start = clock_type::now();
-        work();
-        times.push_back(std::chrono::duration<double, std::milli>(clock_type::now() - start).count());
-    }
-    std::ranges::sort(times);
-    return times[times.size() / 2];
+double once(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
 }
-
+double middle(std::vector<double> times) {
+    std::ranges::sort(times);
+    return times.empty() ? 0 : times[times.size() / 2];
+}
 std::size_t heap() {
     const auto info = mallinfo2();
     return info.uordblks + info.hblkhd;
 }
 
-json good(int shop, int place) {
-    const std::string item = items[(shop * 7 + place) % std::size(items)];
-    return {{"shopitemname", fmt::format("{} no. {} of shop {}", item, place, shop)},
-            {"shopitemdescribe", "a fine piece of work"},
-            {"shopitemtag", item},
-            {"price", (shop * 31 + place * 17) % 5000},
-            {"shopitemleftnum", 1 + (shop + place) % 64},
-            {"itemnbt", fmt::format("{{Count:1b,Damage:0s,Name:\"minecraft:{}\",WasPickedUp:0b}}", item)},
-            {"allowbesearched", true}};
+// One pass over so many bytes that lie end to end.
+double onepass(std::size_t bytes) {
+    const std::vector<std::uint64_t> column(bytes / sizeof(std::uint64_t) + 1, 1);
+    std::vector<double> times;
+    for (int i = 0; i < 7; ++i)
+        times.push_back(once([&] {
+            volatile std::uint64_t sum = std::accumulate(column.begin(), column.end(), std::uint64_t{0});
+            (void)sum;
+        }));
+    return middle(times);
 }
 
-void generate(const fs::path& directory, int shops, int goods) {
-    fs::create_directories(directory);
-    for (int shop = 0; shop < shops; ++shop) {
-        json all = json::array();
-        for (int place = 0; place < goods; ++place) all.push_back(good(shop, place));
-        const json document{{"sell",
-                             {{"biditems", nullptr},
-                              {"describe", ""},
-                              {"isopshop", false},
-                              {"items", std::move(all)},
-                              {"ownerlang", "en_US"},
-                              {"ownername", fmt::format("Owner{}", shop)},
-                              {"salesvolume", 0},
-                              {"sellcount", 0},
-                              {"shopdiscount", nullptr},
-                              {"shopitemicon", ""},
-                              {"shopname", fmt::format("Shop {}", shop)},
-                              {"shopstate", nullptr}}},
-                            {"recycles", json::object()}};
-        std::ofstream(directory / fmt::format("25354{:011}.json", shop)) << document.dump(4);
+// ---- what a player does
+
+struct query {
+    shopfilter standing;
+    std::optional<shopfilter> search;
+    sortstep order = byprice;
+};
+
+answer openpage(playershopstate& state) {
+    sortsellreadlist(state);
+    auto& list = state.sellreadlist;
+    answer got{.hits = list.size()};
+    const auto first = static_cast<std::size_t>(state.sellpage) * pagerows;
+    for (auto i = first; i < std::min(first + pagerows, got.hits); ++i) got.prices += list.row(i).realprice;
+    return got;
+}
+
+answer openlist(const query& asked, std::size_t page, const std::string& player = viewer) {
+    auto& state = getplayershopstate(player);
+    state.filter = asked.standing;
+    state.searchmode = asked.search.has_value();
+    state.searchfilter = asked.search.value_or(shopfilter());
+    sellshop::prepareglobalsellshopfilterforplayer(player);
+    state.filterstep = asked.order;
+    state.sellpage = static_cast<std::int32_t>(page);
+    return openpage(state);
+}
+
+void trade(const std::string& shop, int pieces) {
+    const platform::Turn turn;
+    auto& traded = globalruntimeshopmanager.getsellshop(shop);
+    auto& left = traded.items[0]["shopitemleftnum"];
+    left = left.get<int>() + pieces;
+    traded.markshopchanged();
+}
+
+// ---- the table
+
+struct goals {
+    double sqlite = 0, scan = 0;  // so many times as fast, at least
+    double limit = 0, ms = 0;     // so many times the pass at most; so long at most
+};
+
+struct line {
+    std::string what;
+    std::function<query(int variant)> ours;
+    std::function<answer(int variant)> sqlite, scan;
+    goals goal;
+    std::size_t page = 0;
+    bool altered = false;  // a shop changes before each opening, where no other text can be asked for
+    std::function<std::size_t(std::size_t hits)> bytes;
+};
+
+class report {
+public:
+    explicit report(std::string tradeshop) : tradeshop_(std::move(tradeshop)) {
+        fmt::print("\n{:<38}{:>9}{:>10}{:>10}{:>10}{:>10}{:>9}{:>8}{:>8}{:>8}  goal\n", "ms", "hits", "ours", "again",
+                   "SQLite", "scan", "limit", "SQLite:", "scan:", ":limit");
+    }
+    void measure(const line& of) {
+        std::vector<double> first, again, indexed, scanned;
+        std::size_t hits = 0;
+        bool agrees = true;
+        for (int run = 0; run < 3 * variants; ++run) {
+            const int variant = run % variants;
+            if (of.altered) trade(tradeshop_, 0);
+            answer fresh, same, theirs;
+            first.push_back(once([&] { fresh = openlist(of.ours(variant), of.page); }));
+            again.push_back(once([&] { same = openlist(of.ours(variant), of.page); }));
+            indexed.push_back(once([&] { theirs = of.sqlite(variant); }));
+            agrees = agrees && fresh == same && fresh == theirs;
+            if (of.scan && run < variants) {
+                scanned.push_back(once([&] { theirs = of.scan(variant); }));
+                agrees = agrees && fresh == theirs;
+            }
+            hits = fresh.hits;
+        }
+        const double ours = middle(first), second = middle(again), sqlite = middle(indexed), scan = middle(scanned);
+        const double limit = onepass(of.bytes(hits));
+        std::string missed;
+        const auto demand = [&](bool met, const std::string& what) {
+            if (!met) missed += (missed.empty() ? "missed: " : ", ") + what;
+        };
+        demand(agrees, "THE ANSWERS DIFFER");
+        demand(sqlite >= of.goal.sqlite * ours, fmt::format("{} x SQLite", of.goal.sqlite));
+        demand(scan >= of.goal.scan * ours, fmt::format("{} x scan", of.goal.scan));
+        demand(of.goal.limit == 0 || ours <= of.goal.limit * limit, fmt::format("{} x limit", of.goal.limit));
+        demand(of.goal.ms == 0 || ours <= of.goal.ms, fmt::format("{} ms", of.goal.ms));
+        demand(second <= 1, "1 ms again");
+        fmt::print("{:<38}{:>9}{:>10.3f}{:>10.3f}{:>10.3f}{:>10.3f}{:>9.3f}{:>8.1f}{:>8.1f}{:>8.2f}  {}\n", of.what,
+                   hits, ours, second, sqlite, scan, limit, sqlite / ours, scan / ours, ours / limit,
+                   missed.empty() ? "met" : missed);
+        std::fflush(stdout);
+    }
+
+private:
+    const std::string tradeshop_;
+};
+
+struct columns {
+    std::size_t rows = 0, textbytes = 0;  // with something left; of names and descriptions
+};
+
+texts pair(const auto& words, int variant) {
+    const auto i = static_cast<std::size_t>(2 * variant);
+    return {words[i], words[i + 1]};
+}
+// A part of one tag that is borne, and five that nobody's tag holds.
+texts six(const char* tag, int variant) {
+    texts parts{std::string(tag).substr(0, 6)};
+    for (const char* other : {"saddle", "铁砧", "compass", "望远镜", "spyglass"})
+        parts.push_back(fmt::format("{}{}", other, variant));
+    return parts;
+}
+std::string filterof(const texts& parts) { return fmt::format("{}", fmt::join(parts, "{||}")); }
+
+void measurequeries(table& sqlite, const columns& has, const std::string& tradeshop) {
+    report out(tradeshop);
+    // Counted in the limit: price (4 bytes) and shown (1) of each row where all are listed; else tag (4) or texts with
+    // their offsets (4 each) and shown of each row, and the price of each hit.
+    const auto listed = [&](std::size_t) { return has.rows * 5; };
+    const auto tagged = [&](std::size_t hits) { return has.rows * 5 + hits * 4; };
+    const auto written = [&](std::size_t hits) { return has.rows * 9 + has.textbytes + hits * 4; };
+
+    for (const std::size_t page : {1, 400})
+        out.measure({.what = fmt::format("by price, page {}, a shop changed", page),
+                     .ours = [](int) { return query(); },
+                     .sqlite = [&, page](int) { return sqlite.indexed("price", "", page - 1); },
+                     .goal = {.sqlite = 5, .limit = 3.5},
+                     .page = page - 1,
+                     .altered = true,
+                     .bytes = listed});
+    const auto exactly = [&](const auto& tags, const char* what, double goal) {
+        out.measure({.what = what,
+                     .ours =
+                         [&](int v) {
+                             return query{{.itemtagfilter = std::string(tags[v]) + "$"}, {}};
+                         },
+                     .sqlite = [&](int v) { return sqlite.indexed("price", tags[v], 0); },
+                     .goal = {.sqlite = goal},
+                     .bytes = tagged});
+    };
+    exactly(tenth, "one tag, a tenth", 2.5);
+    exactly(threehundredth, "one tag, a three-hundredth", 1);
+    const auto parts = [&](const auto& tags, const char* what, goals goal) {
+        out.measure({.what = what,
+                     .ours =
+                         [&](int v) {
+                             return query{{.itemtagfilter = filterof(six(tags[v], v))}, {}};
+                         },
+                     .sqlite = [&](int v) { return sqlite.bytrigrams({"tag"}, six(tags[v], v), 0); },
+                     .scan = [&](int v) { return sqlite.scanned({"tag"}, six(tags[v], v), 0); },
+                     .goal = goal,
+                     .bytes = tagged});
+    };
+    const goals many{.sqlite = 1, .scan = 20}, few{.scan = 20, .ms = 20};
+    parts(tenth, "tag, six parts, a tenth", many);
+    parts(threehundredth, "tag, six parts, a three-hundredth", few);
+    const auto anywhere = [&](const auto& words, const char* what, goals goal) {
+        const texts fields{"name", "describe"};
+        out.measure({.what = what,
+                     .ours =
+                         [&](int v) {
+                             const auto wanted = filterof(pair(words, v));
+                             return query{{}, shopfilter{.itemnamefilter = wanted, .itemdescfilter = wanted}};
+                         },
+                     .sqlite = [&](int v) { return sqlite.bytrigrams(fields, pair(words, v), 0); },
+                     .scan = [&](int v) { return sqlite.scanned(fields, pair(words, v), 0); },
+                     .goal = goal,
+                     .bytes = written});
+    };
+    anywhere(thirtieth, "name or description, 2 parts, 15th", many);
+    anywhere(sixhundredth, "name or description, 2 parts, 300th", few);
+}
+
+void measureturning(table& sqlite) {
+    fmt::print("\n{:<38}{:>10}{:>10}{:>10}\n", "page turned, list open: ms", "first", "ours", "SQLite");
+    const std::tuple<sortstep, const char*, const char*> orders[] = {{asread, "as read", "id"},
+                                                                     {byprice, "by price", "price"},
+                                                                     {byname, "by name", "name"},
+                                                                     {bytag, "by tag", "tag, price"},
+                                                                     {byleft, "by pieces left", "leftnum"}};
+    for (const auto& [order, what, sql] : orders) {
+        auto& state = getplayershopstate(viewer);
+        const double first = once([&] { openlist({.standing = {}, .search = {}, .order = order}, 0); });
+        const auto pages = static_cast<std::size_t>(state.sellreadlist.lastpage());
+        std::vector<double> ours, theirs;
+        bool agrees = true;
+        for (std::size_t i = 1; i <= 15; ++i) {
+            state.sellpage = static_cast<std::int32_t>(pages * i / 17);
+            answer page;
+            std::int64_t other = 0;
+            ours.push_back(once([&] { page = openpage(state); }));
+            theirs.push_back(once([&] { other = sqlite.pageof(sql, "", static_cast<std::size_t>(state.sellpage)); }));
+            agrees = agrees && page.prices == other;
+        }
+        fmt::print("{:<38}{:>10.3f}{:>10.3f}{:>10.3f}  {}{}\n", what, first, middle(ours), middle(theirs),
+                   middle(ours) <= 1 ? "met" : "missed: 1 ms", agrees ? "" : ", THE ANSWERS DIFFER");
     }
 }
 
-void fill(SQLite::Database& table) {
-    table.exec(
-        "CREATE TABLE goods (xuid TEXT, shopname TEXT, place INTEGER, name TEXT, describe TEXT, tag TEXT,"
-        " price INTEGER, leftnum INTEGER, nbt TEXT)");
-    SQLite::Transaction all(table);
-    SQLite::Statement add(table, "INSERT INTO goods VALUES (?,?,?,?,?,?,?,?,?)");
-    auto& state = shopsystem::getplayershopstate("viewer");
-    for (std::size_t i = 0; i < state.sellreadlist.size(); ++i) {
-        const auto row = state.sellreadlist.row(i);
-        add.bind(1, row.xuid), add.bind(2, row.shopname), add.bind(3, row.index), add.bind(4, row.shopitemname);
-        add.bind(5, row.shopitemdescribe), add.bind(6, row.shopitemtag), add.bind(7, row.realprice);
-        add.bind(8, row.shopitemleftnum), add.bind(9, row.itemnbt);
-        add.exec();
-        add.reset();
-    }
-    all.commit();
-    table.exec("CREATE INDEX byname ON goods(name)");
-    table.exec("CREATE INDEX bytag ON goods(tag)");
-    table.exec("CREATE INDEX byprice ON goods(price)");
-    table.exec("ANALYZE");
+void verdict(const std::string& what, double value, const char* unit, double most) {
+    fmt::print("{:<62}{:>12.3f} {}  {}\n", what, value, unit,
+               most == 0       ? ""
+               : value <= most ? "met"
+                               : fmt::format("missed: {}", most));
+    std::fflush(stdout);
 }
 
-int steps(SQLite::Database& table, const char* query) {
-    SQLite::Statement ask(table, query);
-    int rows = 0;
-    while (ask.executeStep()) ++rows;
-    return rows;
+// Bytes a row of the list that a player has open, when nobody else has it and when somebody has.
+void measurelist(const char* what, const query& asked) {
+    for (const auto& player : {viewer, secondviewer}) getplayershopstate(player).sellreadlist.clear();
+    std::size_t before = heap(), rows = 0;
+    for (const auto& player : {viewer, secondviewer}) {
+        rows = openlist(asked, 0, player).hits;
+        verdict(fmt::format("heap of an open list, {}{}", what, player == viewer ? "" : ", of one more player"),
+                static_cast<double>(heap() - before) / static_cast<double>(std::max<std::size_t>(rows, 1)),
+                "bytes a row", 12);
+        before = heap();
+    }
+}
+
+void measuretrades(const std::string& shop) {
+    constexpr int trades = 1000;
+    const auto always = [] { return true; };
+    auto& all = catalogueof(sell);
+    double after = 0, changing = 0;
+    for (int i = 0; i < trades; ++i) {
+        changing += once([&] { trade(shop, i % 2 == 0 ? 1 : -1); });
+        after += once([&] { (void)all.uptodate(always); });
+    }
+    verdict("a trade in a shop of 50, for the catalogue: each asked for", after / trades * 1000, "us", 50);
+    const double together = once([&] {
+        for (int i = 0; i < trades; ++i) trade(shop, i % 2 == 0 ? 1 : -1);
+        (void)all.uptodate(always);
+    });
+    verdict("  the same, asked for once behind 1000", (together * 1000 - changing * 1000) / trades, "us", 50);
+    const double nothing = once([&] {
+        for (int i = 0; i < trades; ++i) (void)all.uptodate(always);
+    });
+    verdict("  asked for with nothing changed", nothing / trades * 1000, "us", 0);
+}
+
+double readfiles(const fs::path& data, int shops) {
+    return once([&] {
+        for (int shop = 0; shop <= shops; ++shop) {
+            std::ostringstream all;
+            all << std::ifstream(data / (xuidof(shop) + ".json")).rdbuf();
+        }
+    });
 }
 
 void run(int shops, int goods) {
     const fs::path directory = fs::temp_directory_path() / fmt::format("ordomart-bench-{}", ::getpid());
     fs::remove_all(directory);
-    generate(directory / "plugins/Ordomart/data", shops, goods);
+    const fs::path data = directory / "plugins/Ordomart/data";
+    writeshops(data, shops, goods);
     host::ServerOptions options;
     options.directory = directory.string();
     options.module = MODULE_PATH;
@@ -120,55 +323,63 @@ void run(int shops, int goods) {
     options.quiet = true;
     host::Server server(options);
     server.start();
-
-    auto& state = shopsystem::getplayershopstate("viewer");
-    const auto build = [] { shopsystem::sellshop::prepareglobalsellshopfilterforplayer("viewer"); };
-    const std::size_t before = heap();
-    const double cold = measure(build, 1);
-    const std::size_t withcache = heap();
-    const double warm = measure(build);
-    const double rows = static_cast<double>(state.sellreadlist.size());
-    state.sellreadlist.clear();
-    const std::size_t cacheonly = heap();
-    build();
-    const double rowbytes = static_cast<double>(heap() - cacheonly) / rows;
-
-    SQLite::Database table(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
-    const std::size_t beforetable = heap();
-    const double load = measure([&] { fill(table); }, 1);
-    const double tablebytes = static_cast<double>(heap() - beforetable) / rows;
-
-    const double count = measure([&] { (void)state.sellreadlist.size(); });
-    const double sqlcount = measure([&] { steps(table, "SELECT COUNT(*) FROM goods WHERE leftnum != 0"); });
-    const double page = measure([&] {
-        state.filterstep = 4;
-        shopsystem::sortsellreadlist(state);
-        for (std::size_t i = 26; i < 52; ++i) (void)state.sellreadlist.row(i);
+    const std::string tradeshop = xuidof(shops);
+    columns has;
+    foreachgood(shops, goods, [&](int, int, const good& of) {
+        if (of.left == 0) return;
+        ++has.rows;
+        has.textbytes += of.name.size() + of.describe.size();
     });
-    const double sqlpage = measure([&] { steps(table, "SELECT * FROM goods ORDER BY price LIMIT 26 OFFSET 26"); });
-    state.filter.itemtagfilter = "diamond$";
-    const double filter = measure(build);
-    const double kept = static_cast<double>(state.sellreadlist.size());
-    const double sqlfilter = measure([&] { steps(table, "SELECT * FROM goods WHERE tag = 'diamond'"); });
-    state.filter.itemtagfilter = "amo";
-    const double part = measure(build);
-    const double sqlpart = measure([&] { steps(table, "SELECT * FROM goods WHERE instr(tag, 'amo') > 0"); });
-    state.filter = {};
+    const auto rows = static_cast<double>(has.rows);
+    fmt::print("\n==== {} shops of {} goods: {} rows with something left, {} MB of names and descriptions\n", shops,
+               goods, has.rows, has.textbytes / 1000000);
 
-    fmt::print("\n{} shops of {} goods: {:.0f} rows in the list\n", shops, goods, rows);
-    fmt::print("  build cold   {:10.1f} ms  {:8.0f} ns a row   heap of cache and list {:6.0f} bytes a row\n", cold,
-               cold * 1e6 / rows, static_cast<double>(withcache - before) / rows);
-    fmt::print("  build warm   {:10.1f} ms  {:8.0f} ns a row   heap of the list       {:6.0f} bytes a row\n", warm,
-               warm * 1e6 / rows, rowbytes);
-    fmt::print("  table loaded {:10.1f} ms  {:8.0f} ns a row   heap of the table      {:6.0f} bytes a row\n", load,
-               load * 1e6 / rows, tablebytes);
-    const auto line = [](const char* what, double ours, double theirs) {
-        fmt::print("  {:<34} {:10.4f} ms   SQLite {:10.4f} ms   ratio {:8.2f}\n", what, ours, theirs, ours / theirs);
-    };
-    line("count of a finished list", count, sqlcount);
-    line("second page by price (sort, 26 rows)", page, sqlpage);
-    line(fmt::format("rebuilt, tag is diamond ({:.0f})", kept).c_str(), filter, sqlfilter);
-    line("rebuilt, tag holds \"amo\"", part, sqlpart);
+    const double reading = readfiles(data, shops);
+    double plain[2];
+    for (const int kind : {sell, recycle})
+        plain[kind] = once([&] {
+            for (int shop = 0; shop <= shops; ++shop) (void)loadshopdata(xuidof(shop), kind);
+        });
+    malloc_trim(0);
+    const std::size_t empty = heap();
+    const double cold = once([&] { openlist({}, 0); });
+    const std::size_t opened = heap();
+    const double coldother = once([] { recycleshop::prepareglobalrecycleshopfilterforplayer(viewer); });
+    getplayershopstate(viewer).recyclereadlist.clear();
+    catalogueof(recycle).clear();
+    fmt::print(
+        "cold: goods {:.0f} ms, commissions {:.0f} ms more; plain parser {:.0f} and {:.0f} ms; files read {:.0f} ms\n",
+        cold, coldother, plain[sell], plain[recycle], reading);
+    verdict("cold list of goods, of the plain parser's time", cold / plain[sell], "x", 0.33);
+    verdict("both lists, of the plain parser's time", (cold + coldother) / (plain[sell] + plain[recycle]), "x", 0.33);
+
+    std::optional<table> sqlite;
+    std::size_t before = heap();
+    const double loading = once([&] { sqlite.emplace(shops, goods); });
+    const std::size_t tablebytes = heap() - before;
+    const double trigrams = once([&] { sqlite->addtrigrams(); });
+    fmt::print("SQLite: filled and indexed in {:.0f} ms, {:.0f} bytes a row; trigrams {:.0f} ms, {:.0f} bytes a row\n",
+               loading, static_cast<double>(tablebytes) / rows, trigrams,
+               static_cast<double>(heap() - before - tablebytes) / rows);
+
+    globalruntimeshopmanager.bringin(tradeshop, sell);
+    measureturning(*sqlite);
+    measurequeries(*sqlite, has, tradeshop);
+    fmt::print("\n");
+    measurelist("unfiltered, by price", {});
+    measurelist("tag, six parts", {{.itemtagfilter = filterof(six(tenth[0], 0))}, {}});
+    measurelist("tag \"o\", by name", {{.itemtagfilter = "o"}, {}, byname});
+    measuretrades(tradeshop);
+
+    // What goes when the catalogue is emptied is the catalogue's; the rest, less what was there before, the shops'.
+    for (const auto& player : {viewer, secondviewer}) getplayershopstate(player).sellreadlist.clear();
+    before = heap();
+    catalogueof(sell).clear();
+    const std::size_t catalogued = before - heap();
+    verdict("heap of the catalogue, all orders made", static_cast<double>(catalogued) / rows, "bytes a row", 260);
+    verdict("heap of catalogue and shops in the cache, opened once", static_cast<double>(opened - empty) / rows,
+            "bytes a row", 0);
+    sqlite.reset();
     server.stop();
     fs::remove_all(directory);
 }
@@ -180,6 +391,6 @@ int main(int argc, char** argv) {
         run(std::atoi(argv[1]), std::atoi(argv[2]));
         return 0;
     }
-    run(1000, 30);
-    run(10000, 50);
+    run(2000, 250);
+    run(100000, 10);
 }
