@@ -287,6 +287,8 @@ void Console::answer(const std::vector<std::string>& words, const std::string& r
         c.answer(typedanswer(nlohmann::json::parse(c.forms().front().json), rest).dump());
     });
     settle();
+    // What waited behind it is in front now, though the server has sent nothing.
+    server_.run([&] { tell(words[0]); });
 }
 
 void Console::click(const std::vector<std::string>& words, const std::string&) {
@@ -311,6 +313,22 @@ void Console::command(const std::string& name, const std::string& text) {
     settle();
 }
 
+// A form in front is drawn once. One that comes behind another would not be seen before that is answered: it is named.
+std::string Console::toldforms(const std::string& name, const client::ModelClient& c, Told& told) {
+    if (c.forms().empty()) return {};
+    const client::PendingForm &front = c.forms().front(), &last = c.forms().back();
+    const bool fresh = std::exchange(told.front, front.id) != front.id;
+    const bool waits = std::exchange(told.last, last.id) != last.id && last.id != front.id;
+    const auto parsed = [](const client::PendingForm& form) { return nlohmann::json::parse(form.json); };
+    std::string text;
+    if (fresh) text += fmt::format("\u00a77{} is asked:\u00a7r\n{}\n", name, drawform(parsed(front)));
+    if (waits)
+        text += fmt::format(
+            "\u00a77{}:\u00a7r a form waits behind {}: {}; answer the first, or close it: \"{} answer close\"\n", name,
+            formline(parsed(front)), formline(parsed(last)), name);
+    return text;
+}
+
 void Console::tell(const std::string& name) {
     std::string text;
     const bool joined = clients_.look(name, [&](client::ModelClient& c) {
@@ -327,11 +345,7 @@ void Console::tell(const std::string& name) {
                 fmt::format("\u00a77{} \u2691\u00a7r \u00a7l{}\u00a7r {}\u00a7r\n", name, toast.title, toast.content);
         for (const auto& sound : fresh(told.sounds, c.sounds))
             text += fmt::format("\u00a78{} \u266a {}\u00a7r\n", name, sound.name);
-        if (!c.forms().empty() && c.forms().front().id != told.form) {
-            told.form = c.forms().front().id;
-            text += fmt::format("\u00a77{} is asked:\u00a7r\n{}\n", name,
-                                drawform(nlohmann::json::parse(c.forms().front().json)));
-        }
+        text += toldforms(name, c, told);
     });
     if (!joined) told_.erase(name);
     if (!text.empty()) print(text);

@@ -55,16 +55,17 @@ private:
 
     void command(const std::string& name, const std::string& text);
     void settle();
+    struct Told {
+        std::uint64_t chat = 0, toasts = 0, replies = 0, sounds = 0;
+        std::uint32_t front = 0, last = 0;  // forms
+    };
     // Prints what a client has heard and been shown since the last time.
     void tell(const std::string& name);
+    static std::string toldforms(const std::string& name, const client::ModelClient& c, Told& told);
 
     Server& server_;
     Clients& clients_;
     const Show show_;
-    struct Told {
-        std::uint64_t chat = 0, toasts = 0, replies = 0, sounds = 0;
-        std::uint32_t form = 0;
-    };
     std::map<std::string, Told> told_;  // the server thread's
     std::shared_ptr<void> watch_;       // last, since it goes first
 };

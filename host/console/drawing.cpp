@@ -115,8 +115,15 @@ std::string drawform(const json& form) {
     return out + "\u2514\u2500";
 }
 
+std::string formline(const json& form) {
+    const std::string title = form.value("title", "");
+    return fmt::format("\"{}\u00a7r\"", title.substr(0, title.find('\n')));
+}
+
 std::string drawscreen(const client::ModelClient& c) {
     std::string out;
+    if (!c.forms().empty())
+        out += fmt::format("in front: the form {}\n", formline(json::parse(c.forms().front().json)));
     if (c.container())
         out += fmt::format("open: container {} of type {}\n", c.container()->id, c.container()->type);
     else

@@ -11,6 +11,7 @@ namespace host {
 
 // Still with § codes.
 [[nodiscard]] std::string drawform(const nlohmann::json& form);
+[[nodiscard]] std::string formline(const nlohmann::json& form);  // its title
 [[nodiscard]] std::string drawscreen(const client::ModelClient& client);
 
 // The answer that words typed by a person mean: a number or a part of a button's text; for a custom form one word for

@@ -9,6 +9,10 @@
 #include <termios.h>
 
 #include <cstdio>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
 #include <sstream>
 #include <thread>
 
@@ -54,19 +58,60 @@ TEST_F(ConsoleTest, PlaysAPlayer) {
     EXPECT_FALSE(console.line("stop"));
 }
 
-TEST_F(ConsoleTest, AFirstPurchaseInTheDemoMarket) {
+// What the README has people type: the lines of its block that begins with "join", and what is quoted of a player.
+std::vector<std::string> readmelines() {
+    std::ifstream file(README_PATH);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    static const std::regex quoted(R"(`([A-Z][a-z]+:? [^`\n]+)`)"), block("```\n(join [^`]*)```");
+    std::vector<std::string> lines;
+    std::smatch found;
+    if (!std::regex_search(text, found, block)) return lines;
+    std::istringstream typed(found[1]);
+    for (std::string line; std::getline(typed, line);) lines.push_back(line);
+    const std::string player = lines.front().substr(5), rest = found.suffix();
+    for (std::sregex_iterator at(rest.begin(), rest.end(), quoted), end; at != end; ++at)
+        if ((*at)[1].str().starts_with(player)) lines.push_back((*at)[1]);
+    return lines;
+}
+
+TEST_F(ConsoleTest, TheReadmeIsTrueLineByLineInTheDemoMarket) {
     server->stop();
     std::filesystem::remove_all(directory.path / "plugins");
     ASSERT_TRUE(host::makedemo(directory.path.string()));
     server->start();
     host::playdemo(*server);
-    host::Console market(*server, clients, show);
-    for (const char* line : {"join Alice", "Alice: ordomart formmenu", "Alice answer Selling", "Alice answer Orchard",
-                             "Alice answer 3", "Alice answer Exit", "Alice screen"}) {
+    std::string coded;
+    host::Console market(*server, clients, [&](const std::string& text) {
+        coded += text;
+        out += host::terminaltext(text, false);
+    });
+    const std::map<std::string, std::string> told{{"Alice answer 3", "purchase successfully!"},
+                                                  {"Alice screen", "Apple \u00d7"},
+                                                  {"Alice click inventory 9", "Purchase goods"},
+                                                  {"Alice answer 2", "purchase successfully!"},
+                                                  {"Alice: ordomart myshop", ""}};
+    std::set<std::string> met;
+    for (const std::string& line : readmelines()) {
         out.clear();
-        market.line(line);
+        coded.clear();
+        ASSERT_TRUE(market.line(line));
+        server->ticks(10);
+        EXPECT_THAT(coded, Not(HasSubstr("\u00a7c"))) << line;
+        EXPECT_THAT(coded, Not(HasSubstr("waits behind"))) << line;
+        if (const auto expected = told.find(line); expected != told.end()) {
+            EXPECT_THAT(out, HasSubstr(expected->second)) << line;
+            met.insert(line);
+        }
     }
-    EXPECT_THAT(out, HasSubstr("Apple \u00d73"));
+    EXPECT_EQ(met.size(), told.size());
+
+    market.line("Alice: ordomart formmenu");
+    out.clear();
+    market.line("Alice: ordomart formmenu");
+    EXPECT_THAT(out, HasSubstr("a form waits behind \"Main menu\": \"Main menu\"; answer the first, or close it"));
+    out.clear();
+    market.line("Alice answer close");
+    EXPECT_THAT(out, HasSubstr("Alice is asked:")) << "it is in front now";
 }
 
 TEST_F(ConsoleTest, SaysWhatIsWrong) {
