@@ -2,12 +2,14 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <thread>
 
 #include "host/console/drawing.h"
+#include "host/console/typed.h"
 #include "host/core/commands.h"
 #include "host/money.h"
 #include "host/server.h"
@@ -17,46 +19,11 @@ namespace host {
 
 namespace {
 
-std::vector<std::string> split(const std::string& text) {
-    std::istringstream in(text);
-    std::vector<std::string> words;
-    for (std::string word; in >> word;) words.push_back(word);
-    return words;
+std::string can(const std::string& name) {
+    return fmt::format("can screen, form, answer, click, close, or type a command: \"{}: ordomart\"", name);
 }
 
-// The text behind the first n words.
-std::string behind(const std::string& text, std::size_t n) {
-    std::size_t at = 0;
-    for (; n > 0 && at != std::string::npos; --n) {
-        at = text.find_first_not_of(' ', at);
-        if (at != std::string::npos) at = text.find(' ', at);
-    }
-    at = at == std::string::npos ? at : text.find_first_not_of(' ', at);
-    return at == std::string::npos ? "" : text.substr(at);
-}
-
-int number(const std::string& word) {
-    std::size_t used = 0;
-    int value = 0;
-    try {
-        value = std::stoi(word, &used);
-    } catch (const std::exception&) {
-        used = 0;
-    }
-    if (used != word.size() || word.empty()) throw std::runtime_error(fmt::format("\"{}\" is no number", word));
-    return value;
-}
-
-platform::ContainerName containername(const std::string& word) {
-    using enum platform::ContainerName;
-    static const std::map<std::string, platform::ContainerName> names{{"armor", armor},     {"armour", armor},
-                                                                      {"hotbar", hotbar},   {"inventory", inventory},
-                                                                      {"offhand", offhand}, {"cursor", cursor}};
-    const auto found = names.find(word);
-    if (found == names.end())
-        throw std::runtime_error(fmt::format("\"{}\" is none of armour, hotbar, inventory, offhand, cursor", word));
-    return found->second;
-}
+constexpr std::array<std::string_view, 3> endwords{"stop", "quit", "exit"};
 
 }  // namespace
 
@@ -87,7 +54,7 @@ const std::vector<Console::Line>& Console::playerlines() {
     static const std::vector<Line> lines{
         {"screen", "NAME screen", "his inventory screen", &Console::screen},
         {"form", "NAME form", "the form in front of him, again", &Console::form},
-        {"answer", "NAME answer VALUE...", "answers it: a button's number or text, values in order, close",
+        {"answer", "NAME answer VALUE...", "a button's number or text, the values in order, or close",
          &Console::answer},
         {"click", "NAME click CONTAINER SLOT", "clicks; also rightclick, drop, swap (with the cursor)",
          &Console::click},
@@ -106,46 +73,69 @@ void Console::check(const Line& line, const std::vector<std::string>& words, std
 bool Console::line(const std::string& text) {
     const std::vector<std::string> words = split(text);
     if (words.empty() || words[0].starts_with('#')) return true;
-    if (words[0] == "stop") return false;
+    // Only alone: players may have these names.
+    if (words.size() == 1 && std::ranges::count(endwords, words[0]) > 0) return false;
     try {
-        for (const Line& known : serverlines())
-            if (words[0] == known.word) {
-                const auto names = std::ranges::count_if(split(known.usage), [](const std::string& w) {
-                    return w.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
-                });
-                check(known, words, 1 + static_cast<std::size_t>(names));
-                (this->*known.run)(words, behind(text, 1));
-                return true;
-            }
-        // Names may hold blanks: the longest joined name that the line begins with is meant.
-        std::string name;
-        for (const JoinRequest& who : clients_.joined())
-            if (text.starts_with(who.name) && who.name.size() > name.size() && text.size() > who.name.size() &&
-                (text[who.name.size()] == ':' || text[who.name.size()] == ' '))
-                name = who.name;
-        if (name.empty())
-            throw std::runtime_error(
-                fmt::format("\"{}\" is neither a line of the console nor a joined player; try help", words[0]));
-        if (text[name.size()] == ':') {
-            command(name, behind(text.substr(name.size() + 1), 0));
-            return true;
+        const auto known = std::ranges::find_if(serverlines(), [&](const Line& line) { return words[0] == line.word; });
+        if (known == serverlines().end()) {
+            playerline(text);
+        } else {
+            const auto names = std::ranges::count_if(split(known->usage), [](const std::string& w) {
+                return w.find_first_not_of("ABCDEFGHIJKLMNOPQRSTUVWXYZ") == std::string::npos;
+            });
+            check(*known, words, 1 + static_cast<std::size_t>(names));
+            (this->*known->run)(words, behind(text, 1));
         }
-        const std::string tail = behind(text.substr(name.size()), 0);
-        std::vector<std::string> his = split(tail);
-        his.insert(his.begin(), name);
-        for (const Line& known : playerlines())
-            if (his.size() > 1 && his[1] == known.word) {
-                const bool slots = known.run == &Console::click;
-                check(known, his, slots ? 4 : 2);
-                (this->*known.run)(his, behind(tail, 1));
-                return true;
-            }
-        throw std::runtime_error(
-            fmt::format("{} can screen, form, answer, click, close, or type a command: \"{}: ordomart\"", name, name));
     } catch (const std::exception& e) {
         print(fmt::format("\u00a7c{}", e.what()));
     }
     return true;
+}
+
+void Console::playerline(const std::string& text) {
+    // Names may hold blanks: the longest joined name that the line begins with is meant.
+    std::string name;
+    const std::string typed = behind(text, 0) + ' ';
+    for (const JoinRequest& who : clients_.joined())
+        if (typed.starts_with(who.name) && who.name.size() > name.size() &&
+            (typed[who.name.size()] == ':' || typed[who.name.size()] == ' '))
+            name = who.name;
+    if (name.empty()) throw std::runtime_error(unknown(text));
+    const bool types = typed[name.size()] == ':';
+    const std::string tail = behind(typed.substr(name.size() + 1), 0);
+    std::vector<std::string> his = split(tail);
+    if (his.empty()) return stand(name);
+    if (types) return command(name, trimmed(tail));
+    his.insert(his.begin(), name);
+    for (const Line& known : playerlines())
+        if (his[1] == known.word) {
+            check(known, his, known.run == &Console::click ? 4 : 2);
+            return (this->*known.run)(his, trimmed(behind(tail, 1)));
+        }
+    throw std::runtime_error(fmt::format("{} {}", name, can(name)));
+}
+
+// What a line is that begins with no word of the console and with no joined player.
+std::string Console::unknown(const std::string& text) {
+    std::string name = trimmed(text.substr(0, text.find(':')));
+    bool here = false;
+    server_.run([&] {
+        here = std::ranges::any_of(server_.world().players(), [&](const PlayerSummary& p) { return p.name == name; });
+    });
+    if (here) return fmt::format("{} is not joined: type \"join {}\"", name, name);
+    const std::string word = split(text)[0];
+    return fmt::format("\"{}\" is neither a line of the console nor a joined player; try help, or \"join {}\"", word,
+                       word.substr(0, word.find(':')));
+}
+
+void Console::stand(const std::string& name) {
+    std::string text;
+    clients_.with(name, [&](client::ModelClient& c) {
+        text = c.forms().empty() ? "no form"
+                                 : fmt::format("the form {}", formline(nlohmann::json::parse(c.forms().front().json)));
+        text += c.container() ? " and an open menu" : " and no menu";
+    });
+    print(fmt::format("{} has {} in front; he {}", name, text, can(name)));
 }
 
 void Console::settle() {
@@ -156,12 +146,20 @@ void Console::settle() {
 }
 
 void Console::help(const std::vector<std::string>&, const std::string&) {
+    // A usage that is wider than its column has a line of its own.
+    constexpr std::size_t column = 36;
     std::string text;
-    for (const Line& line : serverlines()) text += fmt::format("{:<62} {}\n", line.usage, line.help);
-    text += fmt::format("{:<62} {}\n", "NAME: COMMAND", "he types a command: Alice: ordomart formmenu");
+    const auto add = [&](std::string_view usage, std::string_view help) {
+        const bool fits = usage.size() < column;
+        text += fmt::format("{}{:<{}}{}\n", usage, fits ? "" : "\n", fits ? column - usage.size() : column + 1, help);
+    };
+    for (const Line& line : serverlines()) add(line.usage, line.help);
+    add("NAME", "what is in front of him");
+    add("NAME: COMMAND", "he types a command: Alice: ordomart formmenu");
     for (const Line& line : playerlines())
-        if (line.help != nullptr) text += fmt::format("{:<62} {}\n", line.usage, line.help);
-    print(text + fmt::format("{:<62} {}", "stop", "stops the server"));
+        if (line.help != nullptr) add(line.usage, line.help);
+    add("stop", "stops the server; also quit, exit");
+    print(text);
 }
 
 void Console::join(const std::vector<std::string>& words, const std::string&) {
@@ -186,14 +184,16 @@ void Console::join(const std::vector<std::string>& words, const std::string&) {
     }
     if (who.xuid.empty()) who.xuid = defaultxuid(server_, who.name);
     clients_.join(who);
+    server_.run([&] { told_[who.name].own = true; });
     settle();
     print(fmt::format("{} joined (xuid {}, {}, {})", who.name, who.xuid, who.language,
                       who.devicetype == 7 ? "desktop" : "touch"));
 }
 
-void Console::leave(const std::vector<std::string>& words, const std::string& rest) {
-    clients_.leave(rest.empty() ? words.at(1) : rest);
+void Console::leave(const std::vector<std::string>&, const std::string& rest) {
+    clients_.leave(rest);
     settle();
+    print(fmt::format("{} left", rest));
 }
 
 void Console::players(const std::vector<std::string>&, const std::string&) {
@@ -206,16 +206,28 @@ void Console::players(const std::vector<std::string>&, const std::string&) {
 }
 
 void Console::give(const std::vector<std::string>& words, const std::string&) {
-    const platform::ItemStack stack = platform::ItemStack::create(words.at(2), words.size() > 3 ? number(words[3]) : 1);
-    if (stack.isNull()) throw std::runtime_error(fmt::format("there is no item \"{}\"", words[2]));
+    const std::string& name = words.at(1);
+    const int count = words.size() > 3 ? number(words[3]) : 1;
+    const platform::ItemStack one = platform::ItemStack::create(words.at(2), 1);
+    if (one.isNull()) throw std::runtime_error(fmt::format("there is no item \"{}\"", words[2]));
+    const int most = one.getMaxStackSize();
+    if (count < 1 || count > most)
+        throw std::runtime_error(fmt::format("a stack of {} has a count of 1 to {}, not {}; nothing was given",
+                                             one.getTypeName(), most, count));
+    int slot = words.size() > 4 ? number(words[4]) : -1;
+    if (words.size() > 4 && slot < 0) throw std::runtime_error(fmt::format("\"{}\" is no slot", words[4]));
+    platform::ItemStack former;
     server_.run([&] {
-        int slot = words.size() > 4 ? number(words[4]) : -1;
         for (int i = 0; slot < 0 && i < 36; ++i)
-            if (server_.world().item(words[1], i).isNull()) slot = i;
-        if (slot < 0) throw std::runtime_error(fmt::format("{} has no free slot", words[1]));
-        server_.world().setitem(words[1], slot, stack);
+            if (server_.world().item(name, i).isNull()) slot = i;
+        if (slot < 0) throw std::runtime_error(fmt::format("{} has no free slot", name));
+        former = server_.world().item(name, slot);
+        server_.world().setitem(name, slot, platform::ItemStack::create(words[2], count));
     });
     settle();
+    print(fmt::format(
+        "{} has {} \u00d7{} in slot {}{}", name, one.getTypeName(), count, slot,
+        former.isNull() ? "" : fmt::format(", instead of {} \u00d7{}", former.getTypeName(), former.getCount())));
 }
 
 void Console::money(const std::vector<std::string>& words, const std::string&) {
@@ -236,13 +248,19 @@ void Console::score(const std::vector<std::string>& words, const std::string&) {
     });
 }
 
-void Console::kill(const std::vector<std::string>& words, const std::string&) {
-    server_.run([&] { server_.world().setalive(words.at(1), false); });
+void Console::setalive(const std::string& name, bool alive) {
+    bool already = false;
+    server_.run([&] {
+        for (const PlayerSummary& player : server_.world().players())
+            already = already || (player.name == name && player.alive == alive);
+        server_.world().setalive(name, alive);
+    });
+    print(fmt::format("{} {}{}", name, alive ? "lives" : "is dead", already ? ", as before" : ""));
 }
 
-void Console::revive(const std::vector<std::string>& words, const std::string&) {
-    server_.run([&] { server_.world().setalive(words.at(1), true); });
-}
+void Console::kill(const std::vector<std::string>&, const std::string& rest) { setalive(rest, false); }
+
+void Console::revive(const std::vector<std::string>&, const std::string& rest) { setalive(rest, true); }
 
 void Console::tick(const std::vector<std::string>& words, const std::string&) {
     if (!server_.options().manual) throw std::runtime_error("the server ticks by itself; start it with --manual");
@@ -313,7 +331,8 @@ void Console::command(const std::string& name, const std::string& text) {
     settle();
 }
 
-// A form in front is drawn once. One that comes behind another would not be seen before that is answered: it is named.
+// A form in front is told once: drawn for whoever was joined here, named for players of the page. One that comes behind
+// another would not be seen before that is answered: it is named.
 std::string Console::toldforms(const std::string& name, const client::ModelClient& c, Told& told) {
     if (c.forms().empty()) return {};
     const client::PendingForm &front = c.forms().front(), &last = c.forms().back();
@@ -321,7 +340,11 @@ std::string Console::toldforms(const std::string& name, const client::ModelClien
     const bool waits = std::exchange(told.last, last.id) != last.id && last.id != front.id;
     const auto parsed = [](const client::PendingForm& form) { return nlohmann::json::parse(form.json); };
     std::string text;
-    if (fresh) text += fmt::format("\u00a77{} is asked:\u00a7r\n{}\n", name, drawform(parsed(front)));
+    if (fresh && told.own)
+        text += fmt::format("\u00a77{} is asked:\u00a7r\n{}\n", name, drawform(parsed(front)));
+    else if (fresh)
+        text +=
+            fmt::format("\u00a77{} is asked:\u00a7r {}; \"{} form\" shows it\n", name, formline(parsed(front)), name);
     if (waits)
         text += fmt::format(
             "\u00a77{}:\u00a7r a form waits behind {}: {}; answer the first, or close it: \"{} answer close\"\n", name,

@@ -18,7 +18,7 @@ public:
     using Show = std::function<void(const std::string& text)>;
     Console(Server& server, Clients& clients, Show show);
 
-    // One line. False for "stop". What is wrong with it is printed.
+    // One line. False for "stop", "quit" and "exit". What is wrong with it is printed.
     bool line(const std::string& text);
     void print(const std::string& text) { show_(text); }
 
@@ -53,11 +53,16 @@ private:
     void click(const std::vector<std::string>& words, const std::string& rest);
     void close(const std::vector<std::string>& words, const std::string& rest);
 
+    void playerline(const std::string& text);
+    [[nodiscard]] std::string unknown(const std::string& text);
+    void stand(const std::string& name);  // what he has in front
+    void setalive(const std::string& name, bool alive);
     void command(const std::string& name, const std::string& text);
     void settle();
     struct Told {
         std::uint64_t chat = 0, toasts = 0, replies = 0, sounds = 0;
         std::uint32_t front = 0, last = 0;  // forms
+        bool own = false;                   // joined by this console
     };
     // Prints what a client has heard and been shown since the last time.
     void tell(const std::string& name);

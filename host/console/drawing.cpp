@@ -6,6 +6,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "host/console/colours.h"
 #include "platform/foreignjson.h"
 
 namespace host {
@@ -133,11 +134,17 @@ std::string drawscreen(const client::ModelClient& c) {
         for (int slot = area.first; slot < area.first + area.count; ++slot) {
             const platform::NetworkItem& item = c.slot(area.container, slot);
             if (item.networkid == 0) continue;
+            // One line each, so that a page of goods stays in sight; rules between texts are left out.
             rows += fmt::format("  {:>2}  {} \u00d7{}{}{}\u00a7r", slot, c.displayname(item), item.count,
                                 client::ModelClient::shines(item) ? " \u2726" : "",
                                 client::ModelClient::locked(item) ? " [locked]" : "");
+            for (const std::string& texts : client::ModelClient::lore(item)) {
+                std::istringstream lines(texts);
+                for (std::string line; std::getline(lines, line);)
+                    if (terminaltext(line, false).find_first_not_of("= ") != std::string::npos)
+                        rows += fmt::format(" \u00b7 {}\u00a7r", line);
+            }
             rows += fmt::format("  \u00a78{}\u00a7r\n", c.itemname(item));
-            for (const std::string& line : client::ModelClient::lore(item)) rows += indented(line, "        ");
         }
         if (!rows.empty()) out += fmt::format("{}\n{}", area.title, rows);
     }

@@ -11,7 +11,7 @@ class Console;
 
 class Terminal {
 public:
-    // `stopped` is called once after the line "stop". The end of the input only ends the reading.
+    // `stopped` is called once after a line that ends the server. The end of the input only ends the reading.
     Terminal(Console& console, int input, std::function<void()> stopped);
     ~Terminal();
     void stop();

@@ -49,13 +49,44 @@ TEST_F(ConsoleTest, PlaysAPlayer) {
     EXPECT_THAT(typed("Alice: ordomart formmenu"), AllOf(HasSubstr("Alice is asked:"), HasSubstr("0: ")));
     EXPECT_THAT(typed("Alice form"), Not(HasSubstr("Unknown command"))) << "told already";
     EXPECT_EQ(typed("Alice answer close"), "");
-    EXPECT_THAT(typed("give Alice diamond_sword"), "");
+    EXPECT_THAT(typed("give Alice diamond_sword"), HasSubstr("Alice has minecraft:diamond_sword \u00d71 in slot 0"));
+    EXPECT_THAT(typed("give Alice apple 64 0"),
+                HasSubstr("apple \u00d764 in slot 0, instead of minecraft:diamond_sword \u00d71"));
+    EXPECT_THAT(typed("give Alice diamond_sword"), HasSubstr("in slot 1"));
+    EXPECT_THAT(typed("kill Alice"), "Alice is dead");
+    EXPECT_THAT(typed("kill Alice"), "Alice is dead, as before");
+    EXPECT_THAT(typed("revive Alice"), "Alice lives");
+    for (const char* alone : {"Alice", "Alice:", " Alice "})
+        EXPECT_THAT(typed(alone), HasSubstr("Alice has no form and no menu in front; he can screen"));
     EXPECT_THAT(typed("Alice screen"), HasSubstr("minecraft:diamond_sword"));
     EXPECT_THAT(typed("money Alice 500"), HasSubstr("Alice has 500"));
     typed("leave Alice");
     typed("join Alice");
     EXPECT_THAT(typed("Alice: ordomart formmenu"), HasSubstr("Alice is asked:")) << "the first form of another session";
-    EXPECT_FALSE(console.line("stop"));
+    EXPECT_THAT(typed("leave Alice"), "Alice left");
+    EXPECT_THAT(typed("Alice"), HasSubstr("Alice is not joined: type \"join Alice\""));
+    for (const char* end : {"stop", "quit", "exit"}) EXPECT_FALSE(console.line(end));
+}
+
+TEST_F(ConsoleTest, DrawsFormsOfItsOwnPlayersAloneAndTheRestInALine) {
+    clients.join({.name = "Petra", .xuid = host::defaultxuid(*server, "Petra")});
+    EXPECT_EQ(typed("Petra: ordomart formmenu"), "Petra is asked: \"Main menu\"; \"Petra form\" shows it\n");
+    EXPECT_THAT(typed("Petra form"), HasSubstr("0: "));
+    EXPECT_THAT(typed("Petra"), HasSubstr("Petra has the form \"Main menu\" and no menu in front"));
+    typed("Petra answer close");
+
+    typed("join Alice");
+    typed("Alice: ordomart");
+    std::istringstream help(typed("help"));
+    for (std::string line; std::getline(help, line);) EXPECT_LE(line.size(), 100U) << line;
+}
+
+TEST_F(ConsoleTest, DrawsAStackInALine) {
+    typed("join Alice");
+    typed("Alice: ordomart myshop");
+    server->ticks(10);
+    EXPECT_THAT(typed("Alice screen"),
+                HasSubstr(" \u00b7 Items sold:0 \u00b7 Sales volume:0 \u00b7 Your name : Alice"));
 }
 
 // What the README has people type: the lines of its block that begins with "join", and what is quoted of a player.
@@ -121,6 +152,12 @@ TEST_F(ConsoleTest, SaysWhatIsWrong) {
     } cases[] = {
         {"", ""},
         {"# a remark", ""},
+        {"give Alice apple 999", "a stack of minecraft:apple has a count of 1 to 64, not 999; nothing was given"},
+        {"give Alice apple 0", "a count of 1 to 64, not 0; nothing was given"},
+        {"give Alice apple 1 -1", "\"-1\" is no slot"},
+        {"kill", "usage: kill NAME"},
+        {"kill Bob", "nobody named \"Bob\" was ever here"},
+        {"Bob", "try help, or \"join Bob\""},
         {"Bob: ordomart", "\"Bob:\" is neither a line of the console nor a joined player"},
         {"join", "usage: join NAME"},
         {"join Bob --lang", "--lang needs a value"},
