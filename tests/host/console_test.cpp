@@ -89,10 +89,35 @@ TEST_F(ConsoleTest, DrawsAStackInALine) {
                 HasSubstr(" \u00b7 Items sold:0 \u00b7 Sales volume:0 \u00b7 Your name : Alice"));
 }
 
+std::string readme() {
+    std::ifstream file(SOURCE_PATH "/README.md");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// What a shell command prints; it has to succeed.
+std::string printed(const std::string& command) {
+    FILE* const pipe = ::popen(command.c_str(), "r");
+    std::string text;
+    for (int c; (c = std::fgetc(pipe)) != EOF;) text += static_cast<char>(c);
+    EXPECT_EQ(::pclose(pipe), 0) << command;
+    return text;
+}
+
+// In a folder of nothing but itself and its texts, it can neither install nor build first.
+TEST(Run, HelpNeedsNoBuildAndIsTheServersOwn) {
+    const coretests::Directory alone;
+    const std::string folder = alone.path.string();
+    printed("cp " SOURCE_PATH "/run " + folder + " && mkdir " + folder + "/scripts && cp " SOURCE_PATH
+            "/scripts/help.txt " + folder + "/scripts/");
+    std::string own = printed(SERVER_PATH " --help");
+    for (std::size_t at; (at = own.find("ordomart-server")) != std::string::npos;) own.replace(at, 15, "./run");
+    EXPECT_EQ(printed(folder + "/run DIRECTORY --help"), own) << "scripts/help.txt is behind";
+    EXPECT_THAT(readme(), HasSubstr("Version " PROJECT_VERSION));
+}
+
 // What the README has people type: the lines of its block that begins with "join", and what is quoted of a player.
 std::vector<std::string> readmelines() {
-    std::ifstream file(README_PATH);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    const std::string text = readme();
     static const std::regex quoted(R"(`([A-Z][a-z]+:? [^`\n]+)`)"), block("```\n(join [^`]*)```");
     std::vector<std::string> lines;
     std::smatch found;
