@@ -107,8 +107,8 @@ std::string printed(const std::string& command) {
 TEST(Run, HelpNeedsNoBuildAndIsTheServersOwn) {
     const coretests::Directory alone;
     const std::string folder = alone.path.string();
-    printed("cp " SOURCE_PATH "/run " + folder + " && mkdir " + folder + "/scripts && cp " SOURCE_PATH
-            "/scripts/help.txt " + folder + "/scripts/");
+    printed("cp " SOURCE_PATH "/run " + folder + " && mkdir " + folder +
+            "/scripts && cp " SOURCE_PATH "/scripts/help.txt " + folder + "/scripts/");
     std::string own = printed(SERVER_PATH " --help");
     for (std::size_t at; (at = own.find("ordomart-server")) != std::string::npos;) own.replace(at, 15, "./run");
     EXPECT_EQ(printed(folder + "/run DIRECTORY --help"), own) << "scripts/help.txt is behind";
