@@ -130,7 +130,7 @@ struct World : market_tests::ShopHost {
     }
 
     void change() {
-        const auto key = fronts.empty() || !oneof(3) ? any(keys) : any(fronts);
+        const auto key = fronts.size() < 2 || oneof(3) ? any(keys) : fronts.back();
         const int kind = static_cast<int>(below(2)), what = static_cast<int>(below(12));
         if (what == 0) {
             clock.seconds += static_cast<std::int64_t>(below(5)) - 1;
