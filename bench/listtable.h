@@ -62,8 +62,7 @@ public:
         got.prices = pageof(order, tag, page);
         return got;
     }
-    std::int64_t pageof(const std::string& order, const std::string& tag, std::size_t page,
-                        std::vector<std::string>* tags = nullptr) {
+    std::int64_t pageof(const std::string& order, const std::string& tag, std::size_t page) {
         auto& ask =
             prepared(fmt::format("SELECT {} FROM goods WHERE visible AND owner<>?1{} ORDER BY {}"
                                  " LIMIT {} OFFSET ?3",
@@ -72,10 +71,7 @@ public:
         if (!tag.empty()) ask.bind(2, tag);
         ask.bind(3, static_cast<std::int64_t>(page * pagerows));
         std::int64_t prices = 0;
-        while (ask.executeStep()) {
-            prices += readrow(ask);
-            if (tags != nullptr) tags->push_back(ask.getColumn(5).getString());
-        }
+        while (ask.executeStep()) prices += readrow(ask);
         ask.reset();
         return prices;
     }
