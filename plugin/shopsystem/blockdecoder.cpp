@@ -54,7 +54,7 @@ class decoding {
 public:
     explicit decoding(const std::string& xuid) : xuid_(xuid) {}
 
-    std::shared_ptr<const goodsblock> run() {
+    shopgoods run() {
         for (int attempt = 0;; ++attempt) {
             globalruntimeshopmanager.bringin(xuid_, Rows::type);
             head_.reset();
@@ -98,7 +98,7 @@ private:
 goodsblock::header headof(sellshop& shop) { return makehead(shop); }
 goodsblock::header headof(recycleshop& shop) { return makehead(shop); }
 
-std::shared_ptr<const goodsblock> decodeshop(const std::string& xuid, int kind) {
+shopgoods decodeshop(const std::string& xuid, int kind) {
     return kind == sell ? decoding<sellrows>(xuid).run() : decoding<recyclerows>(xuid).run();
 }
 

@@ -25,33 +25,37 @@ bool hasfile(const std::string& xuid) { return platform::host().files->exists(sh
 
 std::shared_ptr<const shelves> made(std::vector<std::shared_ptr<const shelf>> all) {
     shelves now{std::move(all), goodsblock::header().since, goodsblock::header().until};
-    for (const auto& on : now.all)
-        for (const auto& block : on->shops()) {
-            now.since = std::max(now.since, block->shop.since);
-            now.until = std::min(now.until, block->shop.until);
-        }
+    for (const auto& on : now.all) {
+        now.since = std::max(now.since, on->since());
+        now.until = std::min(now.until, on->until());
+    }
     return std::make_shared<const shelves>(std::move(now));
 }
 
-void cut(shelf::blocks blocks, const shelf* before, std::vector<std::shared_ptr<const shelf>>& into) {
+void cut(std::vector<shelf::shop> shops, const shelf* before, std::vector<std::shared_ptr<const shelf>>& into) {
     std::size_t rows = 0;
-    for (const auto& block : blocks) rows += block->rows.size();
-    const bool istoolarge = rows > 2 * rowsonashelf || blocks.size() > 2 * shopsonashelf;
-    shelf::blocks piece;
+    for (const auto& each : shops) rows += each.rows;
+    const bool istoolarge = rows > 2 * rowsonashelf || shops.size() > 2 * shopsonashelf;
+    std::vector<shelf::shop> piece;
     std::size_t have = 0;
-    for (auto& block : blocks) {
-        have += block->rows.size();
-        piece.push_back(std::move(block));
-        if (!istoolarge || (have < rowsonashelf && piece.size() < shopsonashelf)) continue;
-        into.push_back(std::make_shared<const shelf>(std::exchange(piece, {}), before));
+    const auto put = [&](const std::vector<shelf::shop>& of) {
+        into.push_back(std::make_shared<const shelf>(of, before));
+    };
+    if (!istoolarge && !shops.empty()) return put(shops);
+    for (auto& each : shops) {
+        have += each.rows;
+        piece.push_back(std::move(each));
+        if (have < rowsonashelf && piece.size() < shopsonashelf) continue;
+        put(std::exchange(piece, {}));
         have = 0;
     }
-    if (!piece.empty()) into.push_back(std::make_shared<const shelf>(std::move(piece), before));
+    if (!piece.empty()) put(piece);
 }
 
-const goodsblock* blockof(const shelves& all, const std::string& xuid) {
-    const auto on = shelfof(all, xuid);
-    return on == nullptr ? nullptr : on->shops()[static_cast<std::size_t>(on->find(xuid))].get();
+bool issame(const shelves& all, const shopgoods& fresh) {
+    const auto& key = fresh.block->shop.xuid;
+    const auto on = shelfof(all, key);
+    return on != nullptr && on->issame(static_cast<std::size_t>(on->find(key)), fresh);
 }
 
 }  // namespace
@@ -66,23 +70,16 @@ void catalogue::listen() {
     if (watch_ == nullptr) watch_ = platform::watchDirectory(ordomart::paths::data);
     auto heard = watch_->take();
     if (heard.all) {
-        std::unordered_set<std::string> now;
-        for (auto& key : shopfilekeys()) now.insert(std::move(key));
-        for (const auto& key : files_)
-            if (!now.contains(key)) told_.insert(key);
-        for (const auto& key : now) told_.insert(key);
-        files_ = std::move(now);
+        for (auto& key : shopfilekeys()) told_.insert(std::move(key));
+        for (const auto& on : current_->all)
+            for (const auto& block : on->shops()) told_.insert(block->shop.xuid);
         return;
     }
     constexpr std::string_view suffix = ".json";
     for (auto& name : heard.names) {
         if (!name.ends_with(suffix)) continue;
         name.resize(name.size() - suffix.size());
-        if (hasfile(name))
-            files_.insert(name);
-        else
-            files_.erase(name);
-        told_.insert(name);
+        told_.insert(std::move(name));
     }
 }
 
@@ -96,11 +93,13 @@ std::shared_ptr<const shelves> catalogue::uptodate(const question& goeson, const
     }
     const auto now = unixseconds();
     if (!(current_->since < now && now <= current_->until))
-        for (const auto& on : current_->all)
+        for (const auto& on : current_->all) {
+            if (on->since() < now && now <= on->until()) continue;
             for (const auto& block : on->shops())
                 if (!block->shop.holdsat(now)) waiting_.insert(block->shop.xuid);
+        }
     for (const auto& key : told_) {
-        if (!waiting_.contains(key) && files_.contains(key) && shelfof(*current_, key) != nullptr) {
+        if (!waiting_.contains(key) && shelfof(*current_, key) != nullptr && hasfile(key)) {
             const platform::Turn turn;
             if (globalruntimeshopmanager.cached(key, kind_) != nullptr) continue;
         }
@@ -130,12 +129,8 @@ bool catalogue::lookatall(const question& goeson, const std::string& only) {
                 if (iswhole) lookat(std::string(*waiting_.begin()));
             }
         } else if (waiting_.contains(only) || shelfof(*current_, only) == nullptr) {
-            files_.insert(only);  // it is made where there is none
             lookat(only);
-            if (!hasfile(only)) {  // but not while the shop is in the cache: it is there for this list alone
-                files_.erase(only);
-                waiting_.insert(only);
-            }
+            if (!hasfile(only)) waiting_.insert(only);  // it is there for this list alone
         }
     } catch (...) {
         settle();
@@ -147,11 +142,14 @@ bool catalogue::lookatall(const question& goeson, const std::string& only) {
 
 // False for one that cannot be read: it is tried again each time, since nobody tells when that has passed.
 bool catalogue::look(const std::string& xuid, bool istobeworkedon, news& changes) {
-    changes[xuid] = nullptr;
-    if (xuid.empty() || !files_.contains(xuid)) return true;
+    auto& now = changes[xuid];
+    if (xuid.empty()) return true;
     try {
-        auto block = istobeworkedon ? nullptr : decodefile(xuid, kind_, blockof(*current_, xuid));
-        changes[xuid] = block != nullptr ? std::move(block) : decodeshop(xuid, kind_);
+        if (!istobeworkedon) {
+            now = decodefile(xuid, kind_, [&](const shopgoods& fresh) { return issame(*current_, fresh); });
+            if (!now && !hasfile(xuid)) return true;
+        }
+        if (!now) now = decodeshop(xuid, kind_);  // it is made where there is none
         return true;
     } catch (const std::exception& e) {
         const platform::Turn turn;
@@ -168,24 +166,28 @@ void catalogue::apply(const news& changes) {
     // Each shelf takes what stands in front of the next one, the last all that is left.
     for (std::size_t number = 0; number < std::max<std::size_t>(before.size(), 1); ++number) {
         auto end = changes.end();
-        if (number + 1 < before.size()) end = changes.lower_bound(before[number + 1]->shops().front()->shop.xuid);
+        if (number + 1 < before.size()) end = changes.lower_bound(before[number + 1]->firstkey());
         if (change == end && number < before.size()) {
             all.push_back(before[number]);
             continue;
         }
-        shelf::blocks merged;
+        std::vector<shelf::shop> merged;
         const shelf* const old = number < before.size() ? before[number].get() : nullptr;
-        const auto addchanges = [&](const std::string* upto) {
-            for (; change != end && (upto == nullptr || !infileorder(*upto, change->first)); ++change)
-                if (change->second != nullptr) merged.push_back(change->second);
+        std::size_t next = 0;
+        const auto keepupto = [&](std::size_t last) {
+            for (; next < last; ++next)
+                merged.push_back(
+                    {old->goods(next), static_cast<std::ptrdiff_t>(next), old->firstof(next + 1) - old->firstof(next)});
         };
-        if (old != nullptr)
-            for (const auto& block : old->shops()) {
-                const bool isnew = changes.contains(block->shop.xuid);
-                addchanges(&block->shop.xuid);
-                if (!isnew) merged.push_back(block);
+        for (; change != end; ++change) {
+            const auto& [key, goods] = *change;
+            if (old != nullptr) {
+                keepupto(old->behind(key));
+                if (old->find(key) >= 0) ++next;
             }
-        addchanges(nullptr);
+            if (goods) merged.push_back({*goods, -1, goods->block->rows.size()});
+        }
+        if (old != nullptr) keepupto(old->shops().size());
         cut(std::move(merged), old, all);
     }
     auto next = made(std::move(all));
@@ -219,7 +221,6 @@ void catalogue::clear() {
         changed_.clear();
     }
     watch_ = nullptr;
-    files_.clear();
     told_.clear();
     waiting_.clear();
     const std::lock_guard also(publishing_);

@@ -7,6 +7,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_set>
@@ -37,7 +38,7 @@ private:
     struct infileorderless {
         bool operator()(const std::string& a, const std::string& b) const { return infileorder(a, b); }
     };
-    using news = std::map<std::string, std::shared_ptr<const goodsblock>, infileorderless>;  // null: gone
+    using news = std::map<std::string, std::optional<shopgoods>, infileorderless>;  // none: gone
 
     void listen();
     [[nodiscard]] bool lookatall(const question& goeson, const std::string& only);
@@ -49,7 +50,6 @@ private:
 
     std::mutex updating_;  // of what follows; turns are taken while it is held, so nobody in a turn may take it
     std::unique_ptr<platform::DirectoryWatch> watch_;
-    std::unordered_set<std::string> files_;           // keys of all shop files
     std::unordered_set<std::string> told_;            // only by their files, which shops in the cache do not mind
     std::set<std::string, infileorderless> waiting_;  // to be looked at, until it has been
 

@@ -66,7 +66,7 @@ void readrecord(dom::object record, const recycleshop&, globalrecycleshopitem& r
 }
 
 template <class Rows>
-std::shared_ptr<goodsblock> decode(const std::string& xuid, const std::string& text) {
+shopgoods decode(const std::string& xuid, const std::string& text) {
     thread_local dom::parser parser;
     std::remove_reference_t<decltype(Rows::shop(xuid))> shop(xuid);
     const auto goodskey = shop.goods().key;
@@ -103,27 +103,30 @@ std::shared_ptr<goodsblock> decode(const std::string& xuid, const std::string& t
 
 }  // namespace
 
-std::shared_ptr<const goodsblock> decodefile(const std::string& xuid, int kind, const goodsblock* before) {
+std::optional<shopgoods> decodefile(const std::string& xuid, int kind,
+                                    const std::function<bool(const shopgoods&)>& issame) {
     {
         const platform::Turn turn;
-        if (globalruntimeshopmanager.cached(xuid, kind) != nullptr) return nullptr;
+        if (globalruntimeshopmanager.cached(xuid, kind) != nullptr) return std::nullopt;
     }
-    if (xuid == "0" || hasleftrecord(xuid, kind)) return nullptr;
+    if (xuid == "0" || hasleftrecord(xuid, kind)) return std::nullopt;
     const auto stamp = filestamp(xuid);
     const auto text = platform::host().files->read(shopfile(xuid));
-    if (!text || text->empty() || stamp != filestamp(xuid)) return nullptr;
-    std::shared_ptr<goodsblock> block;
+    if (!text || text->empty() || stamp != filestamp(xuid)) return std::nullopt;
+    shopgoods read;
     try {
-        block = kind == sell ? decode<sellrows>(xuid, *text) : decode<recyclerows>(xuid, *text);
+        read = kind == sell ? decode<sellrows>(xuid, *text) : decode<recyclerows>(xuid, *text);
     } catch (const std::exception&) {
-        return nullptr;
+        return std::nullopt;
     }
-    const bool issame = before != nullptr && block->saysthesame(*before);
+    const bool isasbefore = issame(read);
     const platform::Turn turn;
-    const auto revision = globalruntimeshopmanager.readaside(xuid, kind, stamp, issame);
-    if (!revision) return nullptr;
-    block->shop.revision = *revision;
-    return block;
+    const auto revision = globalruntimeshopmanager.readaside(xuid, kind, stamp, isasbefore);
+    if (!revision) return std::nullopt;
+    auto block = *read.block;
+    block.shop.revision = *revision;
+    read.block = std::make_shared<const goodsblock>(std::move(block));
+    return read;
 }
 
 }  // namespace shopsystem

@@ -2,8 +2,6 @@
 
 #include <mutex>
 
-#include "plugin/shopsystem/textfilter.h"
-
 namespace shopsystem {
 
 namespace {
@@ -63,12 +61,6 @@ taghandle interntag(std::string_view text) {
     return tag;
 }
 
-std::uint32_t mosttagids() {
-    auto& table = tagsinuse();
-    const std::lock_guard alone(table.mutex);
-    return table.ids;
-}
-
 namespace {
 
 template <class Row>
@@ -81,87 +73,66 @@ void readcommon(const goodsblock& block, const goodsblock::row& row, Row& into) 
 
 }  // namespace
 
-void readrow(const goodsblock& block, std::size_t i, globalsellshopitem& into) {
-    const auto& row = block.rows[i];
-    readcommon(block, row, into);
-    into.shopitemtag = block.tag(i);
-    into.shopitemname = block.name(i);
-    into.shopitemdescribe = block.describe(i);
-    into.itemnbt = block.stack(i);
-    into.shopitemleftnum = row.left;
+void readrow(const goodsrow& of, globalsellshopitem& into) {
+    const auto& row = of.block.rows[of.row];
+    readcommon(of.block, row, into);
+    into.shopitemtag = of.tag.text;
+    into.shopitemname = of.texts.at(rowtexts::name, of.text);
+    into.shopitemdescribe = of.texts.at(rowtexts::describe, of.text);
+    into.itemnbt = of.texts.at(rowtexts::stack, of.text);
+    into.shopitemleftnum = of.left;
     into.price = row.other;
-    into.realprice = row.price;
+    into.realprice = of.price;
 }
 
-void readrow(const goodsblock& block, std::size_t i, globalrecycleshopitem& into) {
-    const auto& row = block.rows[i];
-    readcommon(block, row, into);
-    into.recycleitemtag = block.tag(i);
-    into.recycleitemname = block.name(i);
-    into.recycleitemdescribe = block.describe(i);
-    into.itemnbt = block.stack(i);
-    into.recycleitemleftwanna = row.left;
+void readrow(const goodsrow& of, globalrecycleshopitem& into) {
+    const auto& row = of.block.rows[of.row];
+    readcommon(of.block, row, into);
+    into.recycleitemtag = of.tag.text;
+    into.recycleitemname = of.texts.at(rowtexts::name, of.text);
+    into.recycleitemdescribe = of.texts.at(rowtexts::describe, of.text);
+    into.itemnbt = of.texts.at(rowtexts::stack, of.text);
+    into.recycleitemleftwanna = of.left;
     into.nowhasrecyclenum = row.other;
-    into.offer = row.price;
+    into.offer = of.price;
     into.filterauxordamage = (row.flags & goodsblock::byauxordamage) != 0;
     into.filterench = (row.flags & goodsblock::byench) != 0;
     into.filteritemnbt = (row.flags & goodsblock::bynbt) != 0;
 }
 
-bool goodsblock::saysthesame(const goodsblock& other) const {
-    auto head = other.shop;
-    head.revision = shop.revision;
-    return head == shop && rows == other.rows && tags == other.tags && nameoffsets == other.nameoffsets &&
-           describeoffsets == other.describeoffsets && stackoffsets == other.stackoffsets && texts == other.texts;
-}
-
 void blockbuilder::add(const globalsellshopitem& row) {
-    add({row.index, row.shopitemleftnum, row.realprice, row.price, 0,
-         static_cast<std::uint8_t>(row.allowbesearched ? 0 : goodsblock::isprivate)},
-        row.shopitemtag, row.shopitemname, row.shopitemdescribe, row.itemnbt);
+    add({row.index, row.price, static_cast<std::uint8_t>(row.allowbesearched ? 0 : goodsblock::isprivate)},
+        row.shopitemleftnum, row.realprice, row.shopitemtag);
+    texts_.add(row.shopitemname, row.shopitemdescribe, row.itemnbt);
 }
 
 void blockbuilder::add(const globalrecycleshopitem& row) {
     const int flags = (row.allowbesearched ? 0 : goodsblock::isprivate) |
                       (row.filterauxordamage ? goodsblock::byauxordamage : 0) |
                       (row.filterench ? goodsblock::byench : 0) | (row.filteritemnbt ? goodsblock::bynbt : 0);
-    add({row.index, row.recycleitemleftwanna, row.offer, row.nowhasrecyclenum, 0, static_cast<std::uint8_t>(flags)},
-        row.recycleitemtag, row.recycleitemname, row.recycleitemdescribe, row.itemnbt);
+    add({row.index, row.nowhasrecyclenum, static_cast<std::uint8_t>(flags)}, row.recycleitemleftwanna, row.offer,
+        row.recycleitemtag);
+    texts_.add(row.recycleitemname, row.recycleitemdescribe, row.itemnbt);
 }
 
-void blockbuilder::add(goodsblock::row row, std::string_view tag, std::string_view name, std::string_view describe,
-                       std::string_view stack) {
+void blockbuilder::add(goodsblock::row row, std::int32_t left, std::int32_t price, std::string_view tag) {
     auto known = tags_.find(tag);
     if (known == tags_.end()) {
-        made_.tags.push_back(interntag(tag));
-        known = tags_.emplace(made_.tags.back()->text, static_cast<std::uint32_t>(made_.tags.size() - 1)).first;
+        columns_.tags.push_back(interntag(tag));
+        const auto number = static_cast<std::uint32_t>(columns_.tags.size() - 1);
+        known = tags_.emplace(columns_.tags.back()->text, number).first;
     }
-    row.tag = known->second;
     made_.rows.push_back(row);
-    const auto append = [](std::string& all, std::vector<std::uint32_t>& offsets, std::string_view text) {
-        all += text;
-        offsets.push_back(static_cast<std::uint32_t>(all.size()));
-    };
-    append(names_, made_.nameoffsets, name);
-    append(describes_, made_.describeoffsets, describe);
-    append(stacks_, made_.stackoffsets, stack);
+    columns_.lefts.push_back(left);
+    columns_.prices.push_back(price);
+    columns_.tagof.push_back(known->second);
 }
 
-std::shared_ptr<goodsblock> blockbuilder::finish(goodsblock::header shop) {
+shopgoods blockbuilder::finish(goodsblock::header shop) {
     made_.shop = std::move(shop);
-    const auto shift = [](std::vector<std::uint32_t>& offsets, std::size_t by) {
-        for (auto& offset : offsets) offset += static_cast<std::uint32_t>(by);
-    };
-    shift(made_.describeoffsets, names_.size());
-    shift(made_.stackoffsets, names_.size() + describes_.size());
-    made_.texts.reserve(names_.size() + describes_.size() + stacks_.size() + textfilter::slack);
-    made_.texts = names_;
-    made_.texts += describes_;
-    made_.texts += stacks_;
-    made_.texts.append(textfilter::slack, '\0');
     made_.rows.shrink_to_fit();
-    made_.tags.shrink_to_fit();
-    return std::make_shared<goodsblock>(std::move(made_));
+    return {std::make_shared<const goodsblock>(std::move(made_)), texts_.finish(), 0,
+            std::make_shared<const rowcolumns>(std::move(columns_))};
 }
 
 }  // namespace shopsystem

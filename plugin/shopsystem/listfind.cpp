@@ -20,6 +20,14 @@ constexpr std::int32_t notset = -1;
 class rowmarks {
 public:
     explicit rowmarks(std::size_t size) : words_((size + 63) / 64) {}
+    // Each row's is what `isset` says, 1 or 0.
+    template <class IsSet>
+    rowmarks(std::size_t size, const IsSet& isset) : rowmarks(size) {
+        for (std::size_t w = 0; w < words_.size(); ++w) {
+            const auto first = 64 * w, count = std::min<std::size_t>(64, size - first);
+            for (std::size_t i = 0; i < count; ++i) words_[w] |= std::uint64_t{isset(first + i)} << i;
+        }
+    }
     void set(std::size_t i) { words_[i / 64] |= bit(i); }
     [[nodiscard]] bool has(std::size_t i) const { return (words_[i / 64] & bit(i)) != 0; }
     [[nodiscard]] std::span<std::uint64_t> words() { return words_; }
@@ -34,6 +42,10 @@ public:
     }
     rowmarks& operator&=(const rowmarks& other) {
         for (std::size_t w = 0; w < words_.size(); ++w) words_[w] &= other.words_[w];
+        return *this;
+    }
+    rowmarks& operator|=(const rowmarks& other) {
+        for (std::size_t w = 0; w < words_.size(); ++w) words_[w] |= other.words_[w];
         return *this;
     }
 
@@ -79,29 +91,26 @@ public:
             markshops(on, passing, &readfilter::allof);
             rows &= passing;
         }
-        for (const auto text : {textof::name, textof::describe}) {
+        for (const auto text : {rowtexts::name, rowtexts::describe}) {
             if (!filterof(text).isset()) continue;
             rowmarks passing(on.size());
             marktexts(on, text, passing);
             rows &= passing;
         }
-        if (tag_.isset()) {
-            rowmarks passing(on.size());
-            marktags(on, passing);
-            rows &= passing;
-        }
+        if (tag_.isset()) rows &= tagged(on);
     }
     // Marks the rows that pass in any field.
     void collect(const shelf& on, rowmarks& rows) const {
         if (asksofshops()) markshops(on, rows, &readfilter::anyof);
-        for (const auto text : {textof::name, textof::describe})
+        for (const auto text : {rowtexts::name, rowtexts::describe})
             if (filterof(text).isset()) marktexts(on, text, rows);
-        if (tag_.isset()) marktags(on, rows);
+        if (tag_.isset()) rows |= tagged(on);
     }
 
 private:
-    enum class textof { name, describe };
-    [[nodiscard]] const textfilter& filterof(textof text) const { return text == textof::name ? name_ : describe_; }
+    [[nodiscard]] const textfilter& filterof(rowtexts::kind text) const {
+        return text == rowtexts::name ? name_ : describe_;
+    }
 
     void markshops(const shelf& on, rowmarks& rows, bool (readfilter::*passes)(const goodsblock::header&) const) const {
         for (std::size_t b = 0; b < on.shops().size(); ++b)
@@ -109,30 +118,27 @@ private:
                 for (auto row = on.firstof(b); row < on.firstof(b + 1); ++row) rows.set(row);
     }
 
-    void marktexts(const shelf& on, textof text, rowmarks& rows) const {
-        for (std::size_t b = 0; b < on.shops().size(); ++b) {
-            const auto& block = *on.shops()[b];
-            if (block.rows.empty()) continue;
-            const auto& offsets = text == textof::name ? block.nameoffsets : block.describeoffsets;
-            filterof(text).mark(block.texts.data(), offsets, rows.words(), on.firstof(b));
+    void marktexts(const shelf& on, rowtexts::kind text, rowmarks& rows) const {
+        for (std::size_t piece = 0; piece < on.texts().size(); ++piece) {
+            const auto& texts = *on.texts()[piece];
+            filterof(text).mark(texts.bytes(), texts.offsets(text), rows.words(), on.firstoftexts(piece));
         }
     }
 
-    void marktags(const shelf& on, rowmarks& rows) const {
-        enum : std::uint8_t { unknown, passing, failing };
-        for (std::size_t b = 0; b < on.shops().size(); ++b)
-            for (const auto& tag : on.shops()[b]->tags) {
-                if (tag->id >= tags_.size()) tags_.resize(tag->id + 1, unknown);
-                auto& known = tags_[tag->id];
-                if (known == unknown) known = tag_.passes(tag->text) ? passing : failing;
-            }
-        for (rowno row = 0; row < on.size(); ++row)
-            if (tags_[on.tagid(row)] == passing) rows.set(row);
+    [[nodiscard]] rowmarks tagged(const shelf& on) const {
+        std::vector<std::uint8_t> passes;  // by rank
+        for (const auto& tag : on.tags()) {
+            if (tag->id >= tags_.size()) tags_.resize(tag->id + 1);
+            auto& known = tags_[tag->id];
+            if (!known) known = tag_.passes(tag->text);
+            passes.push_back(*known ? 1 : 0);
+        }
+        return {on.size(), [&](std::size_t row) { return passes[on.ranks()[row]]; }};
     }
 
     textfilter ownername_, shopdesc_, name_, describe_, tag_;
     std::array<std::int32_t, 2> minima_;
-    mutable std::vector<std::uint8_t> tags_;  // by id; a query's shelves hold on to their tags
+    mutable std::vector<std::optional<bool>> tags_;  // by id; a query's shelves hold on to their tags
 };
 
 // The tag that is asked for when nothing else is, and it exactly.
@@ -154,9 +160,10 @@ public:
         return passing(on, 0, on.size());
     }
     [[nodiscard]] std::shared_ptr<const shelf::rows> passing(const shelf& on, rowno first, rowno end) const {
-        rowmarks marks(on.size());
-        for (auto row = first; row < end; ++row)
-            if (!query_.publicrows || on.isshown(row)) marks.set(row);
+        const auto shown = on.shown();
+        rowmarks marks(on.size(), [&](std::size_t row) -> std::uint8_t {
+            return row >= first && row < end && (!query_.publicrows || shown[row] != 0) ? 1 : 0;
+        });
         standing_.narrow(on, marks);
         if (query_.searching) {
             rowmarks hits(on.size());
@@ -186,7 +193,7 @@ bool asksnothing(const rowquery& query) {
 
 std::shared_ptr<const shelf> shelfof(const shelves& among, const std::string& xuid) {
     const auto behind = std::upper_bound(among.all.begin(), among.all.end(), xuid, [](const auto& key, const auto& on) {
-        return infileorder(key, on->shops().front()->shop.xuid);
+        return infileorder(key, on->firstkey());
     });
     if (behind == among.all.begin() || (*std::prev(behind))->find(xuid) < 0) return nullptr;
     return *std::prev(behind);
@@ -236,18 +243,19 @@ const rowruns& foundrows::inorder(sortstep step) const {
     auto& order = orders_[step];
     if (order == nullptr) {
         auto made = std::make_unique<rowruns>(step);
-        for (const auto& each : parts_) made->add(runof(each, step));
+        std::uint32_t tagrank = 0;
+        for (const auto& each : parts_) made->add(runof(each, step, tagrank));
         order = std::move(made);
     }
     return *order;
 }
 
-rowrun foundrows::runof(const part& found, sortstep step) const {
+rowrun foundrows::runof(const part& found, sortstep step, std::uint32_t& tagrank) const {
     const auto& of = *found.of;
     shelf::rows sorted;
     if (found.what == part::all) return {found.of, of.inorder(step)};
     if (found.what == part::tagged) {
-        const auto rows = of.oftag(tag_->id);
+        const auto rows = of.oftag(*tag_, tagrank);
         if (step == bytag || step == byprice || rows.empty()) return {found.of, rows};
         if (step == asread) {
             rowmarks marks(of.size());
@@ -278,25 +286,24 @@ rowrun foundrows::runof(const part& found, sortstep step) const {
 }
 
 rowruns without(const rowruns& runs, const std::vector<std::string>& shops) {
-    rowruns rest(runs.step());
-    for (const auto& run : runs.all()) {
+    auto all = runs.all();
+    for (const auto& shop : shops) {
+        const auto behind = std::ranges::upper_bound(
+            all, shop, infileorder, [](const auto& run) -> std::string_view { return run.of->firstkey(); });
+        if (behind == all.begin()) continue;
+        auto& run = *std::prev(behind);
+        const auto block = run.of->find(shop);
+        if (block < 0) continue;
+        const auto first = run.of->firstof(static_cast<std::size_t>(block));
+        const auto end = run.of->firstof(static_cast<std::size_t>(block) + 1);
         shelf::rows left;
-        bool istouched = false;
-        for (const auto& shop : shops) {
-            const auto block = run.of->find(shop);
-            if (block < 0) continue;
-            if (!std::exchange(istouched, true)) left.assign(run.rows.begin(), run.rows.end());
-            const auto first = run.of->firstof(static_cast<std::size_t>(block));
-            const auto end = run.of->firstof(static_cast<std::size_t>(block) + 1);
-            std::erase_if(left, [&](rowno row) { return row >= first && row < end; });
-        }
-        if (!istouched) {
-            rest.add(run);
-            continue;
-        }
-        auto kept = std::make_shared<const shelf::rows>(std::move(left));
-        rest.add({run.of, *kept, kept});
+        left.reserve(run.rows.size());
+        std::ranges::copy_if(run.rows, std::back_inserter(left), [&](rowno row) { return row < first || row >= end; });
+        run.kept = std::make_shared<const shelf::rows>(std::move(left));
+        run.rows = *run.kept;
     }
+    rowruns rest(runs.step());
+    for (auto& run : all) rest.add(std::move(run));
     return rest;
 }
 

@@ -58,7 +58,7 @@ private:
     void findtagged(const std::string& text);
     void findpassing(const foundrows* last);
     void findofone();
-    [[nodiscard]] rowrun runof(const part& found, sortstep step) const;
+    [[nodiscard]] rowrun runof(const part& found, sortstep step, std::uint32_t& tagrank) const;
 
     std::shared_ptr<const shelves> among_;
     rowquery query_;
@@ -68,7 +68,7 @@ private:
     mutable std::array<std::unique_ptr<const rowruns>, sortsteps> orders_;
 };
 
-// The runs without the rows of some shops.
+// The runs without the rows of some shops; the runs are in the order of their shelves, one of each.
 [[nodiscard]] rowruns without(const rowruns& runs, const std::vector<std::string>& shops);
 
 }  // namespace shopsystem

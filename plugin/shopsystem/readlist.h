@@ -62,12 +62,12 @@ public:
         pagefirst_ = page * pagesize;
         if (runs_ == nullptr) return;
         for (const auto& [run, number] : runs_->page(pagefirst_, pagesize)) {
-            const auto [block, i] = run->of->at(number);
+            const auto row = run->of->at(number);
             page_.emplace_back();
             if (sources_.front().found->isofshops())
-                readshop(block, page_.back());
+                readshop(row.block, page_.back());
             else
-                readrow(block, i, page_.back());
+                readrow(row, page_.back());
         }
     }
     // The first row of the open page, and the one behind its last.

@@ -1,5 +1,7 @@
-// Selecting a page: a row that is picked by chance parts every run in what stands before it and what does not; the side
-// on which the page does not begin is dropped, until little is left. From the place so found the runs are merged.
+// Selecting a page: a row that is picked parts every run in what stands before it and what does not; the side on which
+// the page does not begin is dropped, until the place is found, and from there the runs are merged. The row is picked
+// where the page would begin if the run that it is picked from were like all others, which shelves mostly are; every
+// third time by chance, for where they are not.
 #include "plugin/shopsystem/rowruns.h"
 
 #include <algorithm>
@@ -30,8 +32,12 @@ public:
         }
         std::minstd_rand chance;  // the same each time
         std::vector<std::size_t> cuts(runs_.size());
-        while (open > 0 && before < first) {
-            const auto [pivotrun, pivotat] = pick(left, chance() % open);
+        for (int turn = 1; open > 0 && before < first; ++turn) {
+            auto [pivotrun, pivotat] = pick(left, chance() % open);
+            if (turn % 3 != 0) {
+                const auto [low, high] = left[pivotrun];
+                pivotat = low + (high - low) * std::min(first - before, open - 1) / open;
+            }
             std::size_t below = 0;
             for (std::size_t r = 0; r < runs_.size(); ++r) {
                 cuts[r] = r == pivotrun ? pivotat : cut(r, left[r], pivotrun, pivotat);
@@ -129,15 +135,43 @@ void rowruns::add(rowrun run) {
     all_.push_back(std::move(run));
 }
 
+namespace {
+
+struct namekey {
+    std::uint64_t head;
+    const shelf* of;
+    shelf::rowno row;
+    bool operator==(const namekey& other) const {
+        return head == other.head && of->name(row) == other.of->name(other.row);
+    }
+    bool operator<(const namekey& other) const {
+        return head != other.head ? head < other.head : of->name(row) < other.of->name(other.row);
+    }
+};
+
+struct tagkey {
+    const goodstag* tag;  // the same for the same text
+    std::int32_t price;
+    bool operator==(const tagkey&) const = default;
+    bool operator<(const tagkey& other) const {
+        return tag == other.tag ? price < other.price : tag->text < other.tag->text;
+    }
+};
+
+}  // namespace
+
 std::vector<rowplace> rowruns::page(std::size_t first, std::size_t most) const {
     if (first >= total_) return {};
     using rowno = shelf::rowno;
     switch (step_) {
         case byname:
-            return select(all_, first, most, [](const shelf& of, rowno row) { return of.name(row); });
+            return select(all_, first, most, [](const shelf& of, rowno row) {
+                return namekey{of.namehead(row), &of, row};
+            });
         case bytag:
-            return select(all_, first, most,
-                          [](const shelf& of, rowno row) { return std::pair(of.tag(row), of.price(row)); });
+            return select(all_, first, most, [](const shelf& of, rowno row) {
+                return tagkey{&of.tag(row), of.price(row)};
+            });
         case byleft:
             return select(all_, first, most, [](const shelf& of, rowno row) { return of.left(row); });
         case byprice:

@@ -67,28 +67,57 @@ constexpr auto bitofplace = [] {
 struct bytepair {
     const char *at, *other;
     char byte, otherbyte;
+};
 
-    [[nodiscard]] bool anywhere(std::size_t from) const {
-        const char *const x = at + from, *const y = other + from;
+// The first block from `from` on, in steps of a block and before `end`, where the pair stands anywhere.
+[[gnu::always_inline]] inline std::size_t nextblock(const bytepair& pair, std::size_t from, std::size_t end) {
+    const char byte = pair.byte, otherbyte = pair.otherbyte;
+    for (; from < end; from += block) {
+        const char *const x = pair.at + from, *const y = pair.other + from;
         unsigned char any = 0;
         for (std::size_t i = 0; i < block; ++i) any |= static_cast<unsigned char>((x[i] == byte) & (y[i] == otherbyte));
-        return any != 0;
+        if (any != 0) break;
     }
-    // Bit i: both stand at from + i.
-    [[nodiscard]] std::uint64_t where(std::size_t from) const {
-        const char *const x = at + from, *const y = other + from;
-        std::array<unsigned char, block> here;
-        for (std::size_t i = 0; i < block; ++i)
-            here[i] = static_cast<unsigned char>(-((x[i] == byte) & (y[i] == otherbyte)) & bitofplace[i]);
-        std::uint64_t places = 0;
-        for (std::size_t i = 0; i < block; i += 8) {
-            std::uint64_t eight;
-            std::memcpy(&eight, &here[i], sizeof eight);
-            places |= (eight * 0x0101010101010101 >> 56) << i;  // the sum of its bytes, in whatever order they lie
-        }
-        return places;
+    return from;
+}
+// Bit i: both stand at from + i.
+[[gnu::always_inline]] inline std::uint64_t placesinblock(const bytepair& pair, std::size_t from) {
+    const char *const x = pair.at + from, *const y = pair.other + from;
+    std::array<unsigned char, block> here;
+    for (std::size_t i = 0; i < block; ++i)
+        here[i] = static_cast<unsigned char>(-((x[i] == pair.byte) & (y[i] == pair.otherbyte)) & bitofplace[i]);
+    std::uint64_t places = 0;
+    for (std::size_t i = 0; i < block; i += 8) {
+        std::uint64_t eight;
+        std::memcpy(&eight, &here[i], sizeof eight);
+        places |= (eight * 0x0101010101010101 >> 56) << i;  // the sum of its bytes, in whatever order they lie
     }
+    return places;
+}
+
+// The same code for processors with wider instructions than every one has.
+struct width {
+    std::size_t (*nextblock)(const bytepair&, std::size_t, std::size_t);
+    std::uint64_t (*placesinblock)(const bytepair&, std::size_t);
 };
+constexpr width everywhere{
+    [](const bytepair& pair, std::size_t from, std::size_t end) { return nextblock(pair, from, end); },
+    [](const bytepair& pair, std::size_t from) { return placesinblock(pair, from); }};
+#if defined(__x86_64__) && defined(__GNUC__)
+[[gnu::target("avx2")]] std::size_t nextwide(const bytepair& pair, std::size_t from, std::size_t end) {
+    return nextblock(pair, from, end);
+}
+[[gnu::target("avx2")]] std::uint64_t placeswide(const bytepair& pair, std::size_t from) {
+    return placesinblock(pair, from);
+}
+const width& widest() {
+    static constexpr width avx2{&nextwide, &placeswide};
+    static const bool iswide = __builtin_cpu_supports("avx2") != 0;
+    return iswide ? avx2 : everywhere;
+}
+#else
+const width& widest() { return everywhere; }
+#endif
 
 }  // namespace
 
@@ -147,9 +176,11 @@ private:
         const bytepair pair{bytes_ + wanted.rare, bytes_ + wanted.second, wanted.text[wanted.rare],
                             wanted.text[wanted.second]};
         std::size_t text = 0;
-        for (std::size_t from = start, next = start; from < behind; from = std::max(from + block, next)) {
-            if (!pair.anywhere(from)) continue;
-            for (std::uint64_t places = pair.where(from); places != 0; places &= notbefore(next - from)) {
+        const auto& wide = widest();
+        for (std::size_t from = start, next = start;; from = std::max(from + block, next)) {
+            from = wide.nextblock(pair, from, behind);
+            if (from >= behind) return;
+            for (auto places = wide.placesinblock(pair, from); places != 0; places &= notbefore(next - from)) {
                 const std::size_t at = from + std::countr_zero(places);
                 if (at >= behind) return;
                 while (offsets_[text + 1] <= at) ++text;

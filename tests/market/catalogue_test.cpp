@@ -9,6 +9,7 @@
 
 #include "plugin/shopsystem/lists.h"
 #include "plugin/shopsystem/rowkinds.h"
+#include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/shopfilter.h"
 #include "plugin/shopsystem/shoprows.h"
 #include "tests/market/shophost.h"
@@ -134,6 +135,11 @@ struct World : market_tests::ShopHost {
         const int kind = static_cast<int>(below(2)), what = static_cast<int>(below(12));
         if (what == 0) {
             clock.seconds += static_cast<std::int64_t>(below(5)) - 1;
+            // Whoever sees that a ban is over takes it off, and no list need know that it held a second ago.
+            for (const auto& each : keys)
+                for (const int of : {sell, recycle})
+                    if (auto* shop = globalruntimeshopmanager.cached(each, of))
+                        if (!shop->isbanned()) catalogueof(of).changed(each);
         } else if (what == 1) {
             if (oneof(2)) ticks(2);
             (void)catalogueof(kind).uptodate([this] { return !oneof(3); }, oneof(3) ? key : ""s);
@@ -300,7 +306,7 @@ struct World : market_tests::ShopHost {
         }
         fronts.clear();
         const auto now = catalogueof(Rows::type).uptodate([] { return true; });
-        for (const auto& shelf : now->all) fronts.push_back(shelf->shops().front()->shop.xuid);
+        for (const auto& shelf : now->all) fronts.push_back(shelf->firstkey());
         mostshelves = std::max(mostshelves, fronts.size());
         auto& [held, heldrows] = std::get<heldlist<Rows>>(holding);
         ASSERT_NO_FATAL_FAILURE(compare<Rows>(held, heldrows)) << "as it was when it was made";
