@@ -3,6 +3,7 @@
 // it.
 #include <simdjson.h>
 
+#include <algorithm>
 #include <exception>
 #include <type_traits>
 
@@ -98,7 +99,10 @@ shopgoods decode(const std::string& xuid, const std::string& text) {
             if (row.*Rows::left != 0) builder.add(row);
         }
     }
-    return builder.finish(headof(shop));
+    auto head = headof(shop);
+    // A load in the last second of a ban lifts it, where an object that is there would be banned until the next.
+    if (const auto end = shop.banend(); head.isbanned && end) head.until = std::min(head.until, *end - 1);
+    return builder.finish(std::move(head));
 }
 
 }  // namespace
