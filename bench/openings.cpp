@@ -259,6 +259,41 @@ std::string openatonce(const std::string& module, int shops, int goods, int coun
                        unserved > 0 ? fmt::format("   {} NOT SERVED", unserved) : "");
 }
 
+// One after the other within a second, and what that does to the passes of the server thread.
+std::string openinasecond(const std::string& module, int shops, int goods, int count, bool iscold) {
+    Market market(module, shops, goods);
+    market.joins(iscold ? count : count + 1);
+    if (!iscold) {
+        market.players().back()->waits();
+        market.players().back()->types("ordomart buy");
+        market.waits(patience);
+        market.players().pop_back();
+        std::this_thread::sleep_for(500ms);
+    }
+    auto& passes = market.server().passtimes();
+    passes.forgetlongest();
+    const auto before = passes.seen();
+    auto due = Clock::now();
+    for (const auto& player : market.players()) {
+        std::this_thread::sleep_until(due += 1s / count);
+        player->waits();
+        player->types("ordomart buy");
+    }
+    const int unserved = market.waits(patience);
+    const auto after = passes.seen();
+    std::vector<double> times;
+    for (const auto& player : market.players())
+        if (player->served()) times.push_back(player->took());
+    std::uint64_t all = 0, above = 0;
+    for (std::size_t range = 0; range < after.counts.size(); ++range) {
+        const auto here = after.counts[range] - before.counts[range];
+        all += here;
+        if (range > 10) above += here;  // 1,024 us
+    }
+    return fmt::format("{}   {} passes, {} above 1 ms, the longest {:.2f} ms{}", told(spread(times)), all, above,
+                       after.longest * 1000, unserved > 0 ? fmt::format("   {} NOT SERVED", unserved) : "");
+}
+
 // Others open a chest list each, one after the other, while player 0 asks for the list of all goods again and again.
 std::string besidealoop(const std::string& module, int shops, int goods, bool loops) {
     constexpr int others = 10;
@@ -415,6 +450,9 @@ int main(int argc, char** argv) {
         for (const int count : {25, 50, 100, 200})
             play(fmt::format("{:3} open the {} at once", count, chest ? "chest" : "form"),
                  [&](const std::string& module) { return openatonce(module, shops, goods, count, chest); });
+    for (const bool iscold : {true, false})
+        play(fmt::format("200 open within a second, {}", iscold ? "files unread" : "files read"),
+             [&](const std::string& module) { return openinasecond(module, shops, goods, 200, iscold); });
     for (const bool loops : {false, true})
         play(loops ? "10 in turn, one loops" : "10 in turn",
              [&](const std::string& module) { return besidealoop(module, shops, goods, loops); });

@@ -116,6 +116,7 @@ void Server::setpaused(bool paused) {
 double Server::speed() const { return open(parts_).pacer.speed(); }
 bool Server::paused() const { return open(parts_).pacer.paused(); }
 std::uint64_t Server::tickcount() const { return open(parts_).tickcount; }
+PassTimes& Server::passtimes() const { return open(parts_).passtimes; }
 
 const ServerOptions& Server::options() const { return options_; }
 World& Server::world() { return open(open(parts_).world); }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/backup/backup.h"
+#include "host/core/passtimes.h"
 #include "platform/host.h"
 
 namespace host {
@@ -93,6 +94,8 @@ public:
     [[nodiscard]] double speed() const;
     [[nodiscard]] bool paused() const;
     [[nodiscard]] std::uint64_t tickcount() const;
+    // Any thread. Of all passes since the start.
+    [[nodiscard]] PassTimes& passtimes() const;
 
     [[nodiscard]] const ServerOptions& options() const;
     [[nodiscard]] World& world();

@@ -22,6 +22,7 @@
 #include "host/core/memory.h"
 #include "host/core/module.h"
 #include "host/core/pacer.h"
+#include "host/core/passtimes.h"
 #include "host/core/patience.h"
 #include "host/core/plugins.h"
 #include "host/core/scheduler.h"
@@ -112,6 +113,7 @@ struct Server::Parts {
     std::thread thread;
     std::atomic<std::thread::id> serverthread;
     std::atomic<std::uint64_t> tickcount = 0;
+    PassTimes passtimes;
     std::mutex backingup;
     bool stopping = false;             // the server thread's
     std::vector<std::string> unsaved;  // by the end of a stop

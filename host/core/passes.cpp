@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::int64_t millisecondsatick = 50;
 
+// Of one pass, for tasks: many pages that are ready at once are drawn in many passes, and packets come in between.
+constexpr auto shareoftasks = std::chrono::microseconds(400);
+
 }  // namespace
 
 void Server::Parts::runfree() {
@@ -33,11 +36,13 @@ void Server::Parts::runmanually() {
 
 bool Server::Parts::pass(bool tick) {
     const platform::Turn held;
+    const auto began = std::chrono::steady_clock::now();
     bool did = dowork();
     guarded(complain, "Packets could not be handled", [&] { did |= network->process(); });
     if (tick) ++tickcount;
-    did |= scheduler.run(tickcount);
+    did |= scheduler.run(tickcount, options.manual ? TickScheduler::endless : shareoftasks);
     guarded(complain, "The world could not be saved", [&] { world->flush(); });
+    passtimes.add(std::chrono::steady_clock::now() - began);
     return did;
 }
 

@@ -2,6 +2,7 @@
 #include "host/core/scheduler.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace host {
 
@@ -21,7 +22,8 @@ void TickScheduler::add(std::uint64_t ticks, Entry entry) {
     if (ticks == 0) wake_();
 }
 
-bool TickScheduler::run(std::uint64_t tick) {
+bool TickScheduler::run(std::uint64_t tick, Share share) {
+    const auto began = std::chrono::steady_clock::now();
     Entries due;
     {
         const std::lock_guard lock(mutex_);
@@ -30,14 +32,31 @@ bool TickScheduler::run(std::uint64_t tick) {
             due.insert(due.end(), entries_.extract(entries_.begin()));
         }
     }
-    for (auto& [when, entry] : due) {
+    if (due.empty()) return false;
+    do {
+        auto done = due.extract(due.begin());
+        auto& entry = done.mapped();
         guarded(complain_, "A scheduled task failed", entry.task);
         if (entry.left > 0) --entry.left;
         if (entry.period == 0 || entry.left == 0) continue;
         const std::lock_guard lock(mutex_);
-        if (!closed_) entries_.emplace(when + entry.period, std::move(entry));
+        if (!closed_) entries_.emplace(done.key() + entry.period, std::move(entry));
+    } while (!due.empty() && std::chrono::steady_clock::now() - began < share);
+    if (!due.empty()) putback(std::move(due));
+    return true;
+}
+
+// In front of what has come in meanwhile.
+void TickScheduler::putback(Entries left) {
+    {
+        const std::lock_guard lock(mutex_);
+        if (closed_) return;
+        while (!left.empty()) {
+            auto last = left.extract(std::prev(left.end()));
+            entries_.insert(entries_.lower_bound(last.key()), std::move(last));
+        }
     }
-    return !due.empty();
+    wake_();
 }
 
 void TickScheduler::close() {

@@ -2,6 +2,7 @@
 // the calls that made them; what a task schedules runs in a later pass at the earliest. Any thread may schedule.
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <mutex>
 
@@ -19,8 +20,11 @@ public:
     // A period of 0 counts as 1.
     void repeat(platform::Task task, std::uint64_t ticks, int maxcount) override;
 
-    // The tasks of a pass at this tick. Server thread. True when there was one.
-    bool run(std::uint64_t tick);
+    // The tasks of a pass at this tick, one at least. Those that are left when its share of time is over are the first
+    // of the next pass, which is asked for at once. Server thread. True when there was one.
+    using Share = std::chrono::steady_clock::duration;
+    static constexpr Share endless = Share::max();
+    bool run(std::uint64_t tick, Share share = endless);
     // Drops all tasks, and from now on those that still come: their code is about to leave the process.
     void close();
 
@@ -32,6 +36,7 @@ private:
     };
     using Entries = std::multimap<std::uint64_t, Entry>;  // by tick; equal ticks keep their order
     void add(std::uint64_t ticks, Entry entry);
+    void putback(Entries left);
 
     const std::function<void()> wake_;
     const Complain complain_;

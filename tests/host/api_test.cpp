@@ -225,8 +225,8 @@ TEST_F(ApiTest, WatchersGetThePictureAndThenWhatChanges) {
     joins("Alice");
     caller->put("/api/players/Alice/inventory", {{"slot", 0}, {"item", "apple"}, {"count", 5}});
     Watcher watcher(api, "player=Alice&log=1");
-    const json server = watcher.next("server");
-    EXPECT_EQ(server["players"][0]["name"], "Alice");
+    const json itself = watcher.next("server");
+    EXPECT_EQ(itself["players"][0]["name"], "Alice");
     json picture = watcher.next("client")["state"];
     caller->post("/api/players/Alice/click", {{"container", "hotbar"}, {"slot", 0}});
     const json wanted = [&] {
@@ -241,7 +241,7 @@ TEST_F(ApiTest, WatchersGetThePictureAndThenWhatChanges) {
     const json one = watcher.next("heard");
     EXPECT_EQ(one["what"]["text"], "one");
     Watcher later(api, "player=Alice&heard=" + one["number"].dump());
-    Watcher same(api, "player=Alice&heard=" + one["number"].dump() + "&run=" + server["run"].get<std::string>());
+    Watcher same(api, "player=Alice&heard=" + one["number"].dump() + "&run=" + itself["run"].get<std::string>());
     Watcher ofaformerrun(api, "player=Alice&log=1&heard=9999&after=9999&run=former");
     says({"two"});
     EXPECT_EQ(later.next("heard")["what"]["text"], "two");

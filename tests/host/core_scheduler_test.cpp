@@ -56,6 +56,24 @@ TEST_F(CoreScheduler, RepeatsCountTheirRuns) {
     EXPECT_THAT(all, ElementsAre("1every tick", "2thrice", "3ever", "4thrice", "6ever", "6thrice", "9ever"));
 }
 
+TEST_F(CoreScheduler, WhatDoesNotFitIntoAPassIsFirstInTheNext) {
+    const auto brief = [&] {
+        said.clear();
+        scheduler.run(1, host::TickScheduler::Share::zero());
+        return said;
+    };
+    for (const auto* word : {"a", "b", "c"}) scheduler.delay(says(word), 0);
+    scheduler.delay(says("d"), 1);
+    scheduler.repeat(says("ever"), 1, -1);
+    wakes = 0;
+    EXPECT_THAT(brief(), ElementsAre("a"));
+    EXPECT_EQ(wakes, 1);
+    scheduler.delay(says("new"), 0);
+    EXPECT_THAT(brief(), ElementsAre("b"));
+    EXPECT_THAT(pass(1), ElementsAre("c", "d", "ever", "new"));
+    EXPECT_THAT(pass(2), ElementsAre("ever"));
+}
+
 TEST_F(CoreScheduler, ClosingDropsTheTasksAndThoseThatStillCome) {
     auto held = std::make_shared<int>();
     scheduler.delay([held] {}, 5);
