@@ -47,12 +47,12 @@ export class Card {
         h("button", { type: "button", class: "icon", ttitle: "hide", tlabel: "hide", on: { click: () => on.hide(this) } }, "–"),
         h("button", { type: "button", class: "icon", ttitle: "leave", tlabel: "leave", on: { click: () => on.leave(this) } }, "✕")),
       this.chat.toasts,
-      h("div", { class: "cardbody" },
+      h("div", { class: "cardbody" }, this.formplace,
         h("section", { class: "screen" },
           h("div", { class: "screenhead" }, this.menumark, this.closebutton),
           this.screen.element,
           h("p", { class: "hint keys", t: player.touch ? "doubletap" : "keys" })),
-        h("div", { class: "talk" }, this.formplace, this.commands.element, this.chat.element)));
+        h("div", { class: "talk" }, this.commands.element, this.chat.element)));
     this.screen.element.setAttribute("aria-label", t("screenof", { name: player.name }));
   }
 
@@ -99,7 +99,7 @@ export class Card {
       if (washere) this.screen.focuscell.element.focus({ preventScroll: true });
       return;
     }
-    const dialogue = formdialogue(form, (answer) => this.answer(form.id, answer));
+    const dialogue = formdialogue(form, (answer) => this.answer(form.id, answer), () => this.player.money ?? null);
     this.formplace.replaceChildren(dialogue);
     if (washere) focusform(dialogue);
     dialogue.scrollIntoView({ block: "nearest" });

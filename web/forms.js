@@ -2,7 +2,10 @@
 // order, or null for closing.
 import { coloured, plain } from "/colours.js";
 import { h, select } from "/dom.js";
-import { texture } from "/items.js";
+import { picture, texture } from "/drawing.js";
+import { whenhere } from "/items.js";
+import { itemofrow, splitprice } from "/rowparts.js";
+import { Total } from "/totals.js";
 
 const stickyheight = 70;  // what the button at the foot of a custom form covers, see forms.css
 let lastid = 0;
@@ -13,7 +16,7 @@ const elements = {
   label: (given) => ({ shown: h("div", { class: "formlabel" }, coloured(given.text)), value: () => null }),
   input(given) {
     const field = h("input", { type: "text", value: given.default ?? "", placeholder: plain(given.placeholder ?? ""), autocomplete: "off" });
-    return { shown: labelled(given, field), value: () => field.value };
+    return { shown: labelled(given, field), value: () => field.value, field };
   },
   toggle(given) {
     const field = h("input", { type: "checkbox", role: "switch", class: "switch", checked: Boolean(given.default) });
@@ -24,7 +27,7 @@ const elements = {
     field.value = given.default ?? given.min;
     const output = h("output", {}, field.value);
     field.addEventListener("input", () => { output.textContent = field.value; });
-    return { shown: labelled(given, h("div", { class: "slider" }, field, output), field), value: () => Number(field.value) };
+    return { shown: labelled(given, h("div", { class: "slider" }, field, output), field), value: () => Number(field.value), field };
   },
   dropdown: (given) => choice(given, given.options),
   step_slider: (given) => choice(given, given.steps),
@@ -40,13 +43,29 @@ function labelled(given, shown, field = shown) {
   return h("div", { class: "formfield" }, h("label", { for: field.id }, coloured(given.text)), shown);
 }
 
+// A button's own image, or that of the item it names. The table of items may come later than the form.
+function tile({ image, text }) {
+  const place = h("span", { class: "tile", hidden: !image });
+  whenhere(() => {
+    const row = image ? null : itemofrow(text);
+    if (image) place.replaceChildren(texture(image));
+    else if (row) place.replaceChildren(picture(row.item, row.aux));
+    place.hidden = !image && !row;
+  });
+  return place;
+}
+
+function formbutton(button, choose) {
+  const { text, price } = splitprice(button.text);
+  return h("button", { type: "button", class: price === null ? "formbutton" : "formbutton priced", on: { click: choose } }, tile(button),
+    h("span", { class: "formbuttontext" }, coloured(text)), price === null ? null : h("span", { class: "price" }, coloured(price)));
+}
+
 const kinds = {
   form: (form, answer) => [
     form.content ? h("div", { class: "formcontent" }, coloured(form.content)) : null,
     h("div", { class: "formbuttons" }, ...(form.buttons ?? []).map((button, number) =>
-      h("button", { type: "button", class: "formbutton", on: { click: () => answer(number) } },
-        button.image ? h("span", { class: "tile" }, texture(button.image)) : null,
-        h("span", { class: "formbuttontext" }, coloured(button.text))))),
+      formbutton(button, () => answer(number)))),
   ],
   modal: (form, answer) => [
     h("div", { class: "formcontent" }, coloured(form.content ?? "")),
@@ -54,19 +73,23 @@ const kinds = {
       h("button", { type: "button", class: "main", on: { click: () => answer(true) } }, coloured(form.button1)),
       h("button", { type: "button", on: { click: () => answer(false) } }, coloured(form.button2))),
   ],
-  custom_form(form, answer) {
+  custom_form(form, answer, balance) {
     const parts = (form.content ?? []).map((given) => elements[given.type]?.(given) ?? elements.label({ text: given.text ?? "" }));
     const submit = (event) => {
       event.preventDefault();
       answer(parts.map((part) => part.value()));
     };
-    return [h("form", { class: "customform", novalidate: true, on: { submit } }, ...parts.map((part) => part.shown),
+    const total = new Total(form, balance), reckon = () => total.update(parts.find((part) => part.field).field.value);
+    if (total.element) reckon();
+    const more = total.element ? { input: reckon } : {};
+    return [h("form", { class: "customform", novalidate: true, on: { submit, ...more } }, ...parts.map((part) => part.shown), total.element,
       h("button", { type: "submit", class: "main", t: "submit" }))];
   },
 };
 
-// A dialogue for the form { id, json }; `send(answer)` returns a promise, which may fail.
-export function formdialogue({ id, json }, send) {
+// A dialogue for the form { id, json }; `send(answer)` returns a promise, which may fail; `balance()` is the money that the
+// player's card shows, or null.
+export function formdialogue({ id, json }, send, balance) {
   const title = newid();
   const dialogue = h("section", { class: "form", role: "dialog", "aria-labelledby": title, "data-form": String(id) });
   const answer = async (value) => {
@@ -83,7 +106,7 @@ export function formdialogue({ id, json }, send) {
     h("header", {},
       h("h3", { id: title, tabindex: -1 }, good ? coloured(json.title ?? "") : h("span", { t: "form" })),
       h("button", { type: "button", class: "icon", ttitle: "close", tlabel: "close", on: { click: () => answer(null) } }, "✕")),
-    h("div", { class: "formbody" }, ...(good ? kinds[json.type](json, answer) : [h("p", { t: "formbroken" })]).filter(Boolean)));
+    h("div", { class: "formbody" }, ...(good ? kinds[json.type](json, answer, balance) : [h("p", { t: "formbroken" })]).filter(Boolean)));
   dialogue.addEventListener("keydown", (event) => {
     if (event.key === "Escape") {
       event.preventDefault();

@@ -1,33 +1,38 @@
-// The item table of the server, and pictures of its items: a shape by kind in the item's colour. Blocks that share
-// shape and colour differ by the pattern of their faces; a kind that has no shape is a tile with the item's initials.
+// The item table of the server: what items are called, and which item is called so. It is long, so the page stands before it
+// is here.
 import * as api from "/api.js";
-import { svg } from "/dom.js";
-import { shapes } from "/pictures.js";
 import { language } from "/strings.js";
 
-const fixed = {
-  w: "#8a6238", v: "#5b3f22", x: "#f4f1ea", k: "#2b2b2e", g: "#4d9a3a", s: "#b9bdc4", e: "#6d727b", r: "#d3382f",
-  y: "#f2c14e", o: "rgba(215,235,245,.45)",
-};
-// Lines on the two side faces of a cube.
-const facepatterns = [
-  "",
-  "M1.7 7.8L8 11.2l6.3-3.4M5 6.2v3.3M11 6.2v3.3M3.4 8.8v3.6M12.6 8.8v3.6",
-  "M3 6.8l3.5 1.8v4L3 10.8zM13 6.8l-3.5 1.8v4l3.5-1.8z",
-  "M4 5.7v7.2M6 6.7v7.2M12 5.7v7.2M10 6.7v7.2",
-  "M1.7 6.5L8 9.8l6.3-3.3M1.7 9.2L8 12.5l6.3-3.3",
-  "M3 7.5h.1M5 9.5h.1M6.5 12.5h.1M3.5 10.5h.1M10 9.5h.1M12 7.5h.1M13 10.5h.1M10.5 12.5h.1",
-  "M1.7 4.4L8 15M8 7.6L1.7 11.7M14.3 4.4L8 15M8 7.6l6.3 4.1",
-];
-
 const table = new Map();
-const drawn = new Map();
+const named = new Map();  // what is called so: { item, aux }, or null for a name of several
+const waiting = [];
 let list = [];
 
+// The table is long, and the page is shown before it is here: what needs it is given to `whenhere`.
 export async function load() {
   list = await api.items();
-  for (const row of list) table.set(row.item, row);
+  for (const row of list) {
+    table.set(row.item, row);
+    for (const one of row.variants?.length ? row.variants : [row])
+      for (const name of new Set([one.en, one.zh])) callso(name, { item: row.item, aux: one.aux ?? 0 });
+    for (const name of new Set([row.en, row.zh])) if (row.variants?.length) callso(name, { item: row.item, aux: 0 });
+  }
+  for (const work of waiting.splice(0)) work();
 }
+
+export function whenhere(work) {
+  if (list.length > 0) work();
+  else waiting.push(work);
+}
+
+function callso(name, what) {
+  const before = named.get(name);
+  if (before === undefined) named.set(name, what);
+  else if (before?.item !== what.item) named.set(name, null);
+}
+
+// The one item of the table that is called `name` in a language that it knows.
+export const called = (name) => named.get(name) ?? null;
 
 export const rows = () => list;
 export const row = (name) => table.get(name);
@@ -44,93 +49,4 @@ export function shownname({ item, aux, name }) {
   const found = table.get(item), variant = found?.variants?.find((one) => one.aux === aux);
   for (const each of variant ? ["en", "zh"] : []) if (name === found[each]) return variant[each];
   return name || item;
-}
-
-function mixed(color, other, share) {
-  const parts = [1, 3, 5].map((at) => {
-    const own = parseInt(color.slice(at, at + 2), 16), added = parseInt(other.slice(at, at + 2), 16);
-    return Math.round(own + (added - own) * share);
-  });
-  return `rgb(${parts.join(",")})`;
-}
-
-function hash(text) {
-  let value = 7;
-  for (const letter of text) value = (value * 31 + letter.codePointAt(0)) >>> 0;
-  return value;
-}
-
-// Two letters that a reader finds in the name: "Ender Chest" is EC, "Saddle" is Sa.
-function initials(name) {
-  const words = name.replace(/^.*:/, "").split(/[_ ]/).filter(Boolean);
-  return words.length > 1 ? (words[0][0] + words[1][0]).toUpperCase() : (words[0] ?? "?").slice(0, 2);
-}
-
-function tile(name, color) {
-  const text = svg("text", { x: 8, y: 11, "text-anchor": "middle", "font-size": 7, "font-weight": 700, fill: "#fff",
-                             stroke: "rgba(0,0,0,.55)", "stroke-width": 1.4, "paint-order": "stroke" });
-  text.textContent = initials(name);
-  return [
-    svg("rect", { x: 1.5, y: 1.5, width: 13, height: 13, rx: [1, 3.5, 6.5][hash(name) % 3], fill: color,
-                  stroke: "rgba(0,0,0,.5)", "stroke-width": 0.7 }),
-    text,
-  ];
-}
-
-function drawing(name, kind, color) {
-  const picture = svg("svg", { viewBox: "0 0 16 16", "aria-hidden": "true", class: "picture" });
-  const parts = shapes[name.replace(/^minecraft:/, "")] ?? shapes[kind];
-  if (!parts) {
-    picture.append(...tile(name, color));
-    return picture;
-  }
-  const fills = { ...fixed, m: color, l: mixed(color, "#ffffff", 0.32), d: mixed(color, "#000000", 0.32) };
-  // One outline around everything keeps dark things apart from a dark slot and light ones from a light one.
-  const outline = parts.map((part) => part.slice(1)).join("");
-  picture.append(svg("path", { d: outline, class: "outline" }));
-  for (const part of parts) picture.append(svg("path", { d: part.slice(1), fill: fills[part[0]] }));
-  const pattern = kind === "block" ? facepatterns[hash(name) % facepatterns.length] : "";
-  if (pattern)
-    picture.append(svg("path", { d: pattern, fill: "none", stroke: fills.d, "stroke-width": 0.8, "stroke-linecap": "round",
-                                 opacity: 0.75 }));
-  return picture;
-}
-
-export function picture(name, aux = 0) {
-  const key = `${name}/${aux}`;
-  if (!drawn.has(key)) {
-    const found = table.get(name);
-    const color = found?.variants?.find((one) => one.aux === aux)?.color || found?.color;
-    const good = /^#[0-9a-f]{6}$/i.test(color ?? "") ? color : "#7d8793";
-    drawn.set(key, drawing(name, found?.kind, good));
-  }
-  return drawn.get(key).cloneNode(true);
-}
-
-// Signs for the textures that the market's forms name and that are no item.
-const texturesigns = {
-  book_shiftleft_default: "M10 3v10L4 8z",
-  book_shiftright_default: "M6 3v10l6-5z",
-  icon_multiplayer: "M5.5 3.5a2 2 0 110 4 2 2 0 010-4zM10.5 3.5a2 2 0 110 4 2 2 0 010-4zM2 13c0-3 1.5-4.5 3.5-4.5S8.5 10 8.5 13zM9.2 13c0-1.8-.4-3.2-1-4.1.6-.3 1.3-.4 2.3-.4 2 0 3.5 1.5 3.5 4.5z",
-  Friend2: "M8 2.5a3 3 0 110 6 3 3 0 010-6zM2.5 14c0-3.5 2.5-4.5 5.5-4.5s5.5 1 5.5 4.5z",
-  op: "M8 2l1.8 3.8 4.2.5-3.1 2.9.8 4.2L8 11.3l-3.7 2.1.8-4.2L2 6.3l4.2-.5z",
-  icon_blackfriday: "M8.2 2H14v5.8L7.6 14.2 1.8 8.4zM11.4 3.6a1 1 0 100 2 1 1 0 000-2z",
-  icon_deals: "M2 6.5L5 3v2h7a2 2 0 012 2v1.5h-2V7.5H5v2zM14 10l-3 3.5v-2H4a2 2 0 01-2-2V8h2v1h7V7z",
-  ImpulseSquare: "M2 6l1.2-3.5h9.6L14 6v1.2a1.6 1.6 0 01-3 0 1.6 1.6 0 01-3 0 1.6 1.6 0 01-3 0 1.6 1.6 0 01-3 0zM3 9.6h10V14h-3v-3H7.5v3H3z",
-  Language18: "M2.5 3h2v2h-2zM6 3h7.5v2H6zM2.5 7h2v2h-2zM6 7h7.5v2H6zM2.5 11h2v2h-2zM6 11h7.5v2H6z",
-  settings_glyph_color_2x: "M7 1.8h2l.4 1.7 1.2.5 1.5-.9 1.4 1.4-.9 1.5.5 1.2 1.7.4v2l-1.7.4-.5 1.2.9 1.5-1.4 1.4-1.5-.9-1.2.5L9 15.4H7l-.4-1.7-1.2-.5-1.5.9-1.4-1.4.9-1.5L2.9 10l-1.7-.4v-2l1.7-.4.5-1.2-.9-1.5 1.4-1.4 1.5.9 1.2-.5zM8 6.2a2.4 2.4 0 100 4.8 2.4 2.4 0 000-4.8z",
-  creative_icon: "M3 13L10 6l1.5 1.5L4.5 14.5zM12 1.5l.8 1.7 1.7.8-1.7.8-.8 1.7-.8-1.7L9.5 4l1.7-.8z",
-};
-
-// A picture for the image of a form's button. Nothing is fetched: a texture that is called like an item is drawn as
-// that item, any other gets a sign or a plain tile.
-export function texture(image) {
-  const base = String(image?.data ?? "").replace(/^.*\//, "").replace(/\.\w+$/, "");
-  const swapped = base.replace(/^(planks|log|wool|bed)_(.+)$/, "$2_$1");
-  for (const name of [base, swapped, base.replace(/_\d+$/, ""), base.replace(/^(bed)_.+$/, "$1")])
-    if (table.has(`minecraft:${name}`)) return picture(`minecraft:${name}`);
-  const picked = svg("svg", { viewBox: "0 0 16 16", "aria-hidden": "true", class: "picture" });
-  if (base in texturesigns) picked.append(svg("path", { d: texturesigns[base], class: "texturesign" }));
-  else picked.append(...tile(base.replace(/^icon_/, "") || "?", ["#5d7290", "#7a6a94", "#4f8377", "#94704f"][hash(base) % 4]));
-  return picked;
 }

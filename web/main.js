@@ -191,7 +191,7 @@ async function rejoined(names) {
 
 function emptystate() {
   return h("section", { class: "empty", hidden: true },
-    h("h1", { t: "emptytitle" }), h("p", { t: "emptytext" }),
+    h("h2", { t: "emptytitle" }), h("p", { t: "emptytext" }),
     h("div", { class: "emptybuttons" },
       h("button", { type: "button", class: "main big", "data-action": "first", on: { click: () => joinfirst(firstname, joined) } }, t("joinfirst", { name: firstname })),
       h("button", { type: "button", class: "big", t: "joinother", on: { click: () => joindialogue(joined).catch(notice) } })),
@@ -226,10 +226,11 @@ const sound = h("button", { type: "button", t: audible() ? "soundon" : "soundoff
 } } });
 const operatorbutton = h("button", { type: "button", t: "operator", on: { click: turnoperator } });
 
-// In a narrow window the panel stands below the cards: there the button leads to it, and only closes what is seen.
+// The head scrolls away, and in a narrow window the panel with it: the button leads there, and only closes what is seen.
 function turnoperator() {
   const panel = operator.element;
-  if (!panel.hidden && panel.getBoundingClientRect().top < innerHeight) return showoperator(false);
+  const { top, bottom } = panel.getBoundingClientRect();
+  if (!panel.hidden && bottom > 0 && top < innerHeight) return showoperator(false);
   showoperator(true);
   operator.reveal();
 }
@@ -247,7 +248,7 @@ function showoperator(on) {
 
 function head() {
   return h("header", { class: "pagehead" },
-    h("div", { class: "brand" }, h("img", { src: "/favicon.svg", alt: "", width: 28, height: 28 }), h("strong", {}, "Ordomart"), h("span", { t: "playground" }), status, halted),
+    h("div", { class: "brand" }, h("img", { src: "/favicon.svg", alt: "", width: 28, height: 28 }), h("h1", {}, "Ordomart"), h("span", { t: "playground" }), status, halted),
     h("nav", {}, h("button", { type: "button", class: "main", t: "addplayer", on: { click: () => joindialogue(joined).catch(notice) } }),
       operatorbutton, sound, languages, themes));
 }
@@ -277,13 +278,21 @@ async function showagain(players, why) {
   for (const [number, name] of shown.entries()) if (pictures[number]) addcard(name, pictures[number]);
 }
 
+// Behind the first picture, which stands without them.
+function loaditems() {
+  items.load().catch((error) => {
+    notice(error);
+    setTimeout(loaditems, 2000);
+  });
+}
+
 async function begin() {
   document.documentElement.lang = language();
   settheme(remembered("theme", "auto"));
   addEventListener("hashchange", () => location.reload());
   if (token() === "") return askfortoken();
   try {
-    [{ run }] = await Promise.all([api.server(), items.load()]);
+    [{ run }, known] = await Promise.all([api.server(), api.players()]);
   } catch (error) {
     if (error.status === 401 || error.status === 403) return askfortoken();
     notice(error);
@@ -293,10 +302,10 @@ async function begin() {
   document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, again.element, empty, cardplace), operator.element));
   showoperator(remembered("operator", false));
   const before = remembered("open", []);
-  await readplayers();
   await showagain(before.map((name) => known.find((player) => player.name === name)).filter(Boolean), "werehere");
   arrange();
   listen();
+  loaditems();
   setInterval(() => document.hidden || inform(), informevery);
 }
 

@@ -9,7 +9,7 @@ export function notice(what) {
   const failed = what instanceof Error;
   const why = failed && what.status === 0 ? t("unreached") : what.message;
   const box = h("div", { class: failed ? "notice bad" : "notice" }, failed ? t("failed", { why }) : what);
-  if (!place.isConnected) document.body.append(place);
+  if (!place.isConnected) (document.querySelector("main") ?? document.body).append(place);
   place.append(box);
   setTimeout(() => box.remove(), time);
 }

@@ -1,6 +1,7 @@
 // The operator's side: who is here and what he owns, gifts, scores, the server's time and its log, as tabs. `context`
 // is what the page shares with them: players() as last read, reload(), opencard(name), onpage(name), close().
 import { h } from "/dom.js";
+import { whenhere } from "/items.js";
 import { Give } from "/opgive.js";
 import { Log } from "/oplog.js";
 import { Players } from "/opplayers.js";
@@ -25,6 +26,7 @@ export class Operator {
     this.element = h("aside", { class: "operator", tlabel: "operator" },
       h("div", { class: "operatorhead" }, h("div", { class: "tabs", role: "tablist", tlabel: "operator" }, ...this.buttons), close), ...this.pages.map(({ page }) => page.element));
     this.show(remembered("tab", "players"));
+    whenhere(() => this.relabel());
   }
 
   show(key) {

@@ -1,6 +1,7 @@
 // Gives a player a stack: chosen from the item table, or written as SNBT.
 import * as api from "/api.js";
 import { calmly, h, labelledfield, select } from "/dom.js";
+import { picture } from "/drawing.js";
 import * as items from "/items.js";
 import { Outcome, playerselect } from "/opparts.js";
 import { language, t } from "/strings.js";
@@ -81,7 +82,7 @@ export class Give {
     this.found.replaceChildren(...rows.map((one) => {
       const name = one[language()] || one.en;
       return h("button", { type: "button", role: "option", class: "founditem", title: one.item, "aria-selected": String(this.item === one), "data-item": one.item,
-                           on: { click: () => this.choose(one) } }, items.picture(one.item), h("span", {}, name));
+                           on: { click: () => this.choose(one) } }, picture(one.item), h("span", {}, name));
     }));
     if (rows.length === 0) this.found.append(h("p", { class: "hint" }, t("noitem")));
   }

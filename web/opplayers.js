@@ -1,7 +1,7 @@
-// Everybody the server has seen, with money and state.
+// Everybody the server has seen, with money and state, as a table: those who play first, and those who are called as asked.
 import * as api from "/api.js";
 import { confirmed } from "/confirm.js";
-import { h, select } from "/dom.js";
+import { h, select, setlabel } from "/dom.js";
 import { Outcome } from "/opparts.js";
 import { t } from "/strings.js";
 
@@ -10,21 +10,44 @@ export class Players {
     this.context = context;
     this.rows = new Map();
     this.outcome = new Outcome();
-    this.list = h("ul", { class: "playerlist" });
+    this.search = h("input", { type: "search", autocomplete: "off", class: "findplayer", tplaceholder: "findplayer", tlabel: "findplayer", on: { input: () => this.sift() } });
+    this.list = h("tbody", {});
+    this.table = h("table", { class: "playertable" },
+      h("thead", {}, h("tr", {}, ...["player", "money", "levelshort", "doing"].map((key) => h("th", { scope: "col", t: key })))), this.list);
     this.empty = h("p", { class: "hint", t: "nobody" });
-    this.element = h("section", {}, this.empty, this.list, this.outcome.element);
+    this.element = h("section", {}, this.search, this.empty, this.table, this.outcome.element);
+  }
+
+  // Shows the rows that are asked for.
+  sift() {
+    const asked = this.search.value.trim().toLowerCase();
+    let shown = 0;
+    for (const [name, { element }] of this.rows) {
+      element.hidden = !name.toLowerCase().includes(asked);
+      if (!element.hidden) shown++;
+    }
+    this.table.hidden = shown === 0;
+    this.empty.hidden = shown > 0;
+    setlabel(this.empty, "t", this.rows.size > 0 ? "nosuchplayer" : "nobody");
   }
 
   inform(players) {
-    this.empty.hidden = players.length > 0;
     for (const player of players) {
       if (!this.rows.has(player.name)) {
         const made = this.row(player.name);
         this.rows.set(player.name, made);
-        this.list.append(made.element);
       }
       this.draw(this.rows.get(player.name), player);
     }
+    this.sift();
+    this.order(players);
+  }
+
+  // Whoever plays comes first. Rows that stand right are left alone: to move one takes the focus from it.
+  order(players) {
+    const rows = [...players].sort((one, other) => other.online - one.online).map(({ name }) => this.rows.get(name).element);
+    for (const [number, row] of rows.entries())
+      if (this.list.children[number] !== row && !row.contains(document.activeElement)) this.list.insertBefore(row, this.list.children[number] ?? null);
   }
 
   row(name) {
@@ -46,7 +69,8 @@ export class Players {
     const life = h("button", { type: "button", on: { click: () => (this.rows.get(name).alive ? kill() : act(() => api.revive(name))) } });
     const show = h("button", { type: "button", t: "show", on: { click: () => this.context.opencard(name) } });
     return { money, form, state, level, life, show,
-             element: h("li", { "data-row": name }, h("div", { class: "rowhead" }, h("b", {}, name), state, show), h("div", { class: "rowbody" }, form, level, life)) };
+             element: h("tr", { "data-row": name }, h("th", { scope: "row" }, h("b", {}, name), state), h("td", {}, form), h("td", {}, level),
+               h("td", {}, h("div", { class: "doing" }, show, life))) };
   }
 
   draw(row, player) {

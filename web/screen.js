@@ -3,7 +3,8 @@
 import * as api from "/api.js";
 import { plain } from "/colours.js";
 import { h, svg } from "/dom.js";
-import { picture, row, shownname } from "/items.js";
+import { picture } from "/drawing.js";
+import { row, shownname, whenhere } from "/items.js";
 import { t } from "/strings.js";
 import * as tooltip from "/tooltip.js";
 
@@ -42,6 +43,7 @@ export class Screen {
       offhand.element, cursor.element, this.cursorname, this.drop);
     this.focuscell = this.cells[0][1];
     this.focuscell.element.tabIndex = 0;
+    whenhere(() => this.relabel());
   }
 
   cell(place) {

@@ -47,10 +47,13 @@ export default {
   commandswait: "The server is paused; until it goes on these wait: {lines}",
   quick: "Common commands",
   chat: "Chat and sounds", chatempty: "Chat, replies, toasts and sounds appear here.",
+  total: "{count} × {price} = {total}", totalleaves: "{count} × {price} = {total}, leaves {left}",
+  totalshort: "{count} × {price} = {total}, {left} more than there is",
   form: "Form", submit: "Submit", formbroken: "The server sent a form that cannot be read.",
 
   players: "Players", give: "Give", scores: "Scores", time: "Time", log: "Log",
   money: "Money", set: "Set", killplayer: "Kill", reviveplayer: "Revive", nobody: "Nobody has been here yet.",
+  findplayer: "Find a player", nosuchplayer: "Nobody is called that.", levelshort: "Level", doing: "Do",
   chooseplayer: "Choose a player", notonpage: "{name} (not on this page)",
   killsure: "Kill {name}? The market serves nobody who is dead.",
   leavesure: "Shall {name} leave the server? Open menus and forms are closed.",

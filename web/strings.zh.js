@@ -47,10 +47,13 @@ export default {
   commandswait: "服务器已暂停，以下命令等待它继续：{lines}",
   quick: "常用命令",
   chat: "聊天与声音", chatempty: "聊天、回复、提示和声音会显示在这里。",
+  total: "{count} × {price} = {total}", totalleaves: "{count} × {price} = {total}，余 {left}",
+  totalshort: "{count} × {price} = {total}，还差 {left}",
   form: "表单", submit: "提交", formbroken: "服务器发来的表单无法读取。",
 
   players: "玩家", give: "给予", scores: "计分板", time: "时间", log: "日志",
   money: "金钱", set: "设置", killplayer: "杀死", reviveplayer: "复活", nobody: "还没有人来过。",
+  findplayer: "查找玩家", nosuchplayer: "没有这样的玩家。", levelshort: "权限", doing: "操作",
   chooseplayer: "请选择玩家", notonpage: "{name}（不在本页）",
   killsure: "要杀死 {name} 吗？商店不为死者服务。",
   leavesure: "要让 {name} 离开服务器吗？打开的菜单和表单会被关闭。",

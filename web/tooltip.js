@@ -33,7 +33,7 @@ function place(element) {
 
 export function show(element, item) {
   if (!item) return hide();
-  if (!box.isConnected) document.body.append(box);
+  if (!box.isConnected) document.querySelector("main").append(box);
   owner?.removeAttribute("aria-describedby");
   owner = element;
   element.setAttribute("aria-describedby", "tooltip");
