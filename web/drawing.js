@@ -65,9 +65,9 @@ function egg(called) {
 
 // Parts as [fill, path]; "~" is a line. `alike`: how many that look the same came before.
 function parts(called, name, kind, alike) {
-  const shape = named[called] ?? named[name] ?? shapes[name] ?? families.find(([pattern]) => pattern.test(called))?.[1] ?? shapes[kind];
+  const shape = named[name] ?? named[called] ?? shapes[name] ?? families.find(([pattern]) => pattern.test(called))?.[1] ?? shapes[kind];
   if (!shape) return null;
-  const marked = marks.filter(([pattern, on]) => (on === null || on === kind) && !(called in named) && pattern.test(called)).flatMap(([, , more]) => more);
+  const marked = marks.filter(([pattern, on]) => (on === null || on === kind) && !(name in named) && pattern.test(called)).flatMap(([, , more]) => more);
   const cut = (part) => (part[0] === "#" ? [part.slice(0, 7), part.slice(7)] : [part[0], part.slice(1)]);
   const pips = Array.from({ length: alike }, (_, n) => ["x", dot("", 2 + 2.4 * (n % 6), 14 - 2.4 * Math.floor(n / 6), 0.9)]);
   return [...[...shape, ...marked].map(cut), ...(kind === "egg" && called.endsWith("_spawn_egg") ? egg(called) : []), ...pips];
@@ -129,8 +129,10 @@ const texturesigns = {
 // that item, any other gets a sign or a plain tile.
 export function texture(image) {
   const base = String(image?.data ?? "").replace(/^.*\//, "").replace(/\.\w+$/, "");
-  const swapped = base.replace(/^(planks|log|wool|bed)_(.+)$/, "$2_$1");
-  for (const name of [base, swapped, base.replace(/_\d+$/, ""), base.replace(/^(bed|planks|log|wool)_.+$/, "$1")])
+  const [, kind, which] = base.match(/^(planks|log|wool|bed)_(.+)$/) ?? [];  // "bed_light_blue" is a bed of that colour
+  const variant = kind && row(`minecraft:${kind}`)?.variants?.find((one) => one.en.toLowerCase().replace(/\W+/g, "_").startsWith(`${which}_`));
+  if (variant) return picture(`minecraft:${kind}`, variant.aux);
+  for (const name of [base, `${which}_${kind}`, base.replace(/_\d+$/, "")])
     if (row(`minecraft:${name}`)) return picture(`minecraft:${name}`);
   const picked = svg("svg", { viewBox: "0 0 16 16", "aria-hidden": "true", class: "picture" });
   if (base in texturesigns) picked.append(svg("path", { d: texturesigns[base], class: "texturesign" }));

@@ -30,6 +30,7 @@ const ribs = [...sides("d", 0.18, 0, 0.08, 1), ...sides("d", 0.46, 0, 0.08, 1), 
 const furnace = (mouth, brow = "e") => [...cube("s"), on("left", brow, 0.1, 0.15, 0.8, 0.12), on("left", mouth, 0.2, 0.5, 0.6, 0.36), on("left", "k", 0.1, 0.36, 0.8, 0.08)];
 const soil = (green) => [on("top", green, 0, 0, 1, 1), on("left", "#866043", 0, 0, 1, 1), on("right", "#6b4d35", 0, 0, 1, 1), ...sides(green, 0, 0, 1, 0.26), ...sides(green, 0.1, 0.26, 0.2, 0.12), ...sides(green, 0.6, 0.26, 0.22, 0.14)];
 const station = (top, ...more) => [on("top", top, 0, 0, 1, 1), on("left", "m", 0, 0, 1, 1), on("right", "d", 0, 0, 1, 1), ...sides("l", 0, 0, 1, 0.14), ...more];
+const rails = (metal, ...between) => ["wM1.5 3.5h13v1.8h-13zM1.5 7.2h13V9h-13zM1.5 11h13v1.8h-13z", ...between, `${metal}M3.5 1.5h1.7v13H3.5zM10.8 1.5h1.7v13h-1.7z`];
 const spines = ["#a5402f", "#3d6ae0", "#4d9a3a"];
 const books = ["left", "right"].flatMap((side) => [0.12, 0.56].flatMap((v) => [on(side, "k", 0.08, v, 0.84, 0.34), ...[0, 1, 2, 0, 1].map((n, i) => on(side, spines[n], 0.1 + 0.16 * i, v + 0.02 * n, 0.13, 0.32 - 0.02 * n))]));
 const flame = (fill) => [`${fill}M8 1.5c2.8 2.6 4.3 5 3.8 7.2-.4 2-2 3-3.8 3s-3.5-1-3.9-3c-.4-2 .7-3.4 2-4.7.2 1 .6 1.6 1.2 1.9C7 4.2 7.3 2.8 8 1.5z`];
@@ -57,6 +58,9 @@ export const named = {
   fermented_spider_eye: [dot("m", 8, 9, 5.2), ...dots("#b7c08a", 1.5, [6, 8], [10.3, 9]), ...dots("k", 0.6, [6, 8], [10.3, 9]), "wM7 1h1.5v3.5H7z", dot("#9a6b4f", 7.7, 2, 1.8)],
   dried_kelp: ["mM3 3.5l9-2 1.5 9.5-9 3z", "lM4 4.5l7-1.5.2 1-7 1.6zM4.6 8l7-1.8.2 1-7 1.9z", "dM5 11.2l7-2 .3 1.2-7 2.1z"],
   golden_apple: ["mM8 4.5c3-1.5 6 .3 6 4.2 0 3.6-2.5 6.3-4.3 6.3-.8 0-1.1-.4-1.7-.4s-.9.4-1.7.4C4.5 15 2 12.3 2 8.7c0-3.9 3-5.7 6-4.2z", "xM4 7.5c.4-1.2 1.3-1.8 2.3-1.9-.8.8-1.3 2-1.3 3.2H3.9z", "dM12.5 8.5c0 2.5-1.5 4.3-3 4.8 3.3-.3 4.5-2.9 4.3-5.4z", "wM7.5 4.8C7.5 3.3 7.9 2 9 1l.8.6c-.9.8-1.2 1.9-1.2 3.2z", leaf],
+  enchanted_golden_apple: ["mM8 4.5c3-1.5 6 .3 6 4.2 0 3.6-2.5 6.3-4.3 6.3-.8 0-1.1-.4-1.7-.4s-.9.4-1.7.4C4.5 15 2 12.3 2 8.7c0-3.9 3-5.7 6-4.2z", leaf, "#9a4fd0M8 6l1.1 2.4 2.4.4-1.8 1.7.5 2.5L8 11.7 5.8 13l.5-2.5-1.8-1.7 2.4-.4z"],
+  golden_rail: rails("y", box("r", 6.8, 1.5, 2.4, 13)), detector_rail: rails("s", box("#a08a70", 5.4, 5.5, 5.2, 5)), activator_rail: rails("s", box("r", 7, 1.5, 2, 5), box("r", 7, 9.5, 2, 5)),
+  crying_obsidian: [...cube(), ...sides("#a03ff0", 0.2, 0.2, 0.12, 0.3), ...sides("#a03ff0", 0.6, 0.45, 0.12, 0.35)], gilded_blackstone: [...cube(), ...sides("y", 0.15, 0.25, 0.2, 0.14), ...sides("y", 0.6, 0.55, 0.25, 0.14)], dirt_with_roots: [...cube(), ...sides("x", 0.2, 0.1, 0.07, 0.4), ...sides("x", 0.55, 0.35, 0.07, 0.45)],
   melon_slice: [...wedge, ...pips], glistering_melon_slice: [...wedge, "xM7 5l.5 1.3 1.3.5-1.3.5L7 8.6l-.5-1.3-1.3-.5 1.3-.5zM10.7 5.6l.5 1.1 1.1.5-1.1.5-.5 1.1-.5-1.1-1.1-.5 1.1-.5z"],
   sweet_berries: berries, glow_berries: ["gM7.5 1h1.2v4H7.5z", dot("m", 8, 9, 4.5), "xM6 7.5a3 3 0 012-1.3v1.2a2 2 0 00-1 .8zM7.3 12h1.6v2H7.3z", "gM8.5 2.5c1.2-1.3 3-1.6 5-1-1 1.7-2.8 2.3-5 1z"],
   chorus_fruit: [...dots("m", 3, [5, 5.5], [11, 5.5], [8, 10.5]), ...dots("l", 0.9, [4.2, 4.6], [10.2, 4.6], [7.2, 9.6]), "dM6.5 6.5h3l-1.5 2z"],
