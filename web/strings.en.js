@@ -53,7 +53,7 @@ export default {
 
   players: "Players", give: "Give", scores: "Scores", time: "Time", log: "Log",
   money: "Money", set: "Set", killplayer: "Kill", reviveplayer: "Revive", nobody: "Nobody has been here yet.",
-  findplayer: "Find a player", nosuchplayer: "Nobody is called that.", levelshort: "Level", doing: "Do",
+  findplayer: "Find a player", nosuchplayer: "Nobody is called that.", levelshort: "Level", doing: "Actions",
   chooseplayer: "Choose a player", notonpage: "{name} (not on this page)",
   killsure: "Kill {name}? The market serves nobody who is dead.",
   leavesure: "Shall {name} leave the server? Open menus and forms are closed.",
