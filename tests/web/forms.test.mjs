@@ -29,7 +29,7 @@ test("a slider is moved, goods are sold, and the dialogue afterwards is answered
   assert.ok(await slider.evaluate((field) => field === document.activeElement));
   for (let kept = 1; kept <= 3; ++kept) {
     await page.keyboard.press("ArrowLeft");
-    await hugo.form.locator("output", { hasText: String(wheat - kept) }).waitFor();
+    await hugo.form.locator(".slider output", { hasText: String(wheat - kept) }).waitFor();
   }
   const sold = wheat - 3;
   await page.keyboard.press("Enter");
