@@ -1,5 +1,5 @@
 // What an item looks like, by its name or its kind, as shapes on a grid of 16 by 16: a letter for the fill and the outline of the
-// shape. m is the item's own colour, l and d lighter and darker ones of it; the others are fixed (see items.js).
+// shape. m is the item's own colour, l and d lighter and darker ones of it; the others are fixed (see drawing.js).
 const handle = "wM10.3 4.5l1.2 1.2-8.6 8.8-1.4-1.4z";
 const cube = ["lM8 1.2l6.3 3.2L8 7.6 1.7 4.4z", "mM1.7 4.4L8 7.6V15l-6.3-3.3z", "dM14.3 4.4L8 7.6V15l6.3-3.3z"];
 const jar = ["xM6 1.5h4v2H9.6v2C12 6.5 13 8.2 13 10.2 13 13 11 14.8 8 14.8S3 13 3 10.2c0-2 1-3.7 3.4-4.7v-2H6z",

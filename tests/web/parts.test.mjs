@@ -1,7 +1,7 @@
-// Parts of the page that need no browser: the patches of the stream, the contrast of all text colours, and that both
-// languages say the same things.
+// Parts of the page that need no browser: the patches of the stream, the contrast of all text colours, what the first file
+// asks for, and that both languages say the same things.
 import assert from "node:assert/strict";
-import { readFile } from "node:fs/promises";
+import { readdir, readFile } from "node:fs/promises";
 import { test } from "node:test";
 
 import { patched } from "../../web/jsonpatch.js";
@@ -47,6 +47,12 @@ test("text stands out from every surface of its theme", async () => {
       }
     assert.ok(contrast(variables.onaccent[theme], variables.accent[theme]) >= 4.5);
   }
+});
+
+test("all modules are asked for at once, by the first file", async () => {
+  const folder = new URL("../../web/", import.meta.url), index = await readFile(new URL("index.html", folder), "utf8");
+  const asked = [...index.matchAll(/(?:modulepreload" href|type="module" src)="\/(.+?)"/g)].map(([, name]) => name);
+  assert.deepEqual(asked.sort(), (await readdir(folder)).filter((name) => name.endsWith(".js")).sort());
 });
 
 test("both languages have every text, with the same values in it", () => {
