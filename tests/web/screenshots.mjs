@@ -70,7 +70,7 @@ const scenes = {
     await page.mouse.move(0, 0);
     await shot("form-filter");
   }],
-  sale: [{ viewport: { width: 1360, height: 1060 } }, async (page, shot) => {
+  sale: [{}, async (page, shot) => {
     const alice = await joins(page, { name: "Alice" }), rosa = await joins(page, { name: "Rosa" });
     await rosa.money.waitFor();
     const before = await rosa.money.getAttribute("data-amount");
@@ -181,6 +181,26 @@ const scenes = {
     await shot("result-dialog");
   }],
 };
+
+// All items of the table by their kinds, to be told apart by whoever looks at it.
+async function sheet(page, shot) {
+  await page.locator(".empty").waitFor();
+  await page.evaluate(async () => {
+    const { picture } = await import("/drawing.js"), { rows, whenhere } = await import("/items.js");
+    await new Promise((here) => { whenhere(here); });
+    const place = document.createElement("main");
+    place.style = "display: grid; grid-template-columns: repeat(37, 1fr); gap: 3px; padding: 9px; background: var(--raised)";
+    for (const { item, variants } of [...rows()].sort((one, other) => one.kind.localeCompare(other.kind))) {
+      const slot = document.createElement("span");
+      slot.className = "slot";
+      slot.append(picture(item, variants[0]?.aux));
+      place.append(slot);
+    }
+    document.body.replaceChildren(place);
+  });
+  await shot("items");
+}
+scenes.items = [{ viewport: { width: 1360, height: 880 } }, sheet];
 
 async function everymenu(server, browser, into, looks) {
   await mkdir(into, { recursive: true });
