@@ -44,7 +44,7 @@ function labelled(given, shown, field = shown) {
 }
 
 // A button's own image, or that of the item it names. The table of items may come later than the form.
-function tile({ image, text }) {
+function tile(image, text) {
   const place = h("span", { class: "tile", hidden: !image });
   whenhere(() => {
     const row = image ? null : itemofrow(text);
@@ -56,8 +56,8 @@ function tile({ image, text }) {
 }
 
 function formbutton(button, choose) {
-  const { text, price } = splitprice(button.text);
-  return h("button", { type: "button", class: price === null ? "formbutton" : "formbutton priced", on: { click: choose } }, tile(button),
+  const whole = String(button.text ?? ""), { text, price } = splitprice(whole);
+  return h("button", { type: "button", class: price === null ? "formbutton" : "formbutton priced", on: { click: choose } }, tile(button.image, whole),
     h("span", { class: "formbuttontext" }, coloured(text)), price === null ? null : h("span", { class: "price" }, coloured(price)));
 }
 

@@ -34,14 +34,15 @@ export class Total {
 
   update(text) {
     if (!this.prices) return;
-    const { price, purse, typed } = this.prices, balance = this.balance();
+    const { price, purse, typed } = this.prices, shown = this.balance();
+    const balance = Number.isSafeInteger(shown) ? BigInt(shown) : null;
     const count = /^\s*[1-9]\d{0,8}\s*$/.test(text) ? BigInt(text.trim()) : null;
     this.element.hidden = count === null;
     if (count === null) return;
-    if (purse !== null && balance !== null && BigInt(balance) === purse) this.same = true;
+    if (balance !== null && balance === purse) this.same = true;
     const number = (value) => value.toLocaleString("en");
     const total = count * price, values = { count: number(count), price: number(price), total: number(total) };
-    const left = typed && this.same && balance !== null ? BigInt(balance) - total : null;
+    const left = typed && this.same && balance !== null ? balance - total : null;
     const key = left === null ? "total" : left < 0n ? "totalshort" : "totalleaves";
     this.element.textContent = t(key, { ...values, left: number(left !== null && left < 0n ? -left : left ?? 0n) });
     this.element.classList.toggle("short", left !== null && left < 0n);
