@@ -15,6 +15,21 @@ function(ordomart_include target)
   target_include_directories(${target} PUBLIC ${root})
 endfunction()
 
+# Where many files are built as one (CMAKE_UNITY_BUILD), it is those of a folder. The files behind APART, which bear names
+# of their neighbours, since they mirror them, are built alone.
+function(ordomart_together target)
+  cmake_parse_arguments(PARSE_ARGV 1 given "" "" APART)
+  get_target_property(sources ${target} SOURCES)
+  foreach(source IN LISTS sources)
+    cmake_path(GET source PARENT_PATH folder)
+    string(MAKE_C_IDENTIFIER "${folder}" group)
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${group})
+  endforeach()
+  list(TRANSFORM given_APART PREPEND ${CMAKE_SOURCE_DIR}/)
+  set_source_files_properties(${given_APART} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+  set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+endfunction()
+
 # The market's module, from its objects.
 function(ordomart_module target)
   add_library(${target} MODULE ${ARGN})
@@ -27,6 +42,6 @@ endfunction()
 # What the market's one file of addresses is built with, in the targets of the calling folder.
 function(ordomart_addresses updatehost owner repository reporthost)
   set_source_files_properties(${CMAKE_SOURCE_DIR}/plugin/errands/addresses.cpp PROPERTIES
-    SKIP_PRECOMPILE_HEADERS ON
+    SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON
     COMPILE_DEFINITIONS "ORDOMART_UPDATE_HOST=\"${updatehost}\";ORDOMART_UPDATE_OWNER=\"${owner}\";ORDOMART_UPDATE_REPOSITORY=\"${repository}\";ORDOMART_REPORT_HOST=\"${reporthost}\"")
 endfunction()

@@ -23,22 +23,24 @@ struct Patience {
     short events;
     Caller::Clock::duration stranger, known;
 };
-using enum Caller::Phase;
+using Phase = Caller::Phase;
 constexpr Patience patience[] = {
-    {idle, POLLIN, 2s, 30s},          // no byte of the next request has come
-    {head, POLLIN, 2s, 5s},           // begun
-    {body, POLLIN, 2s, 5s},           // of a known caller alone
-    {call, 0, unlimited, unlimited},  // he waits for us
-    {answer, POLLOUT, 2s, 10s},       // not all of it taken
-    {stream, POLLRDHUP, 2s, 30s},     // while he takes nothing
-    {parting, POLLIN, 1s, 1s},
+    {Phase::idle, POLLIN, 2s, 30s},          // no byte of the next request has come
+    {Phase::head, POLLIN, 2s, 5s},           // begun
+    {Phase::body, POLLIN, 2s, 5s},           // of a known caller alone
+    {Phase::call, 0, unlimited, unlimited},  // he waits for us
+    {Phase::answer, POLLOUT, 2s, 10s},       // not all of it taken
+    {Phase::stream, POLLRDHUP, 2s, 30s},     // while he takes nothing
+    {Phase::parting, POLLIN, 1s, 1s},
 };
 
 const Patience& of(Caller::Phase phase) { return patience[static_cast<std::size_t>(phase)]; }
 
 }  // namespace
 
-Caller::Caller(std::uint64_t which, Descriptor socket) : number(which), socket_(std::move(socket)) { enter(idle); }
+Caller::Caller(std::uint64_t which, Descriptor socket) : number(which), socket_(std::move(socket)) {
+    enter(Phase::idle);
+}
 
 Caller::~Caller() {
     if (outlet_ != nullptr) outlet_->close();
@@ -46,7 +48,7 @@ Caller::~Caller() {
 
 short Caller::events() const {
     const short asked = of(phase_).events;
-    return phase_ == stream && sent_ < out_.size() ? static_cast<short>(asked | POLLOUT) : asked;
+    return phase_ == Phase::stream && sent_ < out_.size() ? static_cast<short>(asked | POLLOUT) : asked;
 }
 
 void Caller::enter(Phase phase) {
@@ -105,17 +107,17 @@ void Caller::reply(const HttpAnswer& answer, bool keepalive, std::function<void(
 bool Caller::sendanswer() {
     if (!send()) return false;
     if (outlet_ != nullptr) {
-        enter(stream);
+        enter(Phase::stream);
         outlet_->attach(wake_);
         sendnews();
         return false;
     }
     if (keepalive_) {
-        enter(idle);
+        enter(Phase::idle);
         return true;
     }
     ::shutdown(socket(), SHUT_WR);
-    enter(parting);
+    enter(Phase::parting);
     gone = gone || ended_;
     return false;
 }
@@ -129,7 +131,7 @@ void Caller::sendnews() {
         if (news.empty()) break;
         out_ += news;
     }
-    if (sent_ > before || (sent_ < out_.size() && deadline_ == Clock::time_point::max())) enter(stream);
+    if (sent_ > before || (sent_ < out_.size() && deadline_ == Clock::time_point::max())) enter(Phase::stream);
     if (!outlet_->open()) gone = true;
 }
 

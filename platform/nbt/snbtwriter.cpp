@@ -54,7 +54,7 @@ void writedecimal(std::string& out, Number value, char suffix) {
     out += suffix;
 }
 
-struct Writer {
+struct SnbtWriter {
     std::string& out;
 
     void operator()(const Tag& v) const { std::visit(*this, v.value()); }
@@ -97,13 +97,13 @@ private:
 
 std::string Tag::toSNBT() const {
     std::string out;
-    std::visit(Writer{out}, value_);
+    std::visit(SnbtWriter{out}, value_);
     return out;
 }
 
 std::string CompoundTag::toSNBT() const {
     std::string out;
-    Writer{out}(*this);
+    SnbtWriter{out}(*this);
     return out;
 }
 

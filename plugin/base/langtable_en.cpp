@@ -6,7 +6,7 @@ namespace ordomart {
 
 namespace {
 
-constexpr langrow rows[] = {
+constexpr langrow english[] = {
     {"getoffmoney.success", "yes"},
     {"getoffmoney.nooffmoney", "No"},
     {"systemshop", "systemshop"},
@@ -186,6 +186,6 @@ constexpr langrow rows[] = {
 
 }  // namespace
 
-std::span<const langrow> englishrows() { return rows; }
+std::span<const langrow> englishrows() { return english; }
 
 }  // namespace ordomart

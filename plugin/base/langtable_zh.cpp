@@ -6,7 +6,7 @@ namespace ordomart {
 
 namespace {
 
-constexpr langrow rows[] = {
+constexpr langrow chinese[] = {
     {"getoffmoney.success", "获取离线金钱成功"},
     {"getoffmoney.nooffmoney", "您没有离线金钱"},
     {"systemshop", "系统商店"},
@@ -175,6 +175,6 @@ constexpr langrow rows[] = {
 
 }  // namespace
 
-std::span<const langrow> chineserows() { return rows; }
+std::span<const langrow> chineserows() { return chinese; }
 
 }  // namespace ordomart

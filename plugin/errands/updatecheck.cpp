@@ -12,7 +12,7 @@ namespace ordomart {
 
 namespace {
 
-constexpr int patience = 10;  // seconds
+constexpr int lookpatience = 10;  // seconds
 constexpr int found = 200;
 
 // What is no release says nothing; a release that lacks something is an error of the parser.
@@ -31,7 +31,7 @@ void checkforupdate() {
     const auto check = [] {
         int status = -1;
         std::string text;
-        if (!HttpGetSync(latestreleaseaddress(), status, text, patience) || status != found)
+        if (!HttpGetSync(latestreleaseaddress(), status, text, lookpatience) || status != found)
             return logger.info("Unable to check for updates. Error Code: {}", status);
         compare(nlohmann::json::parse(text));
     };

@@ -10,7 +10,7 @@ namespace shopsystem {
 
 namespace {
 
-constexpr std::int32_t notset = -1;
+constexpr std::int32_t notdemanded = -1;
 
 bool passes(const minimum& demanded) { return demanded.first <= demanded.second; }
 
@@ -28,7 +28,7 @@ bool passfields(const shopfilter& filter, const typename Rows::row& row, const S
     for (const auto& [wanted, source] : texts)
         if (!wanted.empty() && filterstring(wanted, source) == any) return any;
     for (const minimum& demanded : Rows::minima(filter, shop))
-        if (demanded.first != notset && passes(demanded) == any) return any;
+        if (demanded.first != notdemanded && passes(demanded) == any) return any;
     return !any;
 }
 
