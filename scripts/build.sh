@@ -1,16 +1,9 @@
-# Sourced by run and test: configures and builds, and tells how far it is. Usage: build PRESET [OPTION...] [-- TARGET]
-# (options go to the configuring).
+# Sourced by run and test: configures and builds, and tells how far it is. Usage: build PRESET [TARGET]
 
 build() {
-  local preset=$1 options=() target=()
-  shift
-  while [ $# -gt 0 ]; do
-    [ "$1" = -- ] && { target=(--target "${@:2}"); break; }
-    options+=("$1")
-    shift
-  done
+  local preset=$1 target=(${2:+--target "$2"})
   echo "Building ($preset) ..."
-  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" "${options[@]}" >/dev/null
+  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >/dev/null
   # One line that counts on a terminal; elsewhere a line for each tenth, and whatever is no step, such as an error.
   if [ -t 1 ]; then
     NINJA_STATUS="%p  %f of %t steps, %e s  " cmake --build "build/$preset" "${target[@]}"
