@@ -99,7 +99,7 @@ int serve(Arguments& arguments) {
     console.print("The page is at " + api.address());
     console.print(
         "Or play here: \"join Alice\", then \"Alice: ordomart formmenu\"; \"help\" lists all, \"stop\" ends.");
-    host::Terminal terminal(console, STDIN_FILENO, [] { kill(getpid(), SIGTERM); });
+    host::Terminal terminal(console, output, STDIN_FILENO, arguments.server.directory, [] { kill(getpid(), SIGTERM); });
     int signal = 0;
     sigwait(&ending, &signal);
     pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);

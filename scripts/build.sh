@@ -8,12 +8,16 @@ build() {
   if [ -t 1 ]; then
     NINJA_STATUS="%p  %f of %t steps, %e s  " cmake --build "build/$preset" "${target[@]}"
   else
-    NINJA_STATUS="step %f %t " cmake --build "build/$preset" "${target[@]}" | awk '
-      $1 == "step" && $3 + 0 > 0 {
-        tenth = int($2 * 10 / $3)
-        if (tenth > told && $3 > 9) { print "  " $2 " of " $3 " steps"; fflush(); told = tenth }
-        next
-      }
-      { print; fflush() }'
+    NINJA_STATUS="step %f %t " cmake --build "build/$preset" "${target[@]}" | {
+      local line told=0
+      while IFS= read -r line; do
+        if ! [[ $line =~ ^step\ ([0-9]+)\ ([0-9]+)\  ]]; then
+          printf '%s\n' "$line"
+        elif [ "${BASH_REMATCH[2]}" -gt 9 ] && [ $((BASH_REMATCH[1] * 10 / BASH_REMATCH[2])) -gt $told ]; then
+          told=$((BASH_REMATCH[1] * 10 / BASH_REMATCH[2]))
+          echo "  ${BASH_REMATCH[1]} of ${BASH_REMATCH[2]} steps"
+        fi
+      done
+    }
   fi
 }

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
-#include "host/core/descriptor.h"
 #include "host/core/files.h"
 #include "host/server.h"
 #include "platform/foreignjson.h"
@@ -36,17 +35,9 @@ bool fitsatoken(std::string_view text) {
            std::ranges::all_of(text, [](char c) { return c > ' ' && c <= '~'; });
 }
 
-// Nobody else can open it at any moment.
-void writeprivately(const fs::path& file, std::string_view content) {
-    const auto part = file.parent_path() / fmt::format(".{}.part", file.filename().string());
-    ::unlink(part.c_str());
-    Descriptor written(part.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
-    if (written.isopen() && written.write(content) && ::fsync(written.number()) == 0 && written.close() &&
-        ::rename(part.c_str(), file.c_str()) == 0)
-        return;
-    const int why = errno;
-    ::unlink(part.c_str());
-    throw StartError(fmt::format("{}: it cannot be written: {}", file.string(), std::strerror(why)));
+void keep(const fs::path& file, std::string_view content) {
+    if (!writeprivately(file, content))
+        throw StartError(fmt::format("{}: it cannot be written: {}", file.string(), std::strerror(errno)));
 }
 
 }  // namespace
@@ -56,7 +47,7 @@ std::string KeyFiles::token() const {
     const DiskFiles files(directory_);
     if (!files.exists(std::string(tokenname))) {
         const auto token = newtoken();
-        writeprivately(file, token + "\n");
+        keep(file, token + "\n");
         return token;
     }
     auto token = files.read(std::string(tokenname)).value_or("");
@@ -71,7 +62,7 @@ std::string KeyFiles::token() const {
 
 void KeyFiles::tell(const ApiAddress& address) const {
     const json told = {{"host", address.host}, {"port", address.port}, {"token", address.token}};
-    writeprivately(directory_ / addressname, told.dump() + "\n");
+    keep(directory_ / addressname, told.dump() + "\n");
 }
 
 void KeyFiles::forget() const { ::unlink((directory_ / addressname).c_str()); }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/clients.h"
+#include "host/console/lineeditor.h"
 
 namespace host {
 
@@ -21,6 +22,8 @@ public:
     // One line. False for "stop", "quit" and "exit". What is wrong with it is printed.
     bool line(const std::string& text);
     void print(const std::string& text) { show_(text); }
+    // What can stand at the end of a line that is being typed.
+    [[nodiscard]] Offer complete(const std::string& typed);
 
 private:
     struct Line {
@@ -31,6 +34,7 @@ private:
     };
     static const std::vector<Line>& serverlines();
     static const std::vector<Line>& playerlines();
+    [[nodiscard]] std::vector<std::string> offered(const std::string& place, const std::string& usage);
     static void check(const Line& line, const std::vector<std::string>& words, std::size_t least);
 
     // of the server

@@ -33,11 +33,21 @@ struct Output::Parts {
     const int descriptor;
     std::mutex mutex;
     std::condition_variable changed;
-    std::string waiting;
-    std::int64_t dropped = 0;  // lines, all of them after what waits
+    std::string waiting, aside;
+    std::function<void()> told;  // empty: nothing is set aside
+    std::int64_t dropped = 0;    // lines, all of them after what waits
     bool stopping = false, over = false;
     Clock::time_point end;  // of a stop
 
+    void take(std::string_view text) {
+        if (over) return;
+        // Behind the first text that was dropped nothing is taken in, so that the count stands where they are missing.
+        if (dropped > 0 || waiting.size() + text.size() > mostwaiting)
+            dropped += std::ranges::count(text, '\n');
+        else
+            waiting += text;
+        changed.notify_all();
+    }
     bool late() {
         const std::lock_guard lock(mutex);
         return stopping && Clock::now() >= end;
@@ -67,13 +77,27 @@ Output::~Output() { stop(); }
 void Output::print(std::string text) {
     if (!text.ends_with('\n')) text += '\n';
     const std::lock_guard lock(parts_->mutex);
-    if (parts_->over) return;
-    // Behind the first text that was dropped nothing is taken in, so that the count stands where they are missing.
-    if (parts_->dropped > 0 || parts_->waiting.size() + text.size() > mostwaiting)
-        parts_->dropped += std::ranges::count(text, '\n');
-    else
-        parts_->waiting += text;
-    parts_->changed.notify_all();
+    if (!parts_->told || parts_->aside.size() + text.size() > mostwaiting) return parts_->take(text);
+    parts_->aside += text;
+    parts_->told();
+}
+
+int Output::descriptor() const { return parts_->descriptor; }
+
+void Output::put(std::string_view bytes) {
+    const std::lock_guard lock(parts_->mutex);
+    parts_->take(bytes);
+}
+
+void Output::setaside(std::function<void()> told) {
+    const std::lock_guard lock(parts_->mutex);
+    parts_->told = std::move(told);
+    if (!parts_->told) parts_->take(std::exchange(parts_->aside, {}));
+}
+
+std::string Output::takeaside() {
+    const std::lock_guard lock(parts_->mutex);
+    return std::exchange(parts_->aside, {});
 }
 
 void Output::stop() {

@@ -4,8 +4,10 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 
 namespace host {
@@ -19,6 +21,13 @@ public:
 
     // Adds the end of line that is missing. Any thread.
     void print(std::string text);
+    [[nodiscard]] int descriptor() const;
+    // The same without an end of line, for what is no line; it overtakes what is set aside.
+    void put(std::string_view bytes);
+    // While a line is typed on the terminal, what is printed is set aside for the typing thread, which draws it above
+    // that line; `told` is called for each, and must not wait. Empty: it is written at once again.
+    void setaside(std::function<void()> told);
+    [[nodiscard]] std::string takeaside();
     // What waits is written if that goes within a second; what is printed afterwards is lost.
     void stop();
 

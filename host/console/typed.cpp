@@ -42,13 +42,27 @@ std::string trimmed(const std::string& text) {
     return end == std::string::npos ? "" : text.substr(0, end + 1);
 }
 
-platform::ContainerName containername(const std::string& word) {
+namespace {
+
+const std::map<std::string, platform::ContainerName>& containers() {
     using enum platform::ContainerName;
     static const std::map<std::string, platform::ContainerName> names{{"armor", armor},     {"armour", armor},
                                                                       {"hotbar", hotbar},   {"inventory", inventory},
                                                                       {"offhand", offhand}, {"cursor", cursor}};
-    const auto found = names.find(word);
-    if (found == names.end())
+    return names;
+}
+
+}  // namespace
+
+std::vector<std::string> containerwords() {
+    std::vector<std::string> words;
+    for (const auto& [word, name] : containers()) words.push_back(word);
+    return words;
+}
+
+platform::ContainerName containername(const std::string& word) {
+    const auto found = containers().find(word);
+    if (found == containers().end())
         throw std::runtime_error(fmt::format("\"{}\" is none of armour, hotbar, inventory, offhand, cursor", word));
     return found->second;
 }

@@ -14,6 +14,7 @@ namespace host {
 [[nodiscard]] std::string behind(const std::string& text, std::size_t n);
 [[nodiscard]] std::string trimmed(const std::string& text);  // without the blanks at its end
 [[nodiscard]] int number(const std::string& word);
+[[nodiscard]] std::vector<std::string> containerwords();
 [[nodiscard]] platform::ContainerName containername(const std::string& word);
 
 }  // namespace host

@@ -159,4 +159,17 @@ std::unique_ptr<platform::DirectoryWatch> DiskFiles::watch(const std::string& di
     return target ? watchdirectory(*target) : nullptr;
 }
 
+bool writeprivately(const fs::path& file, std::string_view content) {
+    const auto part = file.parent_path() / ("." + file.filename().string() + ".part");
+    ::unlink(part.c_str());
+    Descriptor written(part.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0600);
+    if (written.isopen() && written.write(content) && ::fsync(written.number()) == 0 && written.close() &&
+        ::rename(part.c_str(), file.c_str()) == 0)
+        return true;
+    const int why = errno;
+    ::unlink(part.c_str());
+    errno = why;
+    return false;
+}
+
 }  // namespace host

@@ -36,4 +36,7 @@ private:
     std::array<std::mutex, 16> writing_;
 };
 
+// Replaces a file that is its owner's alone: nobody else can open it at any moment. False, with errno, when it cannot.
+[[nodiscard]] bool writeprivately(const std::filesystem::path& file, std::string_view content);
+
 }  // namespace host
