@@ -61,11 +61,17 @@ std::string common(const std::vector<std::string>& words) {
     return text;
 }
 
-std::string listed(const std::vector<std::string>& words) {
+// In columns; without names that are cut at the end of a row.
+std::string listed(const std::vector<std::string>& words, int columns) {
+    std::size_t longest = 0;
+    for (const std::string& word : words) longest = std::max(longest, word.size());
+    const std::size_t across = std::max<std::size_t>(1, static_cast<std::size_t>(columns) / (longest + 2));
     std::string text;
-    for (std::size_t i = 0; i < words.size() && i < mostshown; ++i) text += (i == 0 ? "" : "  ") + words[i];
-    if (words.size() > mostshown) text += fmt::format("  and {} more", words.size() - mostshown);
-    return text + '\n';
+    for (std::size_t i = 0; i < words.size() && i < mostshown; ++i)
+        text += i % across + 1 == across ? words[i] + '\n' : fmt::format("{:<{}}", words[i], longest + 2);
+    if (words.size() > mostshown)
+        text += fmt::format("{}and {} more", text.ends_with('\n') ? "" : "\n", words.size() - mostshown);
+    return text.ends_with('\n') ? text : text + '\n';
 }
 
 }  // namespace
@@ -144,6 +150,7 @@ struct LineEditor::Parts {
     }
 
     void wake() {
+        fit();
         if (TtyGuard::wenton() && TtyGuard::ours(place.input)) {
             // libedit takes the terminal to be as it has left it.
             ::el_set(editor, EL_PREP_TERM, 0);
@@ -154,7 +161,6 @@ struct LineEditor::Parts {
     }
     // Whole lines, in the place of the typed line, which is drawn anew behind them.
     void above(const std::string& lines) {
-        fit();
         const int row = cursorrow();
         place.output.put(fmt::format("\r{}\x1b[J{}", row > 0 ? fmt::format("\x1b[{}A", row) : "", lines));
         ::el_set(editor, EL_REFRESH);
@@ -173,12 +179,13 @@ struct LineEditor::Parts {
         }
         return column >= size.columns ? row + 1 : row;
     }
-    // Asked at each key instead of told by a signal, which other threads' waits would be broken by.
+    // Looked at when there is something to draw instead of told by a signal, which would break other threads' waits.
     void fit() {
-        if (const Size now = windowsize(place.input); now != size) {
-            size = now;
-            ::el_resize(editor);
-        }
+        const Size now = windowsize(place.input);
+        if (now == size) return;
+        size = now;
+        ::el_resize(editor);
+        above("");
     }
 
     unsigned char complete() {
@@ -193,7 +200,7 @@ struct LineEditor::Parts {
         std::string rest = common(offer.words).substr(offer.begun.size());
         if (offer.words.size() == 1) rest += ' ';
         if (rest.empty())
-            above(listed(offer.words));
+            above(listed(offer.words, size.columns));
         else
             ::el_insertstr(editor, rest.c_str());
         return CC_REFRESH;
@@ -227,6 +234,8 @@ std::optional<std::string> LineEditor::next() {
         const std::uint64_t one = 1;
         [[maybe_unused]] const ssize_t put = ::write(wake, &one, sizeof one);
     });
+    // Before the prompt, not behind it as libedit does by itself: keys that come at once would be echoed twice.
+    ::el_set(parts.editor, EL_PREP_TERM, 1);
     int count = 0;
     const char* const typed = ::el_gets(parts.editor, &count);
     const bool ended = typed == nullptr || count <= 0 || parts.over;
