@@ -75,6 +75,21 @@ public:
         if (touch(xuid) == nullptr) enter(xuid, std::move(fresh));
     }
 
+    void glance(const std::string& xuid, const std::function<void(baseshop&)>& use) {
+        const auto usecached = [&] {
+            Shop* const shop = shops_.find(xuid);
+            if (shop != nullptr) use(*shop);
+            return shop != nullptr;
+        };
+        {
+            const Turn turn;
+            if (usecached()) return;
+        }
+        auto fresh = readshop<Shop>(xuid);
+        const Turn turn;
+        if (!usecached()) use(fresh.shop);
+    }
+
     [[nodiscard]] shoptable<Shop>& shops() { return shops_; }
     [[nodiscard]] Shop* cached(const std::string& xuid) { return shops_.find(xuid); }
 
@@ -140,6 +155,10 @@ baseshop* runtimeshopmanager::cached(const std::string& xuid, int type) {
 
 void runtimeshopmanager::bringin(const std::string& xuid, int type) {
     maps_->oftype(type, [&](auto& kind) { kind.bring(xuid); });
+}
+
+void runtimeshopmanager::glance(const std::string& xuid, int type, const std::function<void(baseshop&)>& use) {
+    maps_->oftype(type, [&](auto& kind) { kind.glance(xuid, use); });
 }
 
 std::optional<std::uint32_t> runtimeshopmanager::readaside(const std::string& xuid, int type, std::uint64_t stamp,

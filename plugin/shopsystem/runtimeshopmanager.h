@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,6 +31,9 @@ public:
     // Background threads, not in a turn: brings a shop in, with reading and parsing outside of the turn, so that a
     // following getshop finds it. Throws what getshop throws.
     void bringin(const std::string& xuid, int type);
+    // Background threads, not in a turn: `use` is given the shop in a turn, to look at. One that is not in the cache is
+    // read for that alone and not kept. Throws what getshop throws.
+    void glance(const std::string& xuid, int type, const std::function<void(baseshop&)>& use);
     // The revision of a shop that was read from its file for a list alone; nothing when it is in the cache, which
     // stands above its file. As shoptable::readaside.
     [[nodiscard]] std::optional<std::uint32_t> readaside(const std::string& xuid, int type, std::uint64_t stamp,

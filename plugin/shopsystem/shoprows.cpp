@@ -31,9 +31,8 @@ void prepareshops(const std::string& playerxuid, bool anew, const std::function<
     for (auto i = first; i < end; ++i) {
         const auto owner = shown.row(i).xuid;
         try {
-            globalruntimeshopmanager.bringin(owner, Rows::type);
-            const Turn turn;
-            shown.dress(i, cardof(Rows::shop(owner)));
+            globalruntimeshopmanager.glance(owner, Rows::type,
+                                            [&](baseshop& shop) { shown.dress(i, cardof(static_cast<Shop&>(shop))); });
         } catch (const std::exception& e) {
             const Turn turn;
             reportbroken(owner, Rows::type, e.what());

@@ -320,6 +320,15 @@ struct World : market_tests::ShopHost {
     template <class Rows>
     void lookatshops(const std::string& viewer) {
         std::vector<std::string> wanted, got;
+        const auto incache = [this] {
+            return std::count_if(keys.begin(), keys.end(), [](const auto& key) {
+                return globalruntimeshopmanager.cached(key, Rows::type) != nullptr;
+            });
+        };
+        const auto before = incache();
+        using shop = std::decay_t<decltype(Rows::shop(viewer))>;
+        prepareshops<Rows, shop>(viewer, true, [](shop&) { return "card"s; });
+        ASSERT_EQ(incache(), before);
         for (const auto& key : shopfilekeys())
             if (key != viewer && (key != "systemshop" || ordomart::enablesystemshopinglobalshop))
                 (void)market_tests::fault([&] {
@@ -327,8 +336,6 @@ struct World : market_tests::ShopHost {
                     const bool hasany = std::any_of(all.begin(), all.end(), [](auto& r) { return r.*Rows::left != 0; });
                     if (!Rows::shop(key).isbanned() && hasany) wanted.push_back(key);
                 });
-        using shop = std::decay_t<decltype(Rows::shop(viewer))>;
-        prepareshops<Rows, shop>(viewer, true, [](shop&) { return "card"s; });
         const auto& list = getplayershopstate(viewer).*Rows::list;
         for (std::size_t i = 0; i < list.size(); ++i) got.push_back(list.row(i).xuid);
         ASSERT_EQ(got, wanted);
