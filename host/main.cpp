@@ -19,6 +19,7 @@
 #include "host/console/output.h"
 #include "host/console/terminal.h"
 #include "host/demo/demo.h"
+#include "host/network/gateway/door.h"
 #include "host/server.h"
 
 namespace {
@@ -27,6 +28,8 @@ struct Arguments {
     host::ServerOptions server;
     bool empty = false;  // no demo market in a new directory
     host::ApiOptions api;
+    bool gateway = false;
+    host::GatewayOptions door;
     std::optional<std::string> backup, restore;  // archives
 };
 
@@ -53,6 +56,14 @@ void describe(CLI::App& app, Arguments& arguments) {
     app.add_flag_callback(
         "--no-llmoney", [&server] { server.moneylibrary = "none"; },
         "Do not offer LLMoney; money is then kept on the scoreboard");
+    const auto gateway = app.add_flag("--gateway", arguments.gateway,
+                                      "Let a gateway in, through which clients of the network play (docs/network.md)");
+    app.add_option("--gateway-port", arguments.door.port,
+                   "A port of this machine for the gateway, in place of a unix socket in DIRECTORY; 0 takes any")
+        ->check(CLI::Range(0, 65535))
+        ->needs(gateway);
+    app.add_flag("--offline", arguments.door.offline, "Let in players of the network who have not signed in")
+        ->needs(gateway);
     const auto backup =
         app.add_option("--backup", arguments.backup,
                        "Only write DIRECTORY to this archive (.tar, .tar.gz, .tar.zst), also while its server runs");
@@ -95,8 +106,11 @@ int serve(Arguments& arguments) {
     host::Console console(server, clients, show);
     host::ControlApi api(server, clients, arguments.api);
     api.start();
+    host::GatewayDoor door(server, arguments.door);
+    if (arguments.gateway) door.start();
     if (demo) console.print("A small demo market was made; --empty leaves it out.");
     console.print("The page is at " + api.address());
+    if (arguments.gateway) console.print("A gateway is listened for at " + door.address());
     console.print(
         "Or play here: \"join Alice\", then \"Alice: ordomart formmenu\"; \"help\" lists all, \"stop\" ends.");
     host::Terminal terminal(console, output, STDIN_FILENO, arguments.server.directory, [] { kill(getpid(), SIGTERM); });
@@ -106,6 +120,7 @@ int serve(Arguments& arguments) {
     server.announcestop();
     terminal.stop();
     api.stop();
+    door.stop();
     clients.leaveall();
     server.stop();
     return told(server.unsaved());

@@ -73,6 +73,10 @@ void Server::run(const std::function<void()>& work) {
 
 void Server::wake() { open(parts_).mailbox.wake(); }
 
+std::shared_ptr<void> Server::watchpasses(std::function<void()> watcher) {
+    return open(parts_).passwatchers.add(std::move(watcher));
+}
+
 void Server::manually(const std::function<void(Parts&)>& steps) {
     auto& parts = open(parts_);
     if (!options_.manual) throw std::logic_error("only a server in manual mode can be driven by hand");

@@ -77,6 +77,10 @@ public:
     // Any thread: something has come in, look at it now and not at the next tick.
     void wake();
 
+    // Called at the end of every pass, and of posted work in manual mode, on the server thread, until the handle is
+    // dropped.
+    [[nodiscard]] std::shared_ptr<void> watchpasses(std::function<void()> watcher);
+
     // The server directory as it is between two passes goes to an archive, while the server goes on. The calling thread
     // does the work; the server thread only marks the instant. Throws BackupError that names the file.
     BackupReport backup(const std::string& file);

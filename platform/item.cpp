@@ -67,6 +67,12 @@ std::string ItemStackBase::getDescriptionId() const {
     return named ? byaux[aux_] : info_->descriptionid;
 }
 
+std::int32_t ItemStackBase::getBlockRuntimeId() const {
+    if (info_ == nullptr) return 0;
+    const auto& byaux = info_->auxblockruntimeids;
+    return aux_ >= 0 && static_cast<std::size_t>(aux_) < byaux.size() ? byaux[aux_] : info_->blockruntimeid;
+}
+
 int ItemStackBase::getDamageValue() const {
     if (getMaxDamage() == 0) return aux_;
     return userdata_ ? userdata_->getInt("Damage") : 0;

@@ -18,9 +18,11 @@ struct ItemInfo {
     std::int32_t networkid = 0;  // never 0
     int maxstack = 64;
     int maxdamage = 0;                // durability; 0 for what does not wear
-    std::int32_t blockruntimeid = 0;  // 0 for what is no block
+    std::int32_t blockruntimeid = 0;  // of its default state; 0 for what is no block
     // By aux value, where the name goes by it ("White Wool"); empty or too short means descriptionid.
     std::vector<std::string> auxdescriptionids;
+    // By aux value, where that stands for another state of the block; empty or too short means blockruntimeid.
+    std::vector<std::int32_t> auxblockruntimeids;
 };
 
 // A stack of up to 255 pieces of one item, or the null stack. A plain value; any thread, if the item table is loaded.
@@ -40,6 +42,7 @@ public:
     void set(int count);  // 0 to 255; 0 leaves the null stack
     void setNull();
     [[nodiscard]] int getMaxStackSize() const { return info_ != nullptr ? info_->maxstack : 64; }
+    [[nodiscard]] std::int32_t getBlockRuntimeId() const;  // 0 for what is no block
     [[nodiscard]] int getAuxValue() const { return aux_; }
     // Wear of a tool or armour piece, otherwise the aux value.
     [[nodiscard]] int getDamageValue() const;

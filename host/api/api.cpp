@@ -1,7 +1,6 @@
 #include "host/api/api.h"
 
 #include <fmt/format.h>
-#include <openssl/crypto.h>
 
 #include <algorithm>
 
@@ -11,6 +10,7 @@
 #include "host/api/keyfiles.h"
 #include "host/api/webfiles.h"
 #include "host/clients.h"
+#include "host/core/secretfiles.h"
 #include "host/server.h"
 #include "platform/foreignjson.h"
 
@@ -94,8 +94,7 @@ struct ControlApi::Parts {
             given.remove_prefix(7);
         else
             given = request.path == eventspath ? request.param("token") : "";
-        return given.size() == options.token.size() &&
-               CRYPTO_memcmp(given.data(), options.token.data(), given.size()) == 0;
+        return sametoken(given, options.token);
     }
 
     [[nodiscard]] std::optional<HttpAnswer> look(const HttpRequest& request) const {

@@ -1,17 +1,13 @@
 #include "host/api/door.h"
 
-#include <netdb.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <poll.h>
-#include <sys/eventfd.h>
-#include <sys/socket.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
 
 #include "host/api/outlet.h"
+#include "host/core/listening.h"
 
 namespace host {
 
@@ -27,23 +23,6 @@ constexpr std::size_t longesthead = 16 << 10, longestbody = 1 << 20;
 constexpr auto farewell = 1s;  // for answers that are on their way when all ends
 constexpr auto outofreach = 100ms;
 
-Descriptor listenat(const addrinfo& place) {
-    Descriptor socket(::socket(place.ai_family, place.ai_socktype | SOCK_CLOEXEC | SOCK_NONBLOCK, place.ai_protocol));
-    // Not SO_REUSEPORT: another server of the same user would get some of the calls.
-    const int yes = 1;
-    ::setsockopt(socket.number(), SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-    if (::bind(socket.number(), place.ai_addr, place.ai_addrlen) != 0 || ::listen(socket.number(), 128) != 0) return {};
-    return socket;
-}
-
-int portof(const Descriptor& socket) {
-    sockaddr_storage bound{};
-    socklen_t length = sizeof bound;
-    if (::getsockname(socket.number(), reinterpret_cast<sockaddr*>(&bound), &length) != 0) return 0;
-    return ntohs(bound.ss_family == AF_INET6 ? reinterpret_cast<sockaddr_in6&>(bound).sin6_port
-                                             : reinterpret_cast<sockaddr_in&>(bound).sin_port);
-}
-
 int milliseconds(Caller::Clock::duration time) {
     return static_cast<int>(
         std::clamp<std::int64_t>(std::chrono::ceil<std::chrono::milliseconds>(time).count(), 0, 60'000));
@@ -51,18 +30,12 @@ int milliseconds(Caller::Clock::duration time) {
 
 }  // namespace
 
-Door::Door(DoorRules rules) : rules_(std::move(rules)), wake_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {}
+Door::Door(DoorRules rules) : rules_(std::move(rules)) {}
 
 Door::~Door() { stop(); }
 
 int Door::listen(const std::string& host, int port) {
-    addrinfo wanted{}, *found = nullptr;
-    wanted.ai_socktype = SOCK_STREAM;
-    wanted.ai_flags = AI_PASSIVE;
-    if (::getaddrinfo(host.c_str(), std::to_string(port).c_str(), &wanted, &found) != 0) return 0;
-    for (const addrinfo* place = found; place != nullptr && !listener_.isopen(); place = place->ai_next)
-        listener_ = listenat(*place);
-    ::freeaddrinfo(found);
+    listener_ = listenat(host, port);
     return listener_.isopen() ? portof(listener_) : 0;
 }
 
@@ -74,13 +47,8 @@ void Door::start() {
 void Door::stop() {
     if (!thread_.joinable()) return;
     stopping_ = true;
-    wake();
+    waker_.wake();
     thread_.join();
-}
-
-void Door::wake() const {
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const auto written = ::write(wake_.number(), &one, sizeof one);
 }
 
 void Door::run() {
@@ -97,7 +65,7 @@ void Door::run() {
 // Waits until there is something to do, and does it.
 void Door::pass(Time until) {
     const Time now = Caller::Clock::now();
-    std::vector<pollfd> waiting{{wake_.number(), POLLIN, 0}, {now < deaf_ ? -1 : listener_.number(), POLLIN, 0}};
+    std::vector<pollfd> waiting{{waker_.number(), POLLIN, 0}, {now < deaf_ ? -1 : listener_.number(), POLLIN, 0}};
     if (now < deaf_) until = std::min(until, deaf_);
     for (const auto& [number, caller] : callers_) {
         waiting.push_back({caller.events() == 0 ? -1 : caller.socket(), caller.events(), 0});
@@ -109,8 +77,7 @@ void Door::pass(Time until) {
     for (auto& [number, caller] : callers_)
         if (const short events = (at++)->revents; events != 0) attend(caller, events);
     if (waiting[0].revents != 0) {
-        std::uint64_t count = 0;
-        [[maybe_unused]] const auto got = ::read(wake_.number(), &count, sizeof count);
+        waker_.settle();
         takeanswers();
         for (auto& [number, caller] : callers_)
             if (caller.phase() == Phase::stream) caller.sendnews();
@@ -121,15 +88,13 @@ void Door::pass(Time until) {
 
 void Door::admit() {
     for (int i = 0; i < mostatonce; ++i) {
-        Descriptor socket(::accept4(listener_.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
+        Descriptor socket = acceptfrom(listener_);
         if (!socket.isopen()) {
             // Out of descriptors, most likely; the listener stays ready all the while.
             if (errno != EAGAIN && errno != EINTR && errno != ECONNABORTED) deaf_ = Caller::Clock::now() + outofreach;
             if (errno != EINTR && errno != ECONNABORTED) return;
             continue;
         }
-        const int yes = 1;
-        ::setsockopt(socket.number(), IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
         makeroom();
         ++lastcaller_;
         const auto place = callers_.try_emplace(lastcaller_, lastcaller_, std::move(socket)).first;
@@ -255,13 +220,13 @@ bool Door::takebody(Caller& caller) {
         auto answer = rules_.call(call);
         const std::lock_guard lock(mutex_);
         answers_.emplace_back(number, std::move(answer));
-        wake();
+        waker_.wake();
     });
     return false;
 }
 
 void Door::reply(Caller& caller, const HttpAnswer& answer, bool keepalive) {
-    caller.reply(answer, keepalive, [this] { wake(); });
+    caller.reply(answer, keepalive, [this] { waker_.wake(); });
 }
 
 void Door::refuse(Caller& caller, int status, const std::string& text) {

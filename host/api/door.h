@@ -17,6 +17,7 @@
 
 #include "host/api/caller.h"
 #include "host/api/workers.h"
+#include "host/core/waker.h"
 
 namespace host {
 
@@ -57,10 +58,10 @@ private:
     bool takebody(Caller& caller);
     void reply(Caller& caller, const HttpAnswer& answer, bool keepalive);
     void refuse(Caller& caller, int status, const std::string& text);
-    void wake() const;
 
     const DoorRules rules_;
-    Descriptor listener_, wake_;
+    Descriptor listener_;
+    Waker waker_;
     std::map<std::uint64_t, Caller> callers_;  // by number, so by age
     std::uint64_t lastcaller_ = 0;
     Time deaf_;  // until then nobody is let in

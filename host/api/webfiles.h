@@ -2,15 +2,12 @@
 #pragma once
 
 #include <span>
-#include <string_view>
+
+#include "host/core/embedded.h"
 
 namespace host {
 
-struct WebFile {
-    const char* path;  // "/", "/page.js"
-    const char* type;
-    std::string_view content;
-};
+using WebFile = EmbeddedFile;
 
 [[nodiscard]] std::span<const WebFile> webfiles();
 

@@ -87,9 +87,13 @@ void Commands::registerCommand(const std::string& name, const std::string& descr
     auto& command = parts_->commands[name];
     command.description = description;
     command.level = level;
+    ++revision_;
 }
 
-void Commands::registerEnum(const std::string& name, const EnumMembers& members) { parts_->enums[name] = members; }
+void Commands::registerEnum(const std::string& name, const EnumMembers& members) {
+    parts_->enums[name] = members;
+    ++revision_;
+}
 
 void Commands::registerOverload(const std::string& command, std::function<std::unique_ptr<platform::Command>()> make,
                                 Parameters parameters) {
@@ -104,9 +108,13 @@ void Commands::registerOverload(const std::string& command, std::function<std::u
         }
     }
     found->second.overloads.push_back({std::move(make), std::move(parameters)});
+    ++revision_;
 }
 
-void Commands::clear() { *parts_ = {}; }
+void Commands::clear() {
+    *parts_ = {};
+    ++revision_;
+}
 
 CommandResult Commands::execute(const std::string& line, platform::ServerPlayer* player, Level level) {
     const auto split = splitline(line);
@@ -172,6 +180,17 @@ std::vector<Completion> Commands::complete(const std::string& line, Level level)
     }
     return found;
 }
+
+std::vector<CommandDescription> Commands::described() const {
+    std::vector<CommandDescription> all;
+    for (const auto& [name, command] : parts_->commands) {
+        auto& one = all.emplace_back(CommandDescription{name, command.description, command.level, {}});
+        for (const auto& overload : command.overloads) one.overloads.push_back(&overload.parameters);
+    }
+    return all;
+}
+
+const Enums& Commands::enums() const { return parts_->enums; }
 
 std::vector<std::string> Commands::usage() const {
     std::vector<std::string> lines;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "host/core/overload.h"
 #include "platform/command.h"
 
 namespace host {
@@ -25,6 +26,13 @@ struct Completion {
     std::string hint;  // "[playerxuid|playername: string]"
 };
 
+// What a client needs to help with the typing of a command.
+struct CommandDescription {
+    std::string name, description;
+    platform::CommandPermissionLevel level = platform::CommandPermissionLevel::Any;
+    std::vector<const Parameters*> overloads;
+};
+
 class Commands : public platform::CommandRegistry {
 public:
     Commands();
@@ -43,12 +51,17 @@ public:
                                                    platform::CommandPermissionLevel level) const;
     // One line per overload: "/ordomart <Operation: baseoperation1> [playerxuid|playername: string]".
     [[nodiscard]] std::vector<std::string> usage() const;
+    // By name; good until something is registered.
+    [[nodiscard]] std::vector<CommandDescription> described() const;
+    [[nodiscard]] const Enums& enums() const;
+    [[nodiscard]] std::uint64_t revision() const { return revision_; }  // grows with each change
     // Forgets everything: the code behind it is about to leave the process.
     void clear();
 
 private:
     struct Parts;
     std::unique_ptr<Parts> parts_;
+    std::uint64_t revision_ = 1;
 };
 
 }  // namespace host

@@ -28,6 +28,7 @@
 #include "host/core/scheduler.h"
 #include "host/core/texts.h"
 #include "host/core/turnkeeper.h"
+#include "host/core/watchers.h"
 #include "host/http/httpclient.h"
 #include "host/network/network.h"
 #include "host/server.h"
@@ -104,6 +105,7 @@ struct Server::Parts {
     Plugins plugins;
     HttpClient http;
     Commands commands;
+    Watchers<> passwatchers;
     platform::Host services;
 
     std::unique_ptr<World> world;

@@ -29,6 +29,7 @@ void Server::Parts::runmanually() {
         {
             const platform::Turn held;
             dowork();
+            passwatchers.tell();
         }
         doorders();
     }
@@ -43,6 +44,7 @@ bool Server::Parts::pass(bool tick) {
     did |= scheduler.run(tickcount, options.manual ? TickScheduler::endless : shareoftasks);
     guarded(complain, "The world could not be saved", [&] { world->flush(); });
     passtimes.add(std::chrono::steady_clock::now() - began);
+    passwatchers.tell();
     return did;
 }
 

@@ -16,13 +16,16 @@ class ServerPlayerImpl;
 
 class Connection : public ClientLink {
 public:
-    Connection(ConnectionId number, std::string playername, Sink sink)
-        : id(number), complaints(std::move(playername)), sink_(std::move(sink)) {}
+    Connection(ConnectionId number, std::string playername, Sink sink, Gone gone)
+        : id(number), complaints(std::move(playername)), sink_(std::move(sink)), gone_(std::move(gone)) {}
 
     [[nodiscard]] bool isopen() const override { return static_cast<bool>(sink_); }
     void send(const platform::Packet& packet) override;
     void sendform(const std::string& json, platform::ServerPlayer::FormAnswer answer) override;
-    void close() { sink_ = nullptr; }
+    void close(std::string_view reason) {
+        sink_ = nullptr;
+        if (gone_) gone_(reason);
+    }
 
     enum class Close {
         asked,    // the server wanted it, so that it is only the answer
@@ -41,6 +44,7 @@ public:
 private:
     void note(const platform::Packet& packet);  // what the client is told of containers
     Sink sink_;
+    Gone gone_;
     int open_ = -1, closing_ = -1;            // the containers that the client was last asked to open and to close
     std::optional<std::uint64_t> straytick_;  // when it last closed what was not open
 };

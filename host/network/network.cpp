@@ -25,9 +25,9 @@ struct Network::Parts {
     Connections connections;
     NetworkHandlerImpl handlers{connections};
     ConnectionId last = 0;
-    bool handling = false;              // a packet's handler is running: its player must stay until it is done
-    std::vector<ConnectionId> leaving;  // asked for meanwhile
-    std::uint64_t round = 0;            // the tick of the packets that were handled last
+    bool handling = false;  // a packet's handler is running: its player must stay until it is done
+    std::vector<std::pair<ConnectionId, std::string>> leaving;  // asked for meanwhile, and why
+    std::uint64_t round = 0;                                    // the tick of the packets that were handled last
 
     // A client may say so much in a tick. Where ticks come by call only, every pass is as good as one.
     [[nodiscard]] bool newround() {
@@ -41,12 +41,12 @@ Network::Network(Server& server) : parts_(std::make_unique<Parts>(server)) { reg
 
 Network::~Network() { leaveall(); }
 
-ConnectionId Network::join(const JoinRequest& request, Sink sink) {
+ConnectionId Network::join(const JoinRequest& request, Sink sink, Gone gone) {
     checkjoin(request);
     World::Parts& world = parts_->server.world().parts();
     if (world.level.online() >= mostplayers)
         throw std::runtime_error(fmt::format("the server is full: {} players", mostplayers));
-    auto connection = std::make_unique<Connection>(parts_->last + 1, request.name, std::move(sink));
+    auto connection = std::make_unique<Connection>(parts_->last + 1, request.name, std::move(sink), std::move(gone));
     connection->player = &world.enter(request, *connection);
     Connection& joined = *connection;
     parts_->connections.emplace(++parts_->last, std::move(connection));
@@ -60,16 +60,16 @@ ConnectionId Network::join(const JoinRequest& request, Sink sink) {
     return joined.id;
 }
 
-void Network::leave(ConnectionId id) {
+void Network::leave(ConnectionId id, std::string_view reason) {
     const auto found = parts_->connections.find(id);
     if (found == parts_->connections.end()) return;
     if (parts_->handling) {
-        parts_->leaving.push_back(id);
+        parts_->leaving.emplace_back(id, reason);
         return;
     }
     Connection& connection = *found->second;
     parts_->inbox.close(id);
-    connection.close();
+    connection.close(reason);
     const std::string name = connection.player->getRealName();
     World& world = parts_->server.world();
     {
@@ -84,7 +84,7 @@ void Network::leave(ConnectionId id) {
 }
 
 void Network::leaveall() {
-    while (!parts_->connections.empty()) leave(parts_->connections.begin()->first);
+    while (!parts_->connections.empty()) leave(parts_->connections.begin()->first, "the server stops");
 }
 
 void Network::receive(ConnectionId connection, std::string packet) {
@@ -104,7 +104,7 @@ bool Network::process() {
     const auto arrived = parts_->inbox.take(parts_->newround());
     for (const Inbox::Arrival& arrival : arrived) {
         parts_->handle(arrival);
-        for (const ConnectionId id : std::exchange(parts_->leaving, {})) leave(id);
+        for (const auto& [id, reason] : std::exchange(parts_->leaving, {})) leave(id, reason);
     }
     for (const auto& [id, count] : parts_->inbox.takedropped())
         if (const auto found = parts_->connections.find(id); found != parts_->connections.end())

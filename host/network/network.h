@@ -23,8 +23,9 @@ struct JoinRequest {
     int permission = 0;  // command permission level, 0 to 4
 };
 
-using ConnectionId = std::uint64_t;                    // never reused in a run
-using Sink = std::function<void(std::string packet)>;  // header and body; called on the server thread
+using ConnectionId = std::uint64_t;                         // never reused in a run
+using Sink = std::function<void(std::string packet)>;       // header and body; called on the server thread
+using Gone = std::function<void(std::string_view reason)>;  // the connection is over; called on the server thread
 
 class Network {
 public:
@@ -33,8 +34,9 @@ public:
 
     // Makes the player, sends his inventory, fires the join event. Throws std::runtime_error with a clear text for a
     // bad name, a bad xuid, or a player who is online already.
-    ConnectionId join(const JoinRequest& request, Sink sink);
-    void leave(ConnectionId connection);  // fires the leave event, saves, forgets; unknown ids are ignored
+    ConnectionId join(const JoinRequest& request, Sink sink, Gone gone = {});
+    // Fires the leave event, saves, forgets; unknown ids are ignored.
+    void leave(ConnectionId connection, std::string_view reason = "the player left");
     void leaveall();
     // Any thread. The packet is handled at the start of the server's next pass, or, of a client that says more than a
     // tick's share, in a later tick.

@@ -2,11 +2,9 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <stdexcept>
-#include <unordered_map>
 
-#include "host/world/items.h"
+#include "host/world/gamedata.h"
 
 namespace host {
 
@@ -22,25 +20,6 @@ struct Stratum {
 constexpr Stratum strata[] = {
     {bottom, "minecraft:bedrock"}, {-63, "minecraft:dirt"}, {63, "minecraft:grass"}, {64, "minecraft:air"}};
 
-constexpr const char* needed[] = {"minecraft:air",   "minecraft:bedrock", "minecraft:dirt",
-                                  "minecraft:grass", "minecraft:chest",   "minecraft:anvil"};
-
-using Palette = std::unordered_map<std::string, std::uint32_t>;
-
-Palette makepalette() {
-    Palette ids;
-    std::uint32_t highest = 0;
-    for (const ItemRow& row : itemtable().rows()) {
-        if (row.info.blockruntimeid == 0) continue;
-        const auto id = static_cast<std::uint32_t>(row.info.blockruntimeid);
-        ids[row.info.name] = id;
-        highest = std::max(highest, id);
-    }
-    for (const char* name : needed)
-        if (!ids.contains(name)) ids[name] = ++highest;
-    return ids;
-}
-
 const char* naturalblock(int y) {
     const char* block = strata[0].block;
     for (const Stratum& stratum : strata)
@@ -51,10 +30,9 @@ const char* naturalblock(int y) {
 }  // namespace
 
 std::uint32_t blockruntimeid(const std::string& name) {
-    static const Palette palette = makepalette();
-    const auto found = palette.find(name);
-    if (found == palette.end()) throw std::runtime_error(fmt::format("there is no block \"{}\"", name));
-    return found->second;
+    const GameBlock* block = gameblock(name);
+    if (block == nullptr) throw std::runtime_error(fmt::format("there is no block \"{}\"", name));
+    return static_cast<std::uint32_t>(block->first);
 }
 
 std::int64_t Blocks::getBlockRuntimeId(platform::BlockPos pos) const {

@@ -11,8 +11,7 @@
 
 namespace host {
 
-// Runtime id by full name: that of the item table, or one of its own for a block that is no item. Throws
-// std::runtime_error when there is no such block.
+// The runtime id of a block's default state, by its full name. Throws std::runtime_error when there is no such block.
 [[nodiscard]] std::uint32_t blockruntimeid(const std::string& name);
 
 class Blocks : public platform::BlockSource {

@@ -1,8 +1,12 @@
-// Network ids and block runtime ids go by place in the table; the shield alone has a fixed one, since a reader of the
-// wire must know it.
+// Network ids and block runtime ids are the game's own; a row that it does not have would have none, and is an error.
 #include "host/world/itemrows.h"
 
-#include "platform/packets/networkitem.h"
+#include <fmt/format.h>
+
+#include <set>
+#include <stdexcept>
+
+#include "host/world/gamedata.h"
 
 namespace host {
 
@@ -46,11 +50,12 @@ void RowMaker::add(std::string_view name, std::string_view group, int maxstack, 
     row.info.name = "minecraft:" + std::string(name);
     row.info.descriptionid = std::string(group) + "." + std::string(name) + ".name";
     row.info.maxstack = maxstack;
-    if (name == "shield") {
-        row.info.networkid = platform::shieldnetworkid;
-    } else {
-        if (nextid_ == platform::shieldnetworkid) ++nextid_;
-        row.info.networkid = nextid_++;
+    const GameItem* item = gameitem(row.info.name);
+    if (item == nullptr) throw std::logic_error(fmt::format("{} is no item of the game's", row.info.name));
+    row.info.networkid = item->id;
+    if (const GameBlock* block = gameblock(row.info.name); block != nullptr && item->isblock()) {
+        row.info.blockruntimeid = block->first;
+        row.info.auxblockruntimeids = block->byaux;
     }
     row.english = words.english;
     row.chinese = words.chinese;
@@ -67,7 +72,6 @@ void RowMaker::item(std::string_view name, int maxstack, int durability, const N
 void RowMaker::block(std::string_view name, int maxstack, const NamePair& words, std::string_view kind,
                      std::string_view color) {
     add(name, "tile", maxstack, words, kind, color);
-    rows_.back().info.blockruntimeid = nextblock_++;
 }
 
 void RowMaker::variant(int aux, std::string_view id, const NamePair& words, std::string_view color) {
@@ -85,6 +89,30 @@ void RowMaker::variants(std::span<const FamilyPart> parts, const NamePair& patte
     for (const auto& part : parts) variant(firstaux++, part.id, combine(pattern, part.words), part.color);
 }
 
+void RowMaker::rest() {
+    const struct {
+        std::string_view ending;
+        int maxstack;
+    } smallstacks[] = {{"boat", 1}, {"raft", 1}, {"banner_pattern", 1}, {"sign", 16}};
+    std::set<std::string_view> known{"minecraft:air"};
+    for (const ItemRow& row : rows_) known.insert(row.info.name);
+    std::vector<std::string> missing;
+    for (const GameItem& item : gameitems())
+        if (!known.contains(item.name)) missing.push_back(item.name.substr(item.name.find(':') + 1));
+    for (const std::string& name : missing) {
+        // "item.bed" is the block of a bed, which has another item.
+        const std::string_view ofblock = "item.",
+                               block = name.starts_with(ofblock) ? name.substr(ofblock.size()) : name;
+        const bool isblock = gameitem("minecraft:" + name)->isblock();
+        const std::string key = fmt::format("{}.{}.name", isblock ? "tile" : "item", block);
+        int maxstack = 64;
+        for (const auto& small : smallstacks)
+            if (!isblock && name.ends_with(small.ending)) maxstack = small.maxstack;
+        add(name, isblock ? "tile" : "item", maxstack, {key, key}, isblock ? "block" : "paper", "#8a8a8a");
+        rows_.back().info.descriptionid = key;
+    }
+}
+
 std::vector<ItemRow> makeitemrows() {
     RowMaker make;
     makesingleitems(make);
@@ -95,6 +123,7 @@ std::vector<ItemRow> makeitemrows() {
     makepotions(make);
     makespawneggs(make);
     makediscs(make);
+    make.rest();
     return make.take();
 }
 

@@ -41,6 +41,9 @@ public:
     // One for each part, with rising aux values.
     void variants(std::span<const FamilyPart> parts, const NamePair& pattern, int firstaux = 0);
 
+    // Whatever else the game has, under the keys by which a client finds the names.
+    void rest();
+
     [[nodiscard]] std::vector<ItemRow> take() { return std::move(rows_); }
 
 private:
@@ -48,8 +51,6 @@ private:
              std::string_view color);
 
     std::vector<ItemRow> rows_;
-    std::int32_t nextid_ = 1;
-    std::int32_t nextblock_ = 1;
 };
 
 // The families, each in a fixed order. Where the game of this version keeps one as an item with aux values, so do they.

@@ -9,7 +9,9 @@
 #include <unordered_map>
 
 #include "host/world/enchantments.h"
+#include "host/world/gamedata.h"
 #include "host/world/itemrows.h"
+#include "platform/binarystream.h"
 #include "platform/text.h"
 
 namespace host {
@@ -105,13 +107,9 @@ std::string ItemTable::hovertext(const platform::ItemStack& stack) const {
 const std::vector<platform::ItemStack>& ItemTable::creativelist() const {
     // Not with the table itself: a stack asks the installed host for its item, and the table is made before that.
     std::call_once(parts_->creativemade, [this] {
-        const auto add = [this](const ItemRow& row, int aux) {
-            parts_->creative.push_back(platform::ItemStack::create(row.info.name, 1, static_cast<std::int16_t>(aux)));
-        };
-        parts_->creative.clear();
-        for (const auto& row : parts_->rows) {
-            if (row.variants.empty()) add(row, 0);
-            for (const auto& variant : row.variants) add(row, variant.aux);
+        for (const CreativeItem& item : creativeitems()) {
+            auto& stack = parts_->creative.emplace_back(platform::ItemStack::create(item.name, 1, item.aux));
+            if (!item.userdata.empty()) stack.setUserData(platform::BinaryStream(item.userdata).getFixedTag());
         }
     });
     return parts_->creative;

@@ -37,7 +37,7 @@ public:
     [[nodiscard]] const platform::ItemInfo* find(std::string_view name) const override;
     [[nodiscard]] const platform::ItemInfo* byid(std::int32_t networkid) const override;
     [[nodiscard]] std::string hovertext(const platform::ItemStack& stack) const override;
-    // Every row once, and where it has variants, each of these.
+    // The game's own list, in its order.
     [[nodiscard]] const std::vector<platform::ItemStack>& creativelist() const override;
 
     [[nodiscard]] const std::vector<ItemRow>& rows() const;  // stable addresses

@@ -73,7 +73,7 @@ NetworkItem tonetwork(const ItemStack& stack) {
     item.networkid = stack.getId();
     item.count = static_cast<std::uint16_t>(stack.getCount());
     item.aux = static_cast<std::uint16_t>(stack.getAuxValue());
-    item.blockruntimeid = stack.info()->blockruntimeid;
+    item.blockruntimeid = stack.getBlockRuntimeId();
     if (const auto* data = stack.getUserData()) item.userdata = *data;
     for (const auto& list : namelists) {
         const auto* names = stack.others().getList(list.key);

@@ -21,6 +21,8 @@ enum class PacketId : int {
     PlaySound = 86,
     ModalFormRequest = 100,
     ModalFormResponse = 101,
+    AvailableEntityIdentifiers = 119,
+    BiomeDefinitionList = 122,
     CreativeContent = 145,
     ItemStackRequest = 147,
     ItemStackResponse = 148,
