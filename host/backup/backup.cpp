@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "host/api/keyfiles.h"
+#include "host/network/gateway/door.h"
 
 namespace host {
 
@@ -18,7 +19,9 @@ namespace {
 constexpr const char* databasenames[] = {"server.sqlite", "money.sqlite"};
 
 bool isleftout(const std::string& name, bool attop) {
-    if (attop && (name == sumsname || name == KeyFiles::tokenname || name == KeyFiles::addressname)) return true;
+    for (const std::string_view secret : {KeyFiles::tokenname, KeyFiles::addressname, GatewayDoor::tokenname})
+        if (attop && name == secret) return true;
+    if (attop && name == sumsname) return true;
     for (const char* ending : {".part", ".sqlite-wal", ".sqlite-shm", ".sqlite-journal"})
         if (name.ends_with(ending)) return true;
     return isarchivename(name);

@@ -101,8 +101,9 @@ void RowMaker::rest() {
         if (!known.contains(item.name)) missing.push_back(item.name.substr(item.name.find(':') + 1));
     for (const std::string& name : missing) {
         // "item.bed" is the block of a bed, which has another item.
-        const std::string_view ofblock = "item.",
-                               block = name.starts_with(ofblock) ? name.substr(ofblock.size()) : name;
+        constexpr std::string_view ofblock = "item.";
+        std::string_view block = name;
+        if (block.starts_with(ofblock)) block.remove_prefix(ofblock.size());
         const bool isblock = gameitem("minecraft:" + name)->isblock();
         const std::string key = fmt::format("{}.{}.name", isblock ? "tile" : "item", block);
         int maxstack = 64;

@@ -70,6 +70,7 @@ TEST_F(BackupTest, HoldsTheInstantWhateverChangesMeanwhile) {
     directory.put("root/shop.log", "before\r\n");
     directory.put("root/.kept.part", "half");
     directory.put("root/api.token", "secret");
+    directory.put("root/gateway.token", "secret");
     directory.put("root/earlier.tar.gz", "an archive");
     directory.put("elsewhere/far.json", "far");
     fs::create_directory_symlink("../elsewhere", root / "linked");
@@ -77,7 +78,7 @@ TEST_F(BackupTest, HoldsTheInstantWhateverChangesMeanwhile) {
     fs::create_directory(root / "empty");
     fs::permissions(root / "kept.json", fs::perms::owner_read);
     Content expected = contentof(root);
-    for (const char* gone : {".kept.part", "api.token", "earlier.tar.gz"}) expected.erase(gone);
+    for (const char* gone : {".kept.part", "api.token", "gateway.token", "earlier.tar.gz"}) expected.erase(gone);
     expected["linked/far.json"] = "far";
 
     host::Database world((root / "server.sqlite").string(), false);

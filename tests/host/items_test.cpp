@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/world/enchantments.h"
+#include "host/world/gamedata.h"
 #include "host/world/items.h"
 #include "platform/host.h"
 #include "platform/packets/networkitem.h"
@@ -142,16 +143,75 @@ TEST_F(ItemTableTest, HoverTextTellsEnchantmentsAndWear) {
     EXPECT_EQ(table.hovertext(ItemStack()), "");
 }
 
-TEST_F(ItemTableTest, TheCreativeListHoldsEveryItemAndVariantOnce) {
-    std::set<std::pair<std::string, int>> seen;
-    for (const auto& stack : table.creativelist()) {
+TEST_F(ItemTableTest, TheCreativeListIsTheGames) {
+    const auto& list = table.creativelist();
+    ASSERT_EQ(list.size(), 1386u);
+    std::set<std::string> seen, wanted;
+    for (const auto& stack : list) {
         ASSERT_FALSE(stack.isNull());
         EXPECT_EQ(stack.getCount(), 1);
-        EXPECT_TRUE(seen.insert({stack.getTypeName(), stack.getAuxValue()}).second) << stack.getTypeName();
+        EXPECT_TRUE(seen.insert(stack.save().toSNBT()).second) << stack.save().toSNBT();
     }
-    std::size_t wanted = 0;
-    for (const auto& row : table.rows()) wanted += std::max<std::size_t>(row.variants.size(), 1);
-    EXPECT_EQ(seen.size(), wanted);
+    EXPECT_EQ(list.front().getTypeName(), "minecraft:planks");
+    EXPECT_TRUE(seen.contains(
+        item(R"({"Name":"minecraft:enchanted_book","Count":1b,"tag":{"ench":[{"id":0s,"lvl":4s}]}})").save().toSNBT()));
+    // Whatever has a name for an aux value can be picked with it.
+    std::set<std::pair<std::string, int>> pickable;
+    for (const auto& stack : list) pickable.insert({stack.getTypeName(), stack.getAuxValue()});
+    for (const auto& row : table.rows())
+        for (const auto& variant : row.variants)
+            if (!pickable.contains({row.info.name, variant.aux}))
+                wanted.insert(row.info.name + ":" + std::to_string(variant.aux));
+    EXPECT_EQ(wanted, std::set<std::string>({}));
+}
+
+TEST_F(ItemTableTest, NumbersAreTheGames) {
+    const struct {
+        const char* name;
+        std::int16_t aux;
+        std::int32_t id, block;
+    } cases[] = {
+        {"planks", 0, 5, 9805},
+        {"planks", 5, 5, 9810},
+        {"wool", 14, 35, 4097},
+        {"wood", 0, -212, 4099},
+        {"wood", 8, -212, 4105},
+        {"wood", 13, -212, 4110},
+        {"coral_block", 12, -132, 7811},
+        {"anvil", 8, 145, 10414},
+        {"log", 3, 17, 10447},
+        {"stone", 1, 1, 1269},
+        {"planks", -1, 5, 9805},
+        {"planks", 99, 5, 9805},
+        {"chest", 0, 54, 10893},
+        {"blue_candle", 0, -424, 0},
+        {"bed", 14, 418, 0},
+        {"skull", 3, 516, 0},
+        {"wooden_door", 0, 359, 0},
+        {"shield", 0, 355, 0},
+        {"acacia_boat", 0, 379, 0},
+        {"bamboo_chest_raft", 0, 648, 0},
+        {"item.bed", 0, 26, 0},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.name);
+        const auto wire = platform::tonetwork(ItemStack::create(one.name, 1, one.aux));
+        EXPECT_EQ(wire.networkid, one.id);
+        EXPECT_EQ(wire.blockruntimeid, one.block);
+    }
+    // Every item of the game can be held, under its number; what has no name here goes by the game's key.
+    for (const host::GameItem& item : host::gameitems()) {
+        if (item.name == "minecraft:air") continue;
+        const auto* row = table.row(item.name);
+        ASSERT_NE(row, nullptr) << item.name;
+        EXPECT_EQ(row->info.networkid, item.id) << item.name;
+        const auto* block = host::gameblock(item.name);
+        EXPECT_EQ(row->info.blockruntimeid, item.isblock() && block != nullptr ? block->first : 0) << item.name;
+    }
+    EXPECT_EQ(table.rows().size() + 1, host::gameitems().size());
+    EXPECT_EQ(table.gametext(table.find("bamboo_raft")->descriptionid, "zh_CN"), "item.bamboo_raft.name");
+    EXPECT_EQ(table.find("bamboo_raft")->maxstack, 1);
+    EXPECT_EQ(table.find("oak_hanging_sign")->descriptionid, "tile.oak_hanging_sign.name");
 }
 
 TEST(RomanNumerals, AreWrittenAsOnEnchantments) {

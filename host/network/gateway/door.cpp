@@ -27,7 +27,7 @@ namespace {
 
 constexpr std::ptrdiff_t moststrangers = 8;
 constexpr auto outofreach = 100ms;
-constexpr const char *tokenname = "gateway.token", *socketname = "gateway.sock", *loopback = "127.0.0.1";
+constexpr const char* loopback = "127.0.0.1";
 
 int milliseconds(Visitor::Clock::duration time) {
     return static_cast<int>(
@@ -66,10 +66,10 @@ struct GatewayDoor::Parts {
 };
 
 void GatewayDoor::Parts::listen() {
-    token = kepttoken(directory / tokenname);
+    token = kepttoken(directory / GatewayDoor::tokenname);
     if (options.port < 0) {
-        address = (directory / socketname).string();
-        listener = listenat(directory / socketname);
+        address = (directory / GatewayDoor::socketname).string();
+        listener = listenat(directory / GatewayDoor::socketname);
         return;
     }
     listener = listenat(loopback, options.port);

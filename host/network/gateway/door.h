@@ -24,6 +24,9 @@ struct GatewayOptions {
 
 class GatewayDoor {
 public:
+    static constexpr std::string_view tokenname = "gateway.token",
+                                      socketname = "gateway.sock";  // in the server directory
+
     GatewayDoor(Server& server, GatewayOptions options);
     ~GatewayDoor();  // stops
 
