@@ -52,6 +52,22 @@ function auxof(name, state, values) {
   return values[key].indexOf(state[key]) * (steps[name] ?? 1) + (flag && state[flag] ? weight : 0);
 }
 
+// The creative list tells old numbers; names were changed since.
+const items = json("required_item_list.json");
+const olditems = byvalue(json("item_id_map.json")), oldblocks = byvalue(json("block_id_map.json"));
+const { simple, complex } = json("r16_to_current_item_map.json");
+const creative = json("creativeitems.json").map(({ id, damage = 0, nbt_b64 }) => {
+  const old = olditems.get(id) ?? oldblocks.get(id < 0 ? 255 - id : id);
+  const split = complex[old]?.[damage];
+  const name = split ?? simple[old] ?? old;
+  if (!(name in items)) throw new Error(`the creative list names ${id}:${damage}, which is no item`);
+  const data = nbt_b64 ? [Buffer.from(nbt_b64, "base64").toString("hex")] : [];
+  return [name, split ? 0 : damage, ...data];
+});
+// Other aux values mean nothing, or how a block stands, which an item does not show.
+const meant = new Set(creative.map(([name, aux]) => `${name} ${aux}`));
+
+
 const blocks = new Map();
 for (const { name, states } of blockstates(bytes("canonical_block_states.nbt")))
   blocks.set(name, [...(blocks.get(name) ?? []), states]);
@@ -59,26 +75,13 @@ const blocklines = [...blocks].map(([name, states]) => {
   const values = {};
   for (const state of states) for (const [key, value] of Object.entries(state))
     if (!(values[key] ??= []).includes(value)) values[key].push(value);
-  const auxes = states.map((state, place) => [auxof(name, state, values), place]).filter(([aux]) => aux);
+  const auxes = states.map((state, place) => [auxof(name, state, values), place]).filter(([aux]) => aux && meant.has(`${name} ${aux}`));
   return [name, states.length, ...auxes.map(([aux, place]) => `${aux}:${place}`)].join(" ");
-});
-
-// The creative list tells old numbers; names were changed since.
-const items = json("required_item_list.json");
-const olditems = byvalue(json("item_id_map.json")), oldblocks = byvalue(json("block_id_map.json"));
-const { simple, complex } = json("r16_to_current_item_map.json");
-const creativelines = json("creativeitems.json").map(({ id, damage = 0, nbt_b64 }) => {
-  const old = olditems.get(id) ?? oldblocks.get(id < 0 ? 255 - id : id);
-  const split = complex[old]?.[damage];
-  const name = split ?? simple[old] ?? old;
-  if (!(name in items)) throw new Error(`the creative list names ${id}:${damage}, which is no item`);
-  const data = nbt_b64 ? [Buffer.from(nbt_b64, "base64").toString("hex")] : [];
-  return [name, split ? 0 : damage, ...data].join(" ");
 });
 
 const itemlines = Object.entries(items).map(([name, item]) =>
   [name, item.runtime_id, ...(item.component_based ? ["component"] : [])].join(" "));
 mkdirSync(target, { recursive: true });
-for (const [name, lines] of Object.entries({ items: itemlines, blocks: blocklines, creative: creativelines }))
+for (const [name, lines] of Object.entries({ items: itemlines, blocks: blocklines, creative: creative.map((row) => row.join(" ")) }))
   writeFileSync(`${target}${name}.txt`, lines.join("\n").replaceAll("minecraft:", "") + "\n");
 for (const name of ["biome_definitions.nbt", "entity_identifiers.nbt", "LICENSE"]) copyFileSync(`${source}/${name}`, target + name);

@@ -183,7 +183,7 @@ TEST_F(ItemTableTest, NumbersAreTheGames) {
         {"stone", 1, 1, 1269},
         {"planks", -1, 5, 9805},
         {"planks", 99, 5, 9805},
-        {"chest", 0, 54, 10893},
+        {"chest", 3, 54, 10893},
         {"blue_candle", 0, -424, 0},
         {"bed", 14, 418, 0},
         {"skull", 3, 516, 0},
