@@ -404,6 +404,11 @@ TEST_F(Gateway, WhoDoesNotTakeIsCutOff) {
     for (int i = 1; i <= many; ++i) answered += client.await(opened).operation == opened ? 1 : 0;
     EXPECT_EQ(answered, many);
     EXPECT_TRUE(comes([&] { return online().size() == many / 2; })) << online().size();
+    // Also what nothing comes of is done in the end, and the gateway heard again.
+    flood.clear();
+    for (int i = 0; i < many; ++i) flood += framed(close, 2, "");
+    client.send(flood + framed(open, many + 1, player("Last", {{"xuid", "999"}}).dump()));
+    EXPECT_EQ(client.await(opened).session, many + 1u);
 }
 
 TEST_F(Gateway, ListensWhereItIsToldOrSaysWhy) {
