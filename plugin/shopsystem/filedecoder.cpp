@@ -114,9 +114,9 @@ std::optional<shopgoods> decodefile(const std::string& xuid, int kind,
         if (globalruntimeshopmanager.cached(xuid, kind) != nullptr) return std::nullopt;
     }
     if (xuid == "0" || hasleftrecord(xuid, kind)) return std::nullopt;
-    const auto stamp = filestamp(xuid);
+    const auto stamp = filestamp(xuid);  // what is read may be newer, and then is read once more
     const auto text = platform::host().files->read(shopfile(xuid));
-    if (!text || text->empty() || stamp != filestamp(xuid)) return std::nullopt;
+    if (!text || text->empty()) return std::nullopt;
     shopgoods read;
     try {
         read = kind == sell ? decode<sellrows>(xuid, *text) : decode<recyclerows>(xuid, *text);
