@@ -100,8 +100,12 @@ shopgoods decode(const std::string& xuid, const std::string& text) {
         }
     }
     auto head = headof(shop);
-    // A load in the last second of a ban lifts it, where an object that is there would be banned until the next.
-    if (const auto end = shop.banend(); head.isbanned && end) head.until = std::min(head.until, *end - 1);
+    // A load in the last second of a ban lifts it, where an object that is there would be banned until the next; and
+    // what was lifted so would still hold if the clock went back.
+    if (const auto end = shop.banend(); end && head.isbanned)
+        head.until = std::min(head.until, *end - 1);
+    else if (end)
+        head.since = std::max(head.since, *end - 1);
     return builder.finish(std::move(head));
 }
 
