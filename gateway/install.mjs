@@ -1,5 +1,5 @@
 // Fetches the gateway's packages as the lockfile has them, and leaves out what is never read: node gateway/install.mjs.
-// Of the data of all versions of the game one is used, and of the packages that others ask for less than half. With
+// Of the data of all versions of the game a few files are used, and of the packages that others ask for less than half. With
 // --tests the library's client stays, too. Does nothing when that has been done.
 import { execFileSync } from "node:child_process";
 import { existsSync, lstatSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
@@ -10,7 +10,7 @@ import { fileURLToPath } from "node:url";
 const here = path.dirname(fileURLToPath(import.meta.url)), modules = path.join(here, "node_modules");
 const version = "1.19.50";
 const withclient = process.argv.includes("--tests");
-const entries = ["bedrock-protocol/src/server", "bedrock-protocol/src/serverPlayer", "raknet-native",
+const entries = ["bedrock-protocol/src/server", "bedrock-protocol/src/serverPlayer", "bedrock-protocol/src/rak", "raknet-native",
                  ...(withclient ? ["bedrock-protocol/src/createClient"] : [])];
 const stamp = path.join(modules, ".ordomart");
 const wanted = readFileSync(path.join(here, "package-lock.json"), "utf8") + readFileSync(fileURLToPath(import.meta.url), "utf8");
@@ -32,10 +32,18 @@ function keep(directory, iskept) {
   for (const name of readdirSync(directory)) if (!iskept(name)) rmSync(path.join(directory, name), { recursive: true });
 }
 
-// The data of one version, and the lists of all of them.
-const data = path.join(modules, "minecraft-data/minecraft-data/data");
-const paths = new Set(Object.values(JSON.parse(readFileSync(path.join(data, "dataPaths.json"))).bedrock[version]));
-for (const edition of ["pc", "bedrock"]) keep(path.join(data, edition), (name) => name === "common" || paths.has(`${edition}/${name}`));
+// Of the game's data what the protocol needs. The rest is read at the start, too, and never asked for.
+const data = path.join(modules, "minecraft-data/minecraft-data/data"), needed = ["protocol", "steve", "version"];
+const paths = JSON.parse(readFileSync(path.join(data, "dataPaths.json"))).bedrock[version];
+for (const [name, folder] of Object.entries(paths)) {
+  const file = path.join(data, folder, `${name}.json`);
+  if (!needed.includes(name) && existsSync(file)) writeFileSync(file, "[]");
+}
+const known = new Set(Object.entries(paths).map(([name, folder]) => `${folder}/${name}.json`));
+for (const file of files(data)) {
+  const name = path.relative(data, file);
+  if (!known.has(name) && name.includes("/") && !name.includes("/common/")) rmSync(file);
+}
 // Of the native RakNet what was built for this machine.
 const native = path.join(modules, "raknet-native");
 keep(native, (name) => !["raknet", "src", "test"].includes(name));
@@ -60,8 +68,10 @@ const isused = (directory) => [...used].some((one) => one === directory || one.s
 function prune(at) {
   for (const name of readdirSync(at)) {
     const directory = path.join(at, name);
-    if (name.startsWith("@")) prune(directory);
-    else if (!isused(directory)) rmSync(directory, { recursive: true });
+    if (name.startsWith("@")) {
+      prune(directory);
+      if (readdirSync(directory).length === 0) rmSync(directory, { recursive: true });
+    } else if (!isused(directory)) rmSync(directory, { recursive: true });
     else if (existsSync(path.join(directory, "node_modules"))) prune(path.join(directory, "node_modules"));
   }
 }

@@ -37,6 +37,7 @@ export class Network extends Server {
   constructor({ door, log, host, port, offline, plain }) {
     const RakServer = plain ? null : native();
     super({ host, port, offline, version, maxPlayers: 1000, batchingInterval: 0x7fffffff, compressionLevel: 3,
+            raknetBackend: RakServer ? "raknet-native" : "jsp-raknet",  // the library wants one; the plain one takes its place
             motd: { motd: "Ordomart", levelName: "Ordomart", gamemode: "Survival", gamemodeId: 1 } });
     Object.assign(this, { door, log });
     this.transport = RakServer ? "native RakNet" : "plain RakNet";

@@ -123,7 +123,7 @@ struct ItemStackResponseContainer {
 };
 
 struct ItemStackResponse {
-    static constexpr std::uint8_t accepted = 0, refused = 7;
+    static constexpr std::uint8_t accepted = 0, refused = 1;  // as the game's own schema names them
     std::uint8_t result = refused;
     std::int32_t requestid = 0;
     std::vector<ItemStackResponseContainer> containers;  // on the wire for an accepted request only

@@ -163,9 +163,10 @@ export class Player {
     this.open = null;
   }
 
+  // Of stacks that are real: they have a number.
   has(item) {
     let count = 0;
-    for (let slot = 0; slot < 36; ++slot) if (this.at(slot)?.item === item && !this.at(slot).name) count += this.at(slot).count;
+    for (let slot = 0; slot < 36; ++slot) if (this.at(slot)?.item === item && this.at(slot).stack > 0) count += this.at(slot).count;
     return count;
   }
 

@@ -83,7 +83,7 @@ const std::vector<Sample>& samples() {
                InventorySlotPacket{0, 9, shield()}),
         sample("creative list", "91 01 02 01 d8 04 01 00 00 00 0a 00 00 00 00 00 00 00 00 00 00 ac 02 00",
                CreativeContentPacket{{{1, {300, 1}}, {300, {}}}}),
-        sample("refusals", "94 01 02 07 01 07 05",
+        sample("refusals", "94 01 02 01 01 01 05",
                ItemStackResponsePacket{{{ItemStackResponse::refused, -1, {}}, {ItemStackResponse::refused, -3, {}}}}),
         sample("acceptance", "94 01 01 00 01 01 1d 01 09 09 05 0e 01 'n' 00",
                ItemStackResponsePacket{{{ItemStackResponse::accepted, -1, {{29, {{9, 9, 5, 7, "n", 0}}}}}}}),
