@@ -17,14 +17,15 @@ export class Player {
   #waiting = new Set();
   #request = -1;
 
-  static async joins(port, name, { device = 7, language = "en_US", skin = {}, ...options } = {}) {
+  static async joins(port, name, { device = 7, language = "en_US", prepared, ...options } = {}) {
     const player = new Player(createClient({
       host: "127.0.0.1", port, username: name, offline: true, version, skipPing: true, connectTimeout: patience, deviceOS: device,
-      raknetBackend: "raknet-native", skinData: { LanguageCode: language, ...skin }, ...options,
+      raknetBackend: "raknet-native", skinData: { LanguageCode: language }, ...options,
     }), name);
+    prepared?.(player.client);
     await player.until(() => player.spawned || player.gone, "he is in");
+    if (!player.gone) await player.until(() => player.slots.size >= 36 || player.gone, "his inventory is shown");
     if (player.gone) throw new Error(player.gone);
-    await player.until(() => player.slots.size >= 36, "his inventory is shown");
     return player;
   }
 
@@ -113,7 +114,7 @@ export class Player {
   }
 
   says(message) {
-    this.client.write("text", { type: "chat", needs_translation: false, source_name: this.name, message, xuid: "", platform_chat_id: "" });
+    this.client.queue("text", { type: "chat", needs_translation: false, source_name: this.name, message, xuid: "", platform_chat_id: "" });
   }
 
   // The form in front that holds a text.
