@@ -58,7 +58,7 @@ try {
 }
 
 const door = new Door({ directory, place, name: `ordomart-gateway ${version}`, log: say });
-const network = new Network({ door, log: say, host: told.host, port: port("port"), offline, plain });
+const network = new Network({ door, host: told.host, port: port("port"), offline, plain });
 
 let ending = false;
 async function end(reason, code) {

@@ -34,12 +34,12 @@ async function demandfree(host, port) {
 export class Network extends Server {
   sessions = new Map();  // by address
 
-  constructor({ door, log, host, port, offline, plain }) {
+  constructor({ door, host, port, offline, plain }) {
     const RakServer = plain ? null : native();
     super({ host, port, offline, version, maxPlayers: 1000, batchingInterval: 0x7fffffff, compressionLevel: 3,
             raknetBackend: RakServer ? "raknet-native" : "jsp-raknet",  // the library wants one; the plain one takes its place
             motd: { motd: "Ordomart", levelName: "Ordomart", gamemode: "Survival", gamemodeId: 1 } });
-    Object.assign(this, { door, log });
+    this.door = door;
     this.transport = RakServer ? "native RakNet" : "plain RakNet";
     this.RakServer = RakServer ?? PlainRakNet;
     this.onOpenConnection = (connection) => this.#opens(connection);

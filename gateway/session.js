@@ -18,8 +18,8 @@ export class Session {
   #sinceecho = 0;
   #stacktold = false;
 
-  constructor(player, { door, log }) {
-    Object.assign(this, { player, door, log });
+  constructor(player, { door, sessions }) {
+    Object.assign(this, { player, door, sessions });
     this.library = player.readPacket.bind(player);
     player.compressionThreshold = Infinity;
     const settings = player.sendNetworkSettings.bind(player);
@@ -109,8 +109,13 @@ export class Session {
     const { authenticated } = authentication;
     const device = Number.isInteger(told.DeviceOS) && told.DeviceOS > 0 ? told.DeviceOS : 7;
     const language = /^[a-z]{2,3}_[A-Z]{2}$/.test(told.LanguageCode) ? told.LanguageCode : "en_US";
+    // Whose game broke off comes back sooner than RakNet notices; names that are only said give nobody that right.
+    if (authenticated)
+      for (const other of [...this.sessions.values()])
+        if (other !== this && other.xuid === profile.xuid) other.end("You have joined from another place.");
+    this.xuid = authenticated ? profile.xuid : undefined;
     this.#stage = "opening";
-    this.number = this.door.open({ name: profile.name, xuid: authenticated ? profile.xuid : "", language, device, authenticated }, this);
+    this.number = this.door.open({ name: profile.name, xuid: this.xuid ?? "", language, device, authenticated }, this);
   }
 
   // ---- from the server, as the door's hearer
