@@ -22,7 +22,7 @@ const startgame = {
   msa_gamertags_only: false, is_from_world_template: false, is_world_template_option_locked: false, only_spawn_v1_villagers: false,
   persona_disabled: false, custom_skins_disabled: false, limited_world_width: 16, limited_world_length: 16, is_new_nether: true,
   edu_resource_uri: { button_name: "", link_uri: "" }, experimental_gameplay_override: false, chat_restriction_level: "none",
-  disable_player_interactions: false, level_id: "", premium_world_template_id: uuid, is_trial: false, movement_authority: "client",
+  disable_player_interactions: false, level_id: "", premium_world_template_id: "", is_trial: false, movement_authority: "client",
   rewind_history_size: 0, server_authoritative_block_breaking: false, current_tick: 0n, enchantment_seed: 0, block_properties: [],
   multiplayer_correlation_id: uuid, server_authoritative_inventory: true, engine: "", property_data: emptycompound,
   block_pallette_checksum: 0n, world_template_id: uuid, client_side_generation: false,
