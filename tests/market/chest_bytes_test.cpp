@@ -108,7 +108,7 @@ TEST(ChestBytes, OfTheSignsAndOfASelection) {
                                              "00" +
                                              shine)));
     sends(stage, alice, {{action(ActionType::drop, ContainerName::cursor, 0)}});
-    EXPECT_EQ(sent(alice), (std::vector<std::string>{hand(50, "7c 00 00"), hand(148, "01 07 01")}));
+    EXPECT_EQ(sent(alice), (std::vector<std::string>{hand(50, "7c 00 00"), hand(148, "01 01 01")}));
     sends(stage, alice, {{action(ActionType::take, ContainerName::inventory, 9)}});
     const auto chosen = sent(alice);
     ASSERT_GE(chosen.size(), 2U);

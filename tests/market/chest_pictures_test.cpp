@@ -25,7 +25,7 @@ TEST(ChestPictures, NoClickCountsBeforeThePaint) {
             alice.forgets().types(each.command);
             stage.ticks(ticks);
             sends(stage, alice, {{each.pressed}});
-            EXPECT_EQ(responses(alice), "7");
+            EXPECT_EQ(responses(alice), "1");
             stage.ticks(6 - ticks);
             EXPECT_TRUE(alice.sounds().empty());
             // The menu is the one that was asked for, and alive.

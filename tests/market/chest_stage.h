@@ -68,7 +68,7 @@ inline void sends(Stage& stage, Actor& player, std::vector<std::vector<platform:
     stage.server().settle();
 }
 
-// The results of all responses heard so far, "7 7", with one response packet to a line.
+// The results of all responses heard so far, "1 1", with one response packet to a line.
 inline std::string responses(const Actor& player) {
     std::string all;
     player.look([&](client::ModelClient& c) {

@@ -11,12 +11,15 @@ import { Door } from "../../gateway/door.js";
 import { Player } from "./player.mjs";
 import { Stage } from "./stage.mjs";
 
-const quantile = (times, part) => times.toSorted((a, b) => a - b)[Math.min(times.length - 1, Math.floor(part * times.length))];
+const quantile = (times, part) => [...times].sort((a, b) => a - b)[Math.min(times.length - 1, Math.floor(part * times.length))];
 const told = (times) => `median ${quantile(times, 0.5).toFixed(1)}, p99 ${quantile(times, 0.99).toFixed(1)} ms (${times.length})`;
 const resident = (child) => Number(readFileSync(`/proc/${child.pid}/status`, "utf8").match(/VmRSS:\s+(\d+)/)[1]) / 1024;
 const words = process.argv.slice(2);
 
+const crowds = [];
 const stage = await Stage.starts({ gateway: ["--offline", ...words] });
+process.on("exit", () => [...crowds, stage.gateway.child, stage.server.child].forEach((child) => child.kill("SIGKILL")));
+process.on("SIGTERM", () => process.exit(1));
 console.log(`${stage.gateway.said.at(-1)}; load ${loadavg()[0].toFixed(1)}`);
 const gateway = () => stage.gateway.child;
 
@@ -57,9 +60,8 @@ console.log(`click to page over UDP: ${told(times.udp)}; by the client inside, a
 udp.leaves();
 
 // Memory by clients.
-const crowds = [];
 async function crowd(first, count) {
-  const child = spawn(process.execPath, [path.join(import.meta.dirname ?? ".", "crowd.mjs"), stage.port, first, count].map(String), { stdio: ["ignore", "pipe", "inherit"] });
+  const child = spawn(process.execPath, [new URL("crowd.mjs", import.meta.url).pathname, stage.port, first, count].map(String), { stdio: ["ignore", "pipe", "inherit"] });
   crowds.push(child);
   let last = "";
   await new Promise((done) => {
@@ -106,7 +108,7 @@ await stage.gateway.ends();
 const door = new Door({ directory: stage.directory, place: { path: path.join(stage.directory, "gateway.sock") }, name: "measure", log: console.log });
 await new Promise((ready) => { door.once("ready", ready); door.connect(); });
 let packets = 0, bytes = 0, opened = 0;
-const hearer = { opened: () => ++opened, packet: (one) => { ++packets; bytes += one.length; return hearer; }, flush() {}, closed: (reason) => console.log(`closed: ${reason}`) };
+const hearer = { opened: () => ++opened, packet: (one) => { ++packets; bytes += one.length; return hearer; }, flush() {}, closed() {} };
 const sessions = Array.from({ length: 50 }, (_, i) => door.open({ name: `Talks${i}`, xuid: "", language: "en_US", device: 7, authenticated: false }, hearer));
 while (opened < 50) await rest(20);
 // As the library's client writes a chat line of 20 letters.
