@@ -116,7 +116,7 @@ TEST(ChestMachine, WhatIsRefusedAndWhatIsPassedOn) {
     const struct {
         const char* name;
         std::vector<std::vector<platform::ItemStackRequestAction>> batch;
-        const char* refused;  // 7 for each request, in one packet; else the server is asked
+        const char* refused;  // 1 for each request, in one packet; else the server is asked
     } cases[] = {
         {"one click", {{action(take, ContainerName::combined, 20)}}, "1"},
         {"a kind that no view reads", {{action(destroy, ContainerName::hotbar, 4)}}, "1"},
