@@ -2,7 +2,7 @@
 // Of the data of all versions of the game a few files are used, and of the packages that others ask for less than half. With
 // --tests the library's client stays, too. Does nothing when that has been done.
 import { execFileSync } from "node:child_process";
-import { existsSync, lstatSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
+import { existsSync, lstatSync, mkdirSync, readdirSync, readFileSync, renameSync, rmSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
@@ -44,10 +44,16 @@ for (const file of files(data)) {
   const name = path.relative(data, file);
   if (!known.has(name) && name.includes("/") && !name.includes("/common/")) rmSync(file);
 }
-// Of the native RakNet what was built for this machine.
-const native = path.join(modules, "raknet-native");
-keep(native, (name) => !["raknet", "src", "test"].includes(name));
-keep(path.join(native, "prebuilds"), (name) => name.startsWith(`${process.platform}-`) && name.endsWith(`-${process.arch}`));
+// Of the native RakNet what was built for this kind of machine. It goes where it is found under any release of the kernel;
+// by the package's own rule it would be found under that of its build alone.
+const native = path.join(modules, "raknet-native"), prebuilds = path.join(native, "prebuilds");
+const built = readdirSync(prebuilds).find((name) => name.startsWith(`${process.platform}-`) && name.endsWith(`-${process.arch}`));
+keep(native, (name) => !["raknet", "src", "test", "build"].includes(name));
+if (built) {
+  mkdirSync(path.join(native, "build/Release"), { recursive: true });
+  renameSync(path.join(prebuilds, built, "node-raknet.node"), path.join(native, "build/Release/node-raknet.node"));
+}
+keep(prebuilds, () => false);
 
 // Of the packages those of which anything is loaded.
 const require = createRequire(path.join(here, "package.json"));

@@ -62,7 +62,13 @@ encryption.createEncryptor = (client, iv) => {
   const key = client.secretKeyBytes, cipher = createCipheriv("aes-256-gcm", key, iv.subarray(0, 12));
   let counter = 0n;
   return (batch) => {
-    const packets = deflateRawSync(batch, { level });
-    client.sendMCPE(Buffer.concat([Buffer.of(client.batchHeader), cipher.update(packets), cipher.update(checksum(packets, counter++, key))]), true);
+    const packets = deflateRawSync(batch, { level }), sum = checksum(packets, counter++, key);
+    const bytes = Buffer.concat([Buffer.of(client.batchHeader), cipher.update(packets), cipher.update(sum)]);
+    if (client.connection.connected === false || client.status === 0) return;
+    try {
+      client.connection.sendReliable(bytes, true);
+    } catch (error) {
+      client.emit("error", error);  // with one batch lost nothing behind it could be read
+    }
   };
 };

@@ -4,7 +4,7 @@ import { readstrictly, require, shield, version } from "./strict.mjs";
 
 const { createClient } = require("bedrock-protocol/src/createClient");
 
-const patience = 10_000;
+const patience = 20_000;
 const origin = { type: "player", uuid: "00000000-0000-0000-0000-000000000001", request_id: "", player_entity_id: undefined };
 
 export class Player {
@@ -93,7 +93,8 @@ export class Player {
     return new Promise((done, failed) => {
       const over = setTimeout(() => {
         this.#waiting.delete(look);
-        failed(new Error(`${this.name} waits in vain until ${what}; he heard ${JSON.stringify(this.heard.slice(-5))}, ${this.gone ?? "and is there"}`));
+        const seen = `he heard ${JSON.stringify(this.heard.slice(-5))}, was sent ${JSON.stringify(this.packets)}`;
+        failed(new Error(`${this.name} waits in vain until ${what}; ${seen}, ${this.gone ?? "and is there"}`));
       }, patience);
       const look = () => {
         const found = holds();
