@@ -13,11 +13,11 @@ const root = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../..")
 export const program = path.resolve(process.env.ORDOMART_SERVER ?? path.join(root, "build/dev/ordomart-server"));
 
 // A program, when it has said what it says once it runs.
-async function runs(command, words, pattern, patience = 20_000) {
+async function runs(command, words, pattern) {
   const child = spawn(command, words, { stdio: ["pipe", "pipe", "pipe"] });
   const said = [];
   const ended = once(child, "exit").then(([code, signal]) => code ?? signal);
-  const impatience = setTimeout(() => child.kill(), patience);
+  const impatience = setTimeout(() => child.kill(), 30_000);
   const match = await new Promise((found, failed) => {
     for (const stream of [child.stdout, child.stderr])
       createInterface({ input: stream }).on("line", (line) => {
@@ -58,9 +58,9 @@ export class Stage {
     [, this.origin, this.token] = this.server.match;
   }
 
-  async startgateway(more = this.gatewaywords, patience = undefined) {
+  async startgateway(more = this.gatewaywords, says = /is open/) {
     const main = path.join(root, "gateway/main.js");
-    this.gateway = await runs(process.execPath, [main, "--directory", this.directory, "--port", String(this.port), "--host", "127.0.0.1", ...more], /is open/, patience);
+    this.gateway = await runs(process.execPath, [main, "--directory", this.directory, "--port", String(this.port), "--host", "127.0.0.1", ...more], says);
   }
 
   async call(method, part, body) {
