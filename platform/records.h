@@ -27,6 +27,16 @@ public:
     // The keys of a table from one on (the empty text: from the first), in the order of their bytes, at most so many.
     [[nodiscard]] virtual std::vector<std::string> keys(const std::string& table, const std::string& from,
                                                         std::size_t most) = 0;
+    // The rows of a table from one key on up to another, which is not among them (the empty text: to the end), at most
+    // so many: the first ones, or backwards the last ones, the last in front. As they stand by now, written or not.
+    struct Row {
+        std::string key, bytes;
+    };
+    struct Range {
+        std::string from = {}, until = {};
+    };
+    [[nodiscard]] virtual std::vector<Row> rows(const std::string& table, const Range& keys, std::size_t most,
+                                                bool backwards = false) = 0;
     // False while what was put there has yet to be written.
     [[nodiscard]] virtual bool written(const std::string& table, const std::string& key) const = 0;
 };

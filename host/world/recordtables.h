@@ -19,6 +19,8 @@ public:
     [[nodiscard]] std::optional<std::string> get(const std::string& table, const std::string& key) override;
     [[nodiscard]] std::vector<std::string> keys(const std::string& table, const std::string& from,
                                                 std::size_t most) override;
+    [[nodiscard]] std::vector<Row> rows(const std::string& table, const Range& keys, std::size_t most,
+                                        bool backwards) override;
     [[nodiscard]] bool written(const std::string& table, const std::string& key) const override;
 
     [[nodiscard]] bool changed() const override { return !unwritten_.empty(); }

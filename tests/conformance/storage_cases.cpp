@@ -104,6 +104,12 @@ TEST_P(Conformance, RecordsStandAsTheyWerePutAndAreWrittenOnceAPass) {
     const auto puts = [&](const std::string& key, const std::string& bytes) {
         records->put("suite", key, [&asked, bytes] { return ++asked, bytes; });
     };
+    // The rows of a range as text.
+    const auto rows = [&](const platform::Records::Range& range, std::size_t most, bool backwards = false) {
+        std::string all;
+        for (const auto& [key, bytes] : records->rows("suite", range, most, backwards)) all += key + "=" + bytes + " ";
+        return all;
+    };
     const std::string binary("\0\xff'", 3);
     server->onserver([&] {
         records = server->services().records;
@@ -135,6 +141,17 @@ TEST_P(Conformance, RecordsStandAsTheyWerePutAndAreWrittenOnceAPass) {
         EXPECT_EQ(records->keys("suite", "", 2), (Keys{"a", "b"}));
         EXPECT_EQ(records->keys("suite", "aa", 9), (Keys{"b", "d"}));
         EXPECT_TRUE(records->keys("nothing", "", 9).empty());
+        // Some of it is on the disk, some has changed or is new, one has gone.
+        puts("a", "second");
+        const std::string first = "a=second ", middle = "b=" + binary + " ", last = "d=new ";
+        EXPECT_EQ(rows({}, 9), first + middle + last);
+        EXPECT_EQ(rows({}, 9, true), last + middle + first);
+        EXPECT_EQ(rows({}, 2), first + middle);
+        EXPECT_EQ(rows({}, 1, true), last);
+        EXPECT_EQ(rows({"aa", "d"}, 9), middle) << "up to a key, without it";
+        EXPECT_EQ(rows({"a", "d"}, 1, true), middle);
+        EXPECT_EQ(rows({"d", "a"}, 9), "");
+        EXPECT_TRUE(records->rows("nothing", {}, 9).empty());
     });
     server->ticks(1);
     server->onserver([&] { EXPECT_EQ(records->keys("suite", "", 9), (Keys{"a", "b", "d"})); });

@@ -125,6 +125,14 @@ public:
             found.push_back(place->first);
         return found;
     }
+    std::vector<Row> rows(const std::string& table, const Range& keys, std::size_t most, bool backwards) override {
+        std::vector<Row> found;
+        for (const auto& [key, bytes] : tables[table])
+            if (key >= keys.from && (keys.until.empty() || key < keys.until)) found.push_back({key, bytes});
+        if (backwards) std::ranges::reverse(found);
+        found.resize(std::min(found.size(), most));
+        return found;
+    }
     bool written(const std::string& table, const std::string& key) const override {
         const auto found = pending_.find({table, key});
         return found == pending_.end() || !found->second;
