@@ -5,14 +5,19 @@
 #include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <span>
 #include <sstream>
 
 #include "platform/files.h"
 #include "platform/host.h"
 #include "plugin/base/directories.h"
+#include "plugin/base/extras.h"
 #include "plugin/base/globals.h"
 
 namespace ordomart {
+
+std::int64_t ledgerdays = 400;
+bool awaymessage = true;
 
 namespace {
 
@@ -60,6 +65,58 @@ constexpr settingrow settings[] = {
     asis<banshopitem>("banshopitem"),       asis<scoremoneyname>("scoremoneyname"),
     number<debugmode>("debugmode"),         asis<enablesystemshopinglobalshop>("enablesystemshopinglobalshop")};
 
+constexpr settingrow extras[] = {number<ledgerdays>("ledgerdays"), asis<awaymessage>("awaymessage")};
+constexpr std::int64_t leastdays = 1, mostdays = 36500;
+
+void readrows(const json& document, std::span<const settingrow> rows) {
+    if (!document.is_object())
+        throw configerror(fmt::format("the settings must be an object, but they are {}", document.type_name()));
+    for (const settingrow& row : rows) {
+        const auto found = document.find(row.key);
+        if (found == document.end()) continue;
+        try {
+            row.read(*found);
+        } catch (const json::exception& e) {
+            throw configerror(fmt::format("key \"{}\": {}", row.key, e.what()));
+        }
+    }
+}
+
+void writerows(const std::string& path, std::span<const settingrow> rows) {
+    json document;
+    for (const settingrow& row : rows) document[row.key] = row.write();
+    if (!host().files->replace(path, document.dump(4))) logger.warn("Can't open file {}", path);
+}
+
+// `read` takes the document over; a file that is missing is made.
+void loadrows(const std::string& path, std::span<const settingrow> rows, void (*read)(const json&)) {
+    Files& files = *host().files;
+    const auto text = files.read(path);
+    if (!text) {
+        // Somebody's settings that cannot be read just now; the defaults would take their place for good.
+        if (files.exists(path)) throw configerror(path + ": the file is there, but cannot be read");
+        if (rows.data() == settings) logger.warn("Can't open file {},try load default setting...", path);
+        return writerows(path, rows);
+    }
+    try {
+        // As a stream, so that text behind the object does not matter.
+        std::istringstream in(*text);
+        json document;
+        in >> document;
+        read(document);
+    } catch (const std::exception& e) {
+        throw configerror(fmt::format("{}: {}", path, e.what()));
+    }
+    writerows(path, rows);
+}
+
+void readextras(const json& document) {
+    readrows(document, extras);
+    if (ledgerdays < leastdays || ledgerdays > mostdays)
+        throw configerror(
+            fmt::format("key \"ledgerdays\": {} is not between {} and {}", ledgerdays, leastdays, mostdays));
+}
+
 // A rough test: two bytes in a row beyond ASCII, up to the first zero byte.
 bool looksmultibyte(const std::string& name) {
     const auto high = [](char c) { return (static_cast<unsigned char>(c) & 0x80U) != 0; };
@@ -78,48 +135,19 @@ void loadconfig(const std::string& path) {
         files.makeDirectory(paths::data);
         files.makeDirectory(paths::log);
     }
-    const auto text = files.read(path);
-    if (!text) {
-        // Somebody's settings that cannot be read just now; the defaults would take their place for good.
-        if (files.exists(path)) throw configerror(path + ": the file is there, but cannot be read");
-        logger.warn("Can't open file {},try load default setting...", path);
-        writeconfig(path);
-        return;
-    }
-    try {
-        // As a stream, so that text behind the object does not matter.
-        std::istringstream in(*text);
-        json document;
-        in >> document;
-        readconfig(document);
-    } catch (const std::exception& e) {
-        throw configerror(fmt::format("{}: {}", path, e.what()));
-    }
-    writeconfig(path);
+    loadrows(path, settings, &readconfig);
 }
 
+void loadextras(const std::string& path) { loadrows(path, extras, &readextras); }
+
 void readconfig(const json& document) {
-    if (!document.is_object())
-        throw configerror(fmt::format("the settings must be an object, but they are {}", document.type_name()));
-    for (const settingrow& row : settings) {
-        const auto found = document.find(row.key);
-        if (found == document.end()) continue;
-        try {
-            row.read(*found);
-        } catch (const json::exception& e) {
-            throw configerror(fmt::format("key \"{}\": {}", row.key, e.what()));
-        }
-    }
+    readrows(document, settings);
     if (looksmultibyte(scoremoneyname)) {
         logger.warn("you should never set scoremoneyname to a Chinese name!");
         scoremoneyname = "money";
     }
 }
 
-void writeconfig(const std::string& path) {
-    json document;
-    for (const settingrow& row : settings) document[row.key] = row.write();
-    if (!host().files->replace(path, document.dump(4))) logger.warn("Can't open file {}", path);
-}
+void writeconfig(const std::string& path) { writerows(path, settings); }
 
 }  // namespace ordomart

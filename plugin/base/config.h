@@ -15,6 +15,7 @@ public:
 };
 
 void loadconfig(const std::string& path);
+void loadextras(const std::string& path);  // the other file, by the same rules
 // Copies the keys that are present into the settings.
 void readconfig(const nlohmann::json& json);
 void writeconfig(const std::string& path);

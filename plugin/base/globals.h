@@ -39,6 +39,7 @@ inline const std::string base = "plugins/Ordomart/";
 inline const std::string data = base + "data/";
 inline const std::string log = base + "log/";
 inline const std::string config = base + "config.json";
+inline const std::string extras = base + "extras.json";
 inline const std::string langs = base + "langs.json";
 inline const std::string simpletrade = base + "simpletrade.log";
 }  // namespace paths

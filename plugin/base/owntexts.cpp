@@ -22,6 +22,14 @@ constexpr struct {
      "有{0}组物品目前无法在本服务器上领取，仍保留在该回收委托中。"},
     {owntext::offmoneystays, "Your offline money could not be paid out. It stays where it is; please try again later.",
      "离线金钱暂时无法领取，仍为你保留，请稍后再试。"},
+    {owntext::awaytitle, "§eWhile you were away:§r", "§e你离开期间：§r"},
+    {owntext::awaysales, "Your shop sold {1} pieces in {0} trades: §a+ {2}§r {3}",
+     "你的商店成交{0}笔，售出{1}件，收入§a{2}§r{3}"},
+    {owntext::awaypurchases, "Your commissions took in {1} pieces in {0} trades, paid with {2} {3} of your deposits",
+     "你的回收委托成交{0}笔，收到{1}件，从押金中支付{2}{3}"},
+    {owntext::awaysoldout, "Sold out: {0}", "已售罄：{0}"},
+    {owntext::awayfull, "Complete, ready to be picked up: {0}", "已收满，可以领取：{0}"},
+    {owntext::andmore, "{0} and {1} more", "{0}等，另有{1}项"},
 };
 
 }  // namespace

@@ -13,6 +13,14 @@ inline constexpr const char* slotschanged = "recycleshop.error.slotchanged";
 inline constexpr const char* toomanypieces = "trade.error.toomany";
 inline constexpr const char* stackskept = "myrecycleshop.pickupitem.kept";  // {0}: how many
 inline constexpr const char* offmoneystays = "getoffmoney.refused";
+// ---- the ledger
+inline constexpr const char* awaytitle = "ledger.away.title";
+// {0}: trades, {1}: pieces, {2}: money, {3}: its name
+inline constexpr const char* awaysales = "ledger.away.sales";
+inline constexpr const char* awaypurchases = "ledger.away.purchases";
+inline constexpr const char* awaysoldout = "ledger.away.soldout";  // {0}: titles
+inline constexpr const char* awayfull = "ledger.away.full";        // {0}: titles
+inline constexpr const char* andmore = "ledger.andmore";           // {0}: titles, {1}: how many more
 }  // namespace owntext
 
 // The fixed tables and these rows. Any thread.

@@ -34,6 +34,11 @@ struct payment {
     std::int64_t amount;
     std::string note = {};
     std::int64_t fee = 0;
+    transferred* told = nullptr;
+
+    void tell(std::int64_t paid, std::int64_t charged) const {
+        if (told != nullptr) *told = {paid, charged};
+    }
 };
 
 std::string named(const std::string& xuid) { return issystem(xuid) ? "SYSTEM" : xuid; }
@@ -86,6 +91,7 @@ std::int64_t feeinlibrary(const payment& p) {
 moneyrefusal transferinlibrary(const payment& p) {
     const auto party = [](const std::string& xuid) { return issystem(xuid) ? std::string() : xuid; };
     const std::int64_t fee = feeinlibrary(p), rest = p.amount - p.fee;
+    p.tell(fee + std::max<std::int64_t>(rest, 0), fee);
     if (fee != 0)
         if (auto refused = moneylibrary::reduce(p.from, fee)) return refused;
     if (rest < 0) return {};
@@ -106,6 +112,7 @@ moneyrefusal half(const char* what, std::int64_t amount, const std::string& xuid
 }
 
 moneyrefusal transferinscores(const payment& p) {
+    p.tell(p.amount, p.fee);
     // Both accounts are there before either is changed.
     std::optional<scoreaccount> payer, payee;
     if (!issystem(p.from)) payer = accountof(p.from, taking.operation, "operator");
@@ -169,8 +176,9 @@ std::int64_t transferfee(std::int64_t amount, int percent) {
     return fee != 0 ? fee : 1;
 }
 
-bool createmoneyTrans(const std::string& from, const std::string& to, std::int64_t amount, const std::string& note) {
-    const bool done = moved({from, to, amount, note, transferfee(amount, tax)},
+bool createmoneyTrans(const std::string& from, const std::string& to, std::int64_t amount, const std::string& note,
+                      transferred* told) {
+    const bool done = moved({from, to, amount, note, transferfee(amount, tax), told},
                             moneymode == 1 ? &transferinlibrary : &transferinscores);
     // The money has moved, whatever becomes of the line.
     if (done && moneymode != 1 && !issystem(to)) envelope([&] { writepayline(from, amount, to, note); });

@@ -36,8 +36,14 @@ extern bool offlinenbtlookup;
 // `percent` of the amount, towards zero; at least 1 with any tax, for an amount of 0 too.
 [[nodiscard]] std::int64_t transferfee(std::int64_t amount, int percent);
 
+// What a transfer has moved: what left the payer, and what of it the receiver does not get. A receiver on the
+// scoreboard may be asked for the fee of a payment of nothing: then the fee is more than what was paid.
+struct transferred {
+    std::int64_t paid = 0, fee = 0;
+};
+
 // Moves the amount, less the tax. Does not check the balance, which the library does and a scoreboard does not.
 [[nodiscard]] bool createmoneyTrans(const std::string& from, const std::string& to, std::int64_t amount,
-                                    const std::string& note);
+                                    const std::string& note, transferred* told = nullptr);
 
 }  // namespace ordomart

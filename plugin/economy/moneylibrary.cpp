@@ -34,6 +34,7 @@ entrypoint<platform::llmoney::Get> llmoneyget{"LLMoneyGet"};
 entrypoint<platform::llmoney::Trans> llmoneytrans{"LLMoneyTrans"};
 entrypoint<platform::llmoney::Reduce> llmoneyreduce{"LLMoneyReduce"};
 entrypoint<platform::llmoney::Add> llmoneyadd{"LLMoneyAdd"};
+entrypoint<platform::llmoney::GetHist> llmoneygethist{"LLMoneyGetHist"};
 entrypoint<platform::llmoney::LastError> llmoneylasterror{"LLMoneyLastError"};
 
 // Why the last call did not work; empty when it did, or when the library does not tell.
@@ -62,7 +63,7 @@ bool bind() {
     llmoneytrans.bind(library);
     llmoneyreduce.bind(library);
     llmoneyadd.bind(library);
-    drop("LLMoneyGetHist");
+    llmoneygethist.bind(library);
     drop("LLMoneyClearHist");
     llmoneylasterror.bind(library);
     return true;
@@ -75,6 +76,11 @@ std::optional<std::int64_t> get(const std::string& xuid) {
     if (why.empty()) return balance;
     logger.error("The balance of {} cannot be read: {}", xuid, why);
     return {};
+}
+std::optional<std::vector<platform::llmoney::Record>> history(const std::string& xuid, std::int64_t since) {
+    std::vector<platform::llmoney::Record> found;
+    if (llmoneygethist.function == nullptr || !llmoneygethist.function(xuid, since, found)) return std::nullopt;
+    return found;
 }
 moneyrefusal trans(const std::string& from, const std::string& to, std::int64_t value, const std::string& note) {
     return refusalof(llmoneytrans, from, to, value, note);

@@ -4,10 +4,12 @@
 #include "platform/host.h"
 #include "platform/player.h"
 #include "platform/scoreboard.h"
+#include "plugin/base/guards.h"
 #include "plugin/chestmenu/listeners.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/objectives.h"
 #include "plugin/economy/offlinemoney.h"
+#include "plugin/ledger/away.h"
 #include "plugin/shopsystem/listbuilders.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
@@ -34,6 +36,7 @@ bool onplayerjoin(const Event::PlayerJoinEvent& event) {
     if (player.getXuid().empty()) return true;
     getplayershopstate(player.getXuid()).setatjoin(player.getDeviceType());
     if (moneymode == 0) preparescores(player);
+    envelope([&] { ledger::tellaway(player); });
     return true;
 }
 

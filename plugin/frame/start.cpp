@@ -2,10 +2,12 @@
 #include "platform/event.h"
 #include "platform/schedule.h"
 #include "plugin/base/config.h"
+#include "plugin/base/guards.h"
 #include "plugin/economy/economymanager.h"
 #include "plugin/errands/updatecheck.h"
 #include "plugin/frame/command.h"
 #include "plugin/frame/events.h"
+#include "plugin/ledger/ledger.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/shoprecords.h"
 
@@ -29,11 +31,14 @@ void PluginInit() {
     startupdatecheck();
     RegisterCommands();
     loadconfig(paths::config);
+    loadextras(paths::extras);
     if (debugmode == 0) debuglogger.consolelevel = 0;
     Logger::setDefaultFile(paths::simpletrade, true);
     bindeconomy();
     bringinrecords();
+    envelope(&ledger::start);
     Schedule::repeat([] { globalruntimeshopmanager.tick(); }, tickperiod);
+    Schedule::repeat(&ledger::thin, tickperiod);
     Event::EventManager<Event::PlayerLeftEvent>::addEventListener(&onplayerleft);
     Event::EventManager<Event::PlayerJoinEvent>::addEventListener(&onplayerjoin);
     Event::EventManager<Event::ServerStoppingEvent>::addEventListener(&onserverstopping);

@@ -12,6 +12,7 @@
 #include "plugin/economy/marketopen.h"
 #include "plugin/economy/paynotes.h"
 #include "plugin/formparts/formtools.h"
+#include "plugin/ledger/ledger.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/trade/commissionsteps.h"
@@ -97,6 +98,21 @@ void takeform(recycleshopitem& item, const recycleshopitem& form) {
     item = std::move(changed);
 }
 
+// What of the deposit or of the stacks that wait has moved, and nothing where nothing has.
+void enter(ledger::kind what, const Player& player, const recycleshop& shop, const std::string& itemnbt,
+           const std::optional<ledger::rowstate>& before, const std::optional<ledger::rowstate>& after,
+           const ledger::happening& moved) {
+    if (before == after) return;
+    auto told = moved;
+    told.what = what;
+    told.actor = player.getXuid();
+    told.byoperator = isoperator(player);
+    told.itemnbt = itemnbt;
+    told.before = before;
+    told.after = after;
+    ledger::write(shop, told);
+}
+
 // What somebody has paid of the deposit and can be paid back.
 std::int64_t paidof(const recycleshopitem& item) {
     const auto whole = std::max<std::int64_t>(deposit(item), 0);
@@ -170,6 +186,11 @@ ownerresult publishcommission(ServerPlayer* player, const std::string& shopxuid,
     if (!shop.recycleitems.is_array()) shop.recycleitems = json::array();
     shop.recycleitems.push_back(std::move(record));
     finish(player, shop);
+    enter(ledger::kind::publish, *player, shop, published.itemnbt, {}, ledger::stateof(published),
+          {.pieces = published.recycleitemleftwanna,
+           .price = published.offer,
+           .paid = result.charged - (result.ischarged ? fee : 0),
+           .fee = result.ischarged ? fee : 0});
     if (!isoperator(*player)) writepublishlines(xuid, deposit(wanted), fee);
     return result;
 }
@@ -184,6 +205,7 @@ ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, 
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (const refusal why = staleness(shop, index, revision); why != refusal::none) return refused(why);
     recycleshopitem item = shop.getrecycleitem(index);
+    const auto before = ledger::stateof(item);
     const bool ends = wanted.recycleitemleftwanna == 0;
     const store parted = ends ? partstore(item) : store();
     ownerresult result = settle(player, item, wanted);
@@ -204,6 +226,9 @@ ownerresult adjustcommission(ServerPlayer* player, const std::string& shopxuid, 
     }
     if (ends) handover(player, parted, result);
     finish(player, shop);
+    enter(ledger::kind::adjust, *player, shop, item.itemnbt, before,
+          result.ended ? std::nullopt : std::optional(ledger::stateof(item)),
+          {.pieces = result.pieces, .price = wanted.offer, .paid = result.charged - result.received});
     return result;
 }
 
@@ -212,12 +237,14 @@ ownerresult pickupcommission(ServerPlayer* player, const std::string& shopxuid, 
     recycleshop& shop = globalruntimeshopmanager.getrecycleshop(shopxuid);
     if (const refusal why = staleness(shop, index, revision); why != refusal::none) return refused(why);
     recycleshopitem item = shop.getrecycleitem(index);
+    const auto before = ledger::stateof(item);
     const store parted = partstore(item);
     keepelsewhere(item, parted);
     writeback(shop, index, item);
     ownerresult result;
     handover(player, parted, result);
     finish(player, shop);
+    enter(ledger::kind::pickup, *player, shop, item.itemnbt, before, ledger::stateof(item), {.pieces = result.pieces});
     return result;
 }
 

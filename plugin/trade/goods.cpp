@@ -9,6 +9,7 @@
 #include "plugin/economy/paynotes.h"
 #include "plugin/formparts/formtools.h"
 #include "plugin/formparts/rememberedslots.h"
+#include "plugin/ledger/ledger.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
@@ -37,6 +38,21 @@ json recordof(const shopitem& item) {
 void finish(ServerPlayer* player, sellshop& shop) {
     shop.markshopchanged();
     envelope([&] { player->refreshInventory(); });
+}
+
+// What of the stock has moved, and nothing where nothing has.
+void enter(ledger::kind what, const Player& player, const sellshop& shop, const std::string& itemnbt,
+           const std::optional<ledger::rowstate>& before, const std::optional<ledger::rowstate>& after,
+           std::int64_t pieces, std::int64_t fee = 0) {
+    if (before == after && fee == 0) return;
+    ledger::write(shop, {.what = what,
+                         .actor = player.getXuid(),
+                         .byoperator = isoperator(player),
+                         .itemnbt = itemnbt,
+                         .pieces = pieces,
+                         .fee = fee,
+                         .before = before,
+                         .after = after});
 }
 
 // Both kinds of shop bear their own flag.
@@ -74,7 +90,10 @@ ownerresult uploadgood(ServerPlayer* player, const std::string& shopxuid, const 
                  : !isbelow(wanted.price, uploadpricelimit) ? refusal::badnumbers
                  : isempty                                  ? refusal::slotsempty
                                                             : refusal::none;
-    if (!result.ok()) return result;
+    if (!result.ok()) {
+        enter(ledger::kind::keptfee, *player, shop, shown, {}, {}, 0, result.charged);
+        return result;
+    }
 
     shopitem item = wanted;
     item.itemnbt = shown;
@@ -84,6 +103,7 @@ ownerresult uploadgood(ServerPlayer* player, const std::string& shopxuid, const 
     from.take(*player, item.shopitemleftnum);
     result.pieces = item.shopitemleftnum;
     finish(player, shop);
+    enter(ledger::kind::upload, *player, shop, item.itemnbt, {}, ledger::stateof(item), result.pieces, result.charged);
     return result;
 }
 
@@ -113,6 +133,8 @@ ownerresult adjustgood(ServerPlayer* player, const goodsnapshot& at, const shopi
         shop.items[place] = recordof(after);
     givepieces(player, item, result.pieces);
     finish(player, shop);
+    enter(ledger::kind::taken, *player, shop, before.itemnbt, ledger::stateof(before),
+          result.ended ? std::nullopt : std::optional(ledger::stateof(after)), result.pieces);
     return result;
 }
 
@@ -131,6 +153,7 @@ ownerresult replenishgood(ServerPlayer* player, const goodsnapshot& at, const st
     auto& shop = globalruntimeshopmanager.getsellshop(at.shopxuid);
     if (const auto why = staleness(shop, at); why != refusal::none) return refused(why);
     shopitem item = shop.getshopitem(at.index);
+    const auto before = ledger::stateof(item);
     // A file may hold less than nothing, and what he puts in must not vanish in it.
     item.shopitemleftnum = std::max(item.shopitemleftnum, 0);
     ownerresult result;
@@ -146,6 +169,7 @@ ownerresult replenishgood(ServerPlayer* player, const goodsnapshot& at, const st
     }
     shop.items[static_cast<std::size_t>(at.index)] = recordof(item);
     finish(player, shop);
+    enter(ledger::kind::replenish, *player, shop, item.itemnbt, before, ledger::stateof(item), result.pieces);
     return result;
 }
 
@@ -154,8 +178,13 @@ ownerresult setstock(ServerPlayer* player, const goodsnapshot& at, std::int32_t 
     if (const auto why = mayact(*player, at.shopxuid); why != refusal::none) return refused(why);
     auto& shop = globalruntimeshopmanager.getsellshop(at.shopxuid);
     if (const auto why = staleness(shop, at); why != refusal::none) return refused(why);
+    const auto item = shop.getshopitem(at.index);
     shop.items[static_cast<std::size_t>(at.index)]["shopitemleftnum"] = std::max(stock, 0);
     finish(player, shop);
+    auto after = ledger::stateof(item);
+    after.left = std::max(stock, 0);
+    enter(ledger::kind::setstock, *player, shop, item.itemnbt, ledger::stateof(item), after,
+          after.left - item.shopitemleftnum);
     return {};
 }
 

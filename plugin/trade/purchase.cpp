@@ -11,6 +11,7 @@
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/marketopen.h"
 #include "plugin/formparts/formtools.h"
+#include "plugin/ledger/ledger.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/tradelog.h"
 #include "plugin/trade/faces.h"
@@ -70,14 +71,33 @@ bool isasoffered(const shopitem& entry, const shopitem& offered) {
     return entry.shopitemleftnum == offered.shopitemleftnum && entry.price == offered.price;
 }
 
+void enter(const ServerPlayer* player, const sellshop& shop, const purchase& bought, const shopitem& entry,
+           const transferred& money) {
+    const auto before = ledger::stateof(entry);
+    auto after = before;
+    if (!shop.isopshop) after.left -= bought.quantity;
+    ledger::write(shop, {.what = ledger::kind::purchase,
+                         .actor = player->getXuid(),
+                         .itemnbt = entry.itemnbt,
+                         .pieces = bought.quantity,
+                         .price = bought.offered.realprice,
+                         .paid = money.paid,
+                         .fee = money.fee,
+                         .before = before,
+                         .after = after,
+                         .title = entry.shopitemname});
+}
+
 // Behind the payment: stock and counters, then the goods, and what can only be told last.
-void settle(ServerPlayer* player, sellshop& shop, const purchase& bought, const ItemStack& item, const json& record) {
+void settle(ServerPlayer* player, sellshop& shop, const purchase& bought, const shopitem& entry, const ItemStack& item,
+            const transferred& money, const json& record) {
     if (!shop.isopshop)
         shop.items[static_cast<std::size_t>(bought.index)]["shopitemleftnum"] =
             bought.offered.shopitemleftnum - bought.quantity;
     countup(shop.sellcount, bought.quantity);
     countup(shop.salesvolume, bought.total);
     shop.markshopchanged();
+    enter(player, shop, bought, entry, money);
     givepieces(player, item, bought.quantity);
     envelope([&] { shop.writetradelog(record); });
     envelope([&] { player->refreshInventory(); });
@@ -100,6 +120,11 @@ refusal buy(ServerPlayer* player, purchase& wanted) {
     if (!checkrawitemvalid(item)) {
         shop.items.erase(static_cast<std::size_t>(wanted.index));
         shop.markshopchanged();
+        ledger::write(shop, {.what = ledger::kind::broken,
+                             .actor = player->getXuid(),
+                             .itemnbt = entry.itemnbt,
+                             .pieces = entry.shopitemleftnum,
+                             .before = ledger::stateof(entry)});
         return refusal::itembroken;
     }
     if (entry.itemnbt != wanted.offered.itemnbt) return refusal::shopchanged;
@@ -110,9 +135,10 @@ refusal buy(ServerPlayer* player, purchase& wanted) {
     wanted.message = tradesentence(shop.ownerlang, purchasesentence, player->getRealName(), wanted.total,
                                    itemtext(item, wanted.language, wanted.quantity), shop.shopname);
     const auto note = "buy item :" + itemtext(item, I18n::currentlanguage(), wanted.quantity);
-    if (!createmoneyTrans(player->getXuid(), shop.isopshop ? "0" : wanted.shopxuid, wanted.total, note))
+    transferred money;
+    if (!createmoneyTrans(player->getXuid(), shop.isopshop ? "0" : wanted.shopxuid, wanted.total, note, &money))
         return refusal::paymentrefused;
-    settle(player, shop, wanted, item, record);
+    settle(player, shop, wanted, entry, item, money, record);
     return refusal::none;
 }
 

@@ -7,6 +7,7 @@
 #include "plugin/economy/economymanager.h"
 #include "plugin/economy/marketopen.h"
 #include "plugin/formparts/rememberedslots.h"
+#include "plugin/ledger/ledger.h"
 #include "plugin/shopsystem/tradelog.h"
 #include "plugin/trade/commissions.h"
 #include "plugin/trade/commissionsteps.h"
@@ -56,11 +57,14 @@ ownerresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recy
 
     ownerresult result;
     result.slotschanged = now.changed;
+    const auto before = ledger::stateof(working);
     std::vector<slotcount> leaving;
+    std::vector<std::pair<std::string, std::int64_t>> piles;
     for (const auto& [slot, offered] : now.held) {
         if (working.recycleitemleftwanna < 1) break;
         leaving.push_back({slot, putdown(inventory.getItem(slot), offered, !shop.isopshop, working)});
         result.pieces += leaving.back().count;
+        if (ledger::isopen()) piles.emplace_back(itemtosnbt(inventory.getItem(slot)), leaving.back().count);
     }
     result.received = result.pieces * working.offer;
     const json record = recyclingrecord(*player, working, result.pieces, result.received);
@@ -74,6 +78,17 @@ ownerresult takeinitems(ServerPlayer* player, recycleshop& shop, int index, recy
     countup(shop.recycleamount, result.pieces);
     countup(shop.recyclecost, result.received);
     finish(player, shop);
+    if (result.pieces != 0)
+        ledger::write(shop, {.what = ledger::kind::sale,
+                             .actor = player->getXuid(),
+                             .itemnbt = working.itemnbt,
+                             .pieces = result.pieces,
+                             .price = working.offer,
+                             .paid = result.received,
+                             .before = before,
+                             .after = ledger::stateof(working),
+                             .piles = std::move(piles),
+                             .title = working.recycleitemname});
     ordomart::envelope([&] { shop.writetradelog(record); });
     return result;
 }

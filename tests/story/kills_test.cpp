@@ -65,6 +65,7 @@ void play(const json& told) {
     const Report report;
     World world(told["llmoney"], told["directory"].get<std::string>(), told["clock"], told["names"]);
     report.tell({{"picture", world.look()}, {"unwritten", false}});
+    report.tell({{"audit", world.audit()}});
     if (told.contains("point")) killat(world, told["point"], told["count"]);
     world.onanswer = [&](const dialog& asked) { report.tell({{"asked", asked}}); };
     std::mt19937_64 random(told["seed"].get<std::uint64_t>());
@@ -178,6 +179,10 @@ private:
         if (line.contains("asked")) {
             under_.by.asked = line["asked"].get<dialog>();
             return {};
+        }
+        if (line.contains("audit")) {
+            const std::string differs = line["audit"];
+            return differs.empty() ? "" : "the audit behind a kill: " + differs;
         }
         if (line.contains("mended")) {
             known_.first.byrule = false;  // all that has gathered comes to the disk at once, or nothing

@@ -57,6 +57,8 @@ public:
         for (std::size_t who = 0; who < players; ++who)
             if (world_.ishere(who)) (void)world_.pending(who);
         const picture then = std::exchange(now_, world_.look());
+        if (++steps_ % 20 == 0)
+            if (auto differs = world_.audit(); !differs.empty()) return "the audit: " + differs;
         if (o.behind == holds::nothing) return {};
         if (o.behind == holds::everything) return unchanged(o, then);
         deed by = before;
@@ -101,6 +103,7 @@ private:
     const bool llmoney_;
     World world_;
     picture now_;
+    int steps_ = 0;
 };
 
 // The fault, with the steps behind it gone; empty when the story holds.

@@ -6,8 +6,13 @@
 
 namespace {
 void (*showshop)(const std::string& xuid, bool forget, nlohmann::json& seen) = nullptr;
+std::string (*auditmarket)() = nullptr;
+}  // namespace
+extern "C" __attribute__((visibility("default"))) void takeshowshop(decltype(showshop) look,
+                                                                    decltype(auditmarket) audit) {
+    showshop = look;
+    auditmarket = audit;
 }
-extern "C" __attribute__((visibility("default"))) void takeshowshop(decltype(showshop) look) { showshop = look; }
 
 namespace story {
 
@@ -168,6 +173,12 @@ picture World::look() {
         }
     });
     return seen;
+}
+
+std::string World::audit() {
+    std::string lines;
+    stage_.onserver([&] { lines = auditmarket(); });
+    return lines;
 }
 
 // ---- forms

@@ -1,9 +1,12 @@
 // What the module for stories does beside the market: while it is loaded it hands the test program a look at a shop as
-// it stands in the cache, written or not. The look does not change it. The market itself is the same as everywhere.
+// it stands in the cache, written or not, and the market's own audit. Neither changes anything. The market itself is
+// the same as everywhere.
+#include "plugin/ledger/audit.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
 // The test program's.
-extern "C" void takeshowshop(void (*)(const std::string& xuid, bool forget, nlohmann::json& seen));
+extern "C" void takeshowshop(void (*)(const std::string& xuid, bool forget, nlohmann::json& seen),
+                             std::string (*audit)());
 
 namespace {
 
@@ -17,8 +20,15 @@ void showshop(const std::string& xuid, bool forget, nlohmann::json& seen) {
     if (forget) sells.idleticks = recycles.idleticks = shopsystem::maxidleticks;
 }
 
+// A line for each difference.
+std::string audit() {
+    std::string lines;
+    for (const auto& one : ledger::audit([] { return true; }).differences) lines += ledger::lineof(one) + "\n";
+    return lines;
+}
+
 const struct handsover {
-    handsover() { takeshowshop(&showshop); }
+    handsover() { takeshowshop(&showshop, &audit); }
 } atload;
 
 }  // namespace
