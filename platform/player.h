@@ -56,6 +56,8 @@ public:
     [[nodiscard]] virtual CommandPermissionLevel getCommandPermissionLevel() const = 0;
     [[nodiscard]] virtual int getPlayerGameType() const = 0;  // 0 survival, 1 creative
     [[nodiscard]] virtual PlayerInventory& getSupplies() = 0;
+    // The slot of the hotbar that he holds in his hand. A host that does not know says the first.
+    [[nodiscard]] virtual int getSelectedSlot() const { return 0; }
     virtual void drop(const ItemStack& stack) = 0;  // falls at his feet
 
     virtual void sendText(const std::string& text) = 0;        // chat

@@ -21,6 +21,36 @@ inline constexpr const char* awaypurchases = "ledger.away.purchases";
 inline constexpr const char* awaysoldout = "ledger.away.soldout";  // {0}: titles
 inline constexpr const char* awayfull = "ledger.away.full";        // {0}: titles
 inline constexpr const char* andmore = "ledger.andmore";           // {0}: titles, {1}: how many more
+inline constexpr const char* enchantedname = "ledger.enchanted";   // {0}: an item's name
+inline constexpr const char* pricestitle = "ledger.prices.title";  // {0}: the item, {1}: the money's name
+inline constexpr const char* pricesdays = "ledger.prices.days";    // {0}: how many
+inline constexpr const char* pricesline =
+    "ledger.prices.line";  // {0}: days, middle, lowest, highest, trades, pieces, money
+inline constexpr const char* pricesnone = "ledger.prices.none";  // {0}: days
+inline constexpr const char* pricesnever = "ledger.prices.never";
+inline constexpr const char* pricesoffers = "ledger.prices.offers";
+inline constexpr const char* pricescommissions = "ledger.prices.commissions";
+inline constexpr const char* pricesoffer = "ledger.prices.offer";      // {0}: price, {1}: pieces, {2}: shop
+inline constexpr const char* pricesunknown = "ledger.prices.unknown";  // {0}: as typed
+inline constexpr const char* pricesempty = "ledger.prices.empty";
+inline constexpr const char* noledger = "ledger.missing";
+inline constexpr const char* undoaway = "ledger.undo.away";      // {0}: player
+inline constexpr const char* undopieces = "ledger.undo.pieces";  // {0}: player, {1} of {2} pieces, {3}: item
+inline constexpr const char* undomoney = "ledger.undo.money";    // {0}: player, has {1} of {2}, {3}: the money's name
+inline constexpr const char* undostored = "ledger.undo.stored";  // {0}: owner, {1} of {2} pieces, {3}: item
+inline constexpr const char* undocommission = "ledger.undo.commission";  // {0}: item, {1}: offer
+inline constexpr const char* undooffer = "ledger.undo.offer";            // {0}: item, {1}: offer
+inline constexpr const char* undounknown = "ledger.undo.unknown";        // {0}: item
+inline constexpr const char* undonone = "ledger.undo.none";              // {0}: number
+inline constexpr const char* undonotrade = "ledger.undo.notrade";        // {0}: number, {1}: kind
+inline constexpr const char* undotwice = "ledger.undo.twice";            // {0}: number, {1}: of the entry that did it
+// {0}: number, {1}: pieces, {2}: item, {3}: money, {4}: its name, {5}: who traded, {6}: whose shop, {7}: of the entry
+inline constexpr const char* undodone = "ledger.undo.done";
+inline constexpr const char* undotold = "ledger.undo.told";
+inline constexpr const char* auditbegins = "ledger.audit.begins";
+inline constexpr const char* auditruns = "ledger.audit.runs";
+inline constexpr const char* auditends = "ledger.audit.ends";  // {0}: entries, {1}: shops, {2}: differences
+inline constexpr const char* auditmore = "ledger.audit.more";  // {0}: how many lines
 }  // namespace owntext
 
 // The fixed tables and these rows. Any thread.

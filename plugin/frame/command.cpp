@@ -11,6 +11,7 @@
 #include "plugin/base/screens.h"
 #include "plugin/economy/offlinemoney.h"
 #include "plugin/forms/openers.h"
+#include "plugin/frame/ledgerwords.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/shopfiles.h"
 
@@ -105,6 +106,23 @@ opresult resetmanage(const call& c) {
     return opresult::opened;
 }
 
+opresult prices(const call& c) {
+    askprices(c.player, c.given.item, c.output);
+    return opresult::opened;
+}
+
+opresult undo(const call& c) {
+    askundo(c.player, c.given.number, c.output);
+    return opresult::opened;
+}
+
+constexpr int accepting = 1;
+
+opresult audit(const call& c) {
+    askaudit(c.player, c.given.option == accepting, c.output);
+    return opresult::opened;
+}
+
 // ---- the words, their place in the grammar, and what they do
 
 struct word {
@@ -135,6 +153,9 @@ constexpr word words[] = {
     {"baseoperation3", "unban", 14, true, &unban, "failed to execute unban"},
     {"manageoption", "manage", 15, true, &manage, "mymanageshop failed"},
     {"manageoption", "resetmanage", 16, true, &resetmanage, ""},
+    {"pricesoperation", "prices", 17, false, &prices, ""},
+    {"undooperation", "undo", 18, true, &undo, ""},
+    {"auditoperation", "audit", 19, true, &audit, ""},
 };
 
 // The bare command is the main menu, with a failure text of its own.
@@ -180,6 +201,12 @@ const std::vector<std::vector<parameter>> overloads = {
      {"bannedtime(seconds)", Kind::Int, "", true, &put<int, &OrdomartCommand::bantime>}},
     {{"manages", Kind::Enum, "manageoption", false, putoperation},
      {"playerxuid|playername", Kind::String, "", true, puttarget}},
+    {{"prices", Kind::Enum, "pricesoperation", false, putoperation},
+     {"item", Kind::String, "", true, &put<std::string, &OrdomartCommand::item>}},
+    {{"undo", Kind::Enum, "undooperation", false, putoperation},
+     {"number", Kind::Int, "", false, &put<int, &OrdomartCommand::number>}},
+    {{"audit", Kind::Enum, "auditoperation", false, putoperation},
+     {"then", Kind::Enum, "auditoption", true, &put<int, &OrdomartCommand::option>}},
 };
 
 const char* const commandname = "ordomart";
@@ -197,6 +224,7 @@ void registerordomart(CommandRegistry& registry) {
         enumerations.back().second.emplace_back(row.text, row.operation);
     }
     enumerations.push_back({"searchtype", {{"sell", sell}, {"recycle", recycle}}});
+    enumerations.push_back({"auditoption", {{"accept", accepting}}});
     for (const auto& [name, members] : enumerations) registry.registerEnum(name, members);
 
     for (const auto& overload : overloads) {

@@ -26,6 +26,8 @@ public:
     std::optional<std::string> banreason;
     std::string filtertext;
     bool searchintag = false, searchindescription = false;
+    std::optional<std::string> item;
+    int number = 0, option = 0;
 };
 
 }  // namespace ordomart
