@@ -32,14 +32,17 @@ TEST(Command, Grammar) {
                             "[searchinitemtag: bool] [searchinitemdesc: bool]",
                             "/ordomart <bans: baseoperation3> <tp: searchtype> <xuid|name: string> "
                             "[banreason: string] [bannedtime(seconds): int]",
-                            "/ordomart <manages: manageoption> [playerxuid|playername: string]"));
+                            "/ordomart <manages: manageoption> [playerxuid|playername: string]",
+                            "/ordomart <prices: pricesoperation> [item: string]",
+                            "/ordomart <undo: undooperation> <number: int>",
+                            "/ordomart <audit: auditoperation> [then: auditoption]"));
     std::vector<std::string> words;
     for (const auto& completion :
          stage.server().commands().complete("ordomart ", platform::CommandPermissionLevel::Any))
         words.push_back(completion.text);
-    EXPECT_THAT(
-        words, ElementsAre("recycle", "buy", "myshop", "myreshop", "filter", "mainmenu", "ordomenu", "formmenu",
-                           "getoffscores", "buybyshop", "rebyshop", "search", "ban", "unban", "manage", "resetmanage"));
+    EXPECT_THAT(words, ElementsAre("recycle", "buy", "myshop", "myreshop", "filter", "mainmenu", "ordomenu", "formmenu",
+                                   "getoffscores", "buybyshop", "rebyshop", "search", "ban", "unban", "manage",
+                                   "resetmanage", "prices", "undo", "audit"));
 }
 
 TEST(Command, WhoMayUseWhat) {

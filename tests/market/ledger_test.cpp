@@ -1,0 +1,503 @@
+// The ledger, seen from the market: what is entered, what players and operators are told out of it, trades taken back,
+// and an audit that finds whatever was changed behind its back.
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <chrono>
+#include <random>
+
+#include "platform/records.h"
+#include "plugin/ledger/audit.h"
+#include "plugin/ledger/ledger.h"
+#include "plugin/ledger/queries.h"
+#include "tests/market/books.h"
+#include "tests/market/forms_stage.h"
+#include "tests/market/shophost.h"
+
+using namespace forms;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+// Ada has goods and a commission, Bob trades with her, Olga is an operator. The clock is the real one, which is what
+// the money library's history goes by.
+struct Market {
+    explicit Market(int percent = 10, bool llmoney = true)
+        : stage({.config = {{"moneymode", llmoney ? 1 : 0}, {"tax", percent}},
+                 .llmoney = llmoney,
+                 .clock = std::chrono::duration_cast<std::chrono::milliseconds>(
+                              std::chrono::system_clock::now().time_since_epoch())
+                              .count()}) {
+        stage.writeshop(ada, {good("apple", 10, 10, "Red apples"), good("bread", 7, 5)},
+                        {commission("stone", 3, 8, "Stones")});
+        stage.writeshop(root, {good("apple", 20, 5, "The state's")}, {commission("apple", 2, 50, "The state's wish")},
+                        {{"isopshop", true}}, {{"isopshop", true}});
+        joins();
+        bob->setmoney(1000).gives(3, "stone", 5).gives(4, "stone", 5);
+        alice->setmoney(100);
+    }
+    void joins() {
+        alice = &stage.join("Alice", ada);
+        bob = &stage.join("Carl", ::bob);
+        olga = &stage.join("Olga", root, "en_US", desktop, 1);
+    }
+    void buys(const std::string& title, int pieces) { trades("Selling shops (form)", title, pieces); }
+    void sells(const std::string& title, int pieces) { trades("Recycle shops (form)", title, pieces); }
+    void trades(const std::string& list, const std::string& title, int pieces) {
+        bob->dismisses().types("ordomart formmenu").presses(list).presses(title);
+        Answers answers;
+        int left = pieces;
+        const json form = bob->form();
+        for (const auto& element : form["content"]) {
+            if (element["type"] == "input") answers.emplace_back(element["text"], std::to_string(pieces));
+            if (element["type"] != "slider") continue;
+            const int some = std::min(left, element["max"].get<int>());
+            answers.emplace_back(element["text"], some);
+            left -= some;
+        }
+        bob->fills(answers).dismisses();
+    }
+    std::string undo(int number) {
+        olga->forgets().types(fmt::format("ordomart undo {}", number));
+        return olga->replies();
+    }
+    // What the audit tells the operator, without the line that ends it.
+    std::string audit(const std::string& then = {}) {
+        olga->forgets().types("ordomart audit" + then);
+        stage.ticks(2);
+        auto told = olga->chat();
+        const auto end = told.find("The audit has ended");
+        EXPECT_NE(end, std::string::npos) << told << olga->replies();
+        return told.substr(0, end);
+    }
+    platform::Records& records() { return *stage.server().services().records; }
+    void changes(std::uint64_t number, const std::function<void(ledger::entry&)>& change) {
+        stage.onserver([&] {
+            auto one = ledger::decode(number, records().get("ledger", ledger::keyof(number)).value());
+            change(one);
+            records().put("ledger", ledger::keyof(number), [bytes = ledger::encode(one)] { return bytes; });
+        });
+    }
+    // "purchase Carl 3*10=30 fee 3"
+    std::vector<std::string> entries() {
+        std::vector<std::string> all;
+        stage.onserver([&] {
+            for (const auto& [key, bytes] : records().rows("ledger", {}, 100)) {
+                const auto one = ledger::decode(ledger::numberof(key), bytes);
+                all.push_back(fmt::format("{} {} {}*{}={} fee {}", ledger::nameof(one.what),
+                                          platform::PlayerInfo::fromXuid(one.actor), one.pieces, one.price, one.paid,
+                                          one.fee));
+            }
+        });
+        return all;
+    }
+    // Money, pieces, stocks and counters; a refused step leaves them, and an undone one brings them back.
+    std::string state() {
+        std::string text;
+        for (const auto& xuid : {ada, ::bob, root}) text += fmt::format("{} ", stage.money(xuid));
+        for (const char* item : {"apple", "stone"})
+            text += fmt::format("{} {} ", bob->counts(std::string("minecraft:") + item), item);
+        for (const auto& xuid : {ada, root}) {
+            auto file = stage.shopfile(xuid);
+            for (const char* key : {"items", "sellcount", "salesvolume"}) text += file["sell"][key].dump();
+            auto& recycles = file["recycles"];
+            // How the pieces that wait are parted into stacks is not what matters.
+            for (auto& row : recycles["recycleitems"])
+                if (row["nowhasrecyclenum"] == 0) EXPECT_TRUE(row["recycleditemnbtlist"].empty());
+            for (auto& row : recycles["recycleitems"]) row.erase("recycleditemnbtlist");
+            for (const char* key : {"recycleitems", "recycleamount", "recyclecost"}) text += recycles[key].dump();
+        }
+        return text;
+    }
+
+    Stage stage;
+    Actor *alice = nullptr, *bob = nullptr, *olga = nullptr;
+};
+
+}  // namespace
+
+TEST(Ledger, NumbersGoOnAndEntriesTellWhatHappened) {
+    Market m;
+    m.buys("Red apples", 3);
+    m.sells("Stones", 7);
+    m.buys("The state's", 1);
+    m.sells("The state's wish", 2);
+    m.buys("Red apples", 99);  // refused
+    EXPECT_EQ(m.audit(), "");
+    m.stage.restart();
+    m.joins();
+    m.buys("bread", 5);
+    EXPECT_THAT(m.entries(),
+                ElementsAre("purchase Carl 3*10=30 fee 3", "sale Carl 7*3=21 fee 0", "purchase Carl 1*20=20 fee 2",
+                            "sale Carl 2*2=4 fee 0", "purchase Carl 5*7=35 fee 3"));
+    EXPECT_EQ(m.audit(), "") << "behind a restart";
+}
+
+TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
+    for (const bool llmoney : {true, false}) {
+        SCOPED_TRACE(llmoney);
+        Market m(10, llmoney);
+        m.alice->dismisses();
+        const struct {
+            const char *list, *title;
+            int pieces;
+        } trades[] = {{"Selling shops (form)", "Red apples", 3},
+                      {"Recycle shops (form)", "Stones", 7},
+                      {"Selling shops (form)", "The state's", 1},
+                      {"Recycle shops (form)", "The state's wish", 1},
+                      {"Selling shops (form)", "Red apples", 10}};  // all there is
+        m.bob->gives(5, "apple", 1);
+        int number = 0;
+        for (const auto& [list, title, pieces] : trades) {
+            SCOPED_TRACE(title);
+            const auto before = m.state();
+            m.trades(list, title, pieces);
+            ++number;
+            const auto behind = m.state();
+            EXPECT_NE(behind, before);
+            EXPECT_THAT(m.undo(number), HasSubstr(fmt::format("Trade {} is undone, as entry {}", number, number + 1)));
+            EXPECT_EQ(m.state(), before);
+            EXPECT_THAT(m.bob->chat(),
+                        HasSubstr(fmt::format("An operator has undone trade {}: {} pieces", number, pieces)));
+            EXPECT_EQ(m.undo(number), fmt::format("Trade {} is undone already, by entry {}.", number, number + 1));
+            EXPECT_THAT(m.undo(number + 1), HasSubstr("is no trade"));
+            EXPECT_EQ(m.state(), before);
+            ++number;
+        }
+        EXPECT_EQ(m.audit(), "");
+        EXPECT_EQ(m.undo(99), "There is no entry 99 in the ledger.");
+        EXPECT_EQ(m.bob->forgets().types("ordomart undo 1").replies(), "permission denied");
+        EXPECT_EQ(m.bob->types("ordomart audit").replies(), "permission denied\npermission denied");
+    }
+}
+
+TEST(Ledger, AnUndoSaysAllThatIsMissingAndChangesNothing) {
+    Market m;
+    m.buys("Red apples", 3);
+    m.sells("Stones", 7);
+    const auto refuses = [&](int number, const std::string& why) {
+        const auto before = m.state();
+        EXPECT_EQ(m.undo(number), why);
+        EXPECT_EQ(m.state(), before);
+    };
+    m.bob->loses(0).gives(0, "apple", 1);
+    m.alice->setmoney(20);
+    refuses(1, "Carl lacks 2 of 3 pieces of Apple.\nAlice has 20 of 27 LLmoney.");
+    m.bob->gives(0, "apple", 3);
+    refuses(1, "Alice has 20 of 27 LLmoney.");
+    m.bob->setmoney(20);
+    refuses(2, "Carl has 20 of 21 LLmoney.");
+    m.bob->setmoney(21);
+    m.alice->dismisses().types("ordomart formmenu").presses("My shop (form)").presses("pick up");
+    m.alice->presses("Stones").presses("yes").dismisses();
+    refuses(2, "7 of 7 pieces of Stone are not in the commission of Alice any more.");
+    m.alice->setmoney(27);
+    m.bob->leaves();
+    EXPECT_THAT(m.undo(1), HasSubstr("Carl is not here."));
+    EXPECT_EQ(m.stage.money(ada), 27);
+    EXPECT_EQ(m.audit(), "");
+}
+
+TEST(Ledger, TheAuditNamesWhatDiffersWithItsShopAndFirstTrade) {
+    const auto file = "plugins/Ordomart/data/" + ada + ".json";
+    const std::string sells = ada + ".sell, ", recycles = ada + ".recycles, ";
+    const struct {
+        const char* what;
+        std::function<void(json&)> infile;
+        std::function<void(Market&)> inledger;
+        std::string told;
+    } plants[] = {
+        {"nothing", {}, {}, ""},
+        {"a stock",
+         [](json& f) { f["sell"]["items"][0]["shopitemleftnum"] = 9; },
+         {},
+         sells + "entry 3: stock 6 in the ledger, 9 in the shop\n"},
+        {"a good gone",
+         [](json& f) { f["sell"]["items"].erase(0); },
+         {},
+         sells + "entry 3: stock 6 in the ledger, none in the shop\n"},
+        {"a counter",
+         [](json& f) { f["sell"]["sellcount"] = 5; },
+         {},
+         sells + "entry 3: counter 4 in the ledger, 5 in the shop\n"},
+        {"a volume",
+         [](json& f) { f["recycles"]["recyclecost"] = 20; },
+         {},
+         recycles + "entry 2: volume 21 in the ledger, 20 in the shop\n"},
+        {"a deposit",
+         [](json& f) { f["recycles"]["recycleitems"][0]["offer"] = 4; },
+         {},
+         recycles + "entry 2: commission 1 wanted at 3, 7 waiting, deposit 3 in the ledger, 1 wanted at 4, 7 waiting, "
+                    "deposit 4 in the shop\n"},
+        {"stored pieces",
+         [](json& f) { f["recycles"]["recycleitems"][0]["nowhasrecyclenum"] = 6; },
+         {},
+         recycles + "entry 2: commission 1 wanted at 3, 7 waiting, deposit 3 in the ledger, 1 wanted at 3, 6 waiting, "
+                    "deposit 3 in the shop\n"},
+        {"an entry",
+         {},
+         [](Market& m) { m.changes(1, [](auto& one) { one.after->left = 8; }); },
+         sells + "entry 3: stock 8 in the ledger, 7 in the shop\n"},
+        {"a counter in between",
+         {},
+         [](Market& m) { m.changes(1, [](auto& one) { one.count = 4; }); },
+         sells + "entry 1: counter 3 in the ledger, 4 in the shop\n"},
+        {"an entry gone",
+         {},
+         [](Market& m) { m.stage.onserver([&] { m.records().erase("ledger", ledger::keyof(2)); }); },
+         sells + "entry 2: entry an entry in the ledger, none in the shop\n" + recycles +
+             "no entry: counter 0 in the ledger, 7 in the shop\n" + recycles +
+             "no entry: volume 0 in the ledger, 21 in the shop\n" + recycles +
+             "no entry: commission 8 wanted at 3, 0 waiting, deposit 24 in the ledger, 1 wanted at 3, 7 waiting, "
+             "deposit 3 in the shop\n"},
+        {"a payment",
+         {},
+         [](Market& m) { m.changes(2, [](auto& one) { one.paid = 22; }); },
+         recycles +
+             fmt::format("entry 2: money 22 from SYSTEM to {} in the ledger, nothing of it in the history in the "
+                         "library\n",
+                         bob)},
+        {"a shop gone", [](json& f) { f = nullptr; }, {}, "gone"},
+    };
+    for (const auto& plant : plants) {
+        SCOPED_TRACE(plant.what);
+        Market m;
+        m.buys("Red apples", 3);
+        m.sells("Stones", 7);
+        m.buys("Red apples", 1);
+        if (plant.inledger) plant.inledger(m);
+        if (plant.infile) {
+            m.stage.restart();
+            auto content = json::parse(m.stage.file(file));
+            plant.infile(content);
+            if (content.is_null())
+                m.stage.onserver([&] { EXPECT_TRUE(m.stage.server().services().files->remove(file)); });
+            else
+                m.stage.write(file, content.dump());
+            m.joins();
+        }
+        const auto told = m.audit();
+        if (plant.told == "gone") {
+            EXPECT_THAT(told, HasSubstr(sells + "entry 3: stock 6 in the ledger, none in the shop\n"));
+            continue;
+        }
+        EXPECT_EQ(told, plant.told);
+        if (plant.infile) EXPECT_EQ(m.audit(" accept"), plant.told) << "what was accepted is told";
+        if (plant.infile) EXPECT_EQ(m.audit(), "") << "and is right from then on";
+    }
+}
+
+TEST(Ledger, WhoComesBackIsToldOnce) {
+    Market m;
+    m.alice->leaves();
+    m.buys("Red apples", 3);
+    m.buys("bread", 5);
+    m.sells("Stones", 8);
+    m.stage.restart();
+    m.joins();
+    EXPECT_EQ(m.alice->chat(),
+              "§eWhile you were away:§r\n"
+              "Your shop sold 8 pieces in 2 trades: §a+ 59§r LLmoney\n"
+              "Sold out: bread\n"
+              "Your commissions took in 8 pieces in 1 trades, paid with 24 LLmoney of your deposits\n"
+              "Complete, ready to be picked up: Stones");
+    EXPECT_EQ(m.bob->chat(), "");
+    m.buys("Red apples", 1);
+    m.alice->leaves();
+    EXPECT_EQ(m.stage.join("Alice", ada, "zh_CN").chat(), "") << "nothing has happened since";
+    m.stage.restart();
+    m.joins();
+    m.alice->leaves();
+    m.buys("Red apples", 1);
+    EXPECT_EQ(m.stage.join("Alice", ada, "zh_CN").chat(),
+              "§e你离开期间：§r\n你的商店成交1笔，售出1件，收入§a9§rLLmoney");
+}
+
+TEST(Ledger, APlayerAsksForPrices) {
+    Market m;
+    m.buys("Red apples", 3);
+    m.buys("Red apples", 1);
+    m.sells("The state's wish", 4);
+    const auto asks = [&](const std::string& line) {
+        m.bob->forgets().types("ordomart prices" + line);
+        m.stage.ticks(2);
+        return m.bob->chat() + m.bob->replies();
+    };
+    const std::string week = ": §a10§r (2 to 10), 3 trades, 8 pieces, 48 in all\n";
+    const auto all = "§eApple§r: prices in LLmoney\n§bApple§r\n1 d" + week + "7 d" + week + "30 d" + week +
+                     "§a·····························▄§r\n§7Cheapest offers now:§r\n§a10§r, 6 pieces: " + ada +
+                     "'s shop§r\n§a20§r, 5 pieces: " + root +
+                     "'s shop§r\n§7Best commissions now:§r\n§a2§r, 50 pieces: " + root + "'s recycleshop§r";
+    for (const char* name : {" apple", " minecraft:apple", " Apple"}) EXPECT_EQ(asks(name), all) << name;
+    EXPECT_THAT(asks(" bread"), HasSubstr("Not traded within the last 30 days.\n§7Cheapest offers now:§r\n§a7§r, 5"));
+    EXPECT_EQ(asks(" nothing"), "There is no item called nothing.");
+    m.bob->gives(0, "apple", 1);
+    auto held = all;
+    held.erase(held.find("§bApple§r\n"), std::string("§bApple§r\n").size());
+    EXPECT_EQ(asks(""), held) << "the item in his hand";
+    m.bob->loses(0);
+    EXPECT_THAT(asks(""), HasSubstr("Take an item in your hand"));
+    m.olga->forgets().types("ordomart undo 1");
+    m.stage.advance(8LL * 86400 * 1000);
+    EXPECT_THAT(asks(" apple"), HasSubstr("7 d: no trade\n30 d: §a2§r (2 to 10), 2 trades, 5 pieces, 18 in all\n"));
+}
+
+// ---- below the stage
+
+namespace {
+
+using namespace market_tests;
+
+constexpr const char* kinds[] = {
+    R"({Count:1b,Damage:0s,Name:"minecraft:apple",WasPickedUp:0b})",
+    R"({Count:1b,Damage:3s,Name:"minecraft:apple",WasPickedUp:0b})",
+    R"({Count:1b,Damage:0s,Name:"minecraft:apple",WasPickedUp:0b,tag:{ench:[{id:9s,lvl:1s}]}})"};
+
+struct LedgerHost : ShopHost {
+    LedgerHost() {
+        put("1", {{"items", json::array()}});
+        ledger::start();
+    }
+    std::uint64_t trades(const ledger::happening& of) {
+        auto& shop = sells("1");
+        shopsystem::countup(shop.sellcount, of.pieces);
+        shopsystem::countup(shop.salesvolume, of.pieces * of.price);
+        const auto number = ledger::write(shop, of);
+        records.endpass();
+        return number;
+    }
+};
+
+}  // namespace
+
+TEST(LedgerPrices, AreThoseOfAPlainComputation) {
+    LedgerHost host;
+    std::mt19937 random(7);
+    struct plain {
+        std::int64_t pieces = 0, money = 0;
+        std::vector<std::int64_t> prices;
+    };
+    std::map<std::pair<std::string, std::int64_t>, plain> expected;
+    constexpr int days = 12;
+    const auto first = host.clock.seconds / 86400;
+    std::int64_t fees = 0;
+    for (int i = 0; i < 1500; ++i) {
+        const std::string text = kinds[random() % 3];
+        host.clock.seconds = (first + i * days / 1500) * 86400 + static_cast<std::int64_t>(random() % 1000);
+        ledger::happening trade{.what = ledger::kind::purchase, .actor = "2", .itemnbt = text};
+        trade.pieces = 1 + random() % 64;
+        trade.price = random() % 90;
+        trade.paid = trade.pieces * trade.price;
+        trade.fee = trade.paid / 20;
+        const auto number = host.trades(trade);
+        EXPECT_EQ(number, ledger::nextnumber() - 1);
+        if (random() % 10 == 0) {  // and back again, a day later at times
+            const auto undone = ledger::find(number).value();
+            host.clock.seconds += static_cast<std::int64_t>(random() % 86400);
+            trade.what = ledger::kind::undopurchase;
+            trade.undoes = &undone;
+            host.trades(trade);
+            EXPECT_EQ(ledger::undoneby(number), number + 1);
+            continue;
+        }
+        auto& day = expected[{ledger::variantof(text).text(), first + i * days / 1500}];
+        day.pieces += trade.pieces;
+        day.money += trade.paid;
+        day.prices.push_back(trade.price);
+        fees += trade.fee;
+        if (i % 400 == 0) ledger::start();  // what is known of the days comes from the records again
+    }
+    std::size_t seen = 0;
+    std::int64_t money = 0;
+    for (const auto& line : ledger::pricesbyday("minecraft:apple", first + days - 1, days))
+        for (int day = 0; day < days; ++day) {
+            const auto& sum = line.days.at(static_cast<std::size_t>(day));
+            auto& plain = expected[{line.what.text(), first + day}];
+            std::ranges::sort(plain.prices);
+            ASSERT_EQ(sum.trades, static_cast<std::int64_t>(plain.prices.size())) << line.what.text() << " " << day;
+            EXPECT_EQ(sum.pieces, plain.pieces);
+            EXPECT_EQ(sum.money, plain.money);
+            EXPECT_EQ(sum.at.lowest(), plain.prices.front());
+            EXPECT_EQ(sum.at.highest(), plain.prices.back());
+            EXPECT_EQ(sum.at.median(), plain.prices[(plain.prices.size() - 1) / 2]);
+            money += plain.money;
+            ++seen;
+        }
+    EXPECT_EQ(seen, expected.size());
+    const auto shops = ledger::topshops(first + days - 1, days, 9);
+    ASSERT_EQ(shops.size(), 1U);
+    EXPECT_EQ(shops[0].money, money);
+    EXPECT_EQ(shops[0].fees, fees);
+    EXPECT_EQ(ledger::topgoods(first + days - 1, days, 2).size(), 2U);
+    EXPECT_GE(ledger::topgoods(first + days - 1, days, 3)[0].money,
+              ledger::topgoods(first + days - 1, days, 3)[1].money);
+}
+
+TEST(LedgerPrices, OneAbsurdTradeMovesNoMiddleAndManyPricesStayNear) {
+    ledger::prices few;
+    for (const std::int64_t price : {9, 10, 10, 11}) few.add(price, 1);
+    few.add(99999999, 1);
+    EXPECT_EQ(few.median(), 10);
+    EXPECT_EQ(few.highest(), 99999999);
+    few.add(99999999, -1);
+    EXPECT_EQ(few.highest(), 11);
+
+    ledger::prices many;
+    std::mt19937 random(3);
+    std::vector<std::int64_t> all;
+    for (int i = 0; i < 3001; ++i) {
+        all.push_back(100 + random() % 100000);
+        many.add(all.back(), 1);
+    }
+    std::ranges::sort(all);
+    EXPECT_LE(many.all().size(), ledger::prices::most);
+    EXPECT_EQ(many.lowest(), all.front());
+    EXPECT_EQ(many.highest(), all.back());
+    EXPECT_NEAR(static_cast<double>(many.median()), static_cast<double>(all[1500]),
+                0.05 * static_cast<double>(all[1500]));
+}
+
+TEST(LedgerEntries, AreFoundByFilterThinnedAndStayBalanced) {
+    LedgerHost host;
+    for (int i = 1; i <= 900; ++i) {
+        host.clock.seconds += 86400;
+        host.trades({.what = ledger::kind::purchase,
+                     .actor = std::to_string(i % 3 + 2),
+                     .itemnbt = kinds[i % 2],
+                     .pieces = 1,
+                     .price = i,
+                     .paid = i});
+    }
+    const auto numbers = [](const ledger::tradepage& page) {
+        std::vector<std::uint64_t> all;
+        for (const auto& line : page.lines) all.push_back(line.what.number);
+        return all;
+    };
+    const auto page = ledger::latesttrades({.player = "3"}, 2);
+    EXPECT_THAT(numbers(page), ElementsAre(898U, 895U));
+    EXPECT_THAT(numbers(ledger::latesttrades({.player = "3"}, 2, page.before)), ElementsAre(892U, 889U));
+    EXPECT_THAT(numbers(ledger::latesttrades({.until = host.clock.seconds - 2 * 86400}, 1)), ElementsAre(897U));
+    EXPECT_THAT(numbers(ledger::latesttrades({.from = host.clock.seconds - 86400}, 9)), ElementsAre(900U, 899U));
+    EXPECT_TRUE(ledger::latesttrades({.item = "minecraft:dirt"}, 9).lines.empty());
+    EXPECT_TRUE(ledger::latesttrades({.shop = "2"}, 9).lines.empty());
+
+    const auto whole = [] {
+        const auto result = ledger::audit([] { return true; });
+        EXPECT_EQ(result.differences, std::vector<ledger::difference>());
+        return result.entries;
+    };
+    EXPECT_EQ(whole(), 900U);
+    for (int i = 0; i < 8; ++i) {
+        ledger::thin();
+        host.records.endpass();
+    }
+    EXPECT_EQ(whole(), 401U) << "400 days are kept";
+    EXPECT_FALSE(ledger::find(499).has_value());
+    EXPECT_EQ(ledger::find(500).value().price, 500);
+    EXPECT_TRUE(ledger::goodsof(host.clock.seconds / 86400 - 401).empty());
+    EXPECT_FALSE(ledger::goodsof(host.clock.seconds / 86400 - 400).empty());
+    ledger::start();
+    EXPECT_EQ(host.trades({.itemnbt = kinds[0], .pieces = 1, .price = 1, .paid = 1}), 901U);
+    EXPECT_EQ(whole(), 402U);
+}
