@@ -126,13 +126,13 @@ private:
             take(one);
         }
         // Behind the last that can be read there may be some that cannot.
-        if (next_ < upto_) tell({"", shopsystem::sell, "entry", next_, "an entry", "none"}, "entry");
+        if (next_ < upto_) tell({"", shopsystem::sell, "entry", next_, "an entry", "none"});
         next_ = upto_;
         return some.next != 0;
     }
 
     void missing(std::uint64_t number, const entry& behind) {
-        tell({behind.shop, behind.section(), "entry", number, "an entry", "none"}, "entry");
+        tell({behind.shop, behind.section(), "entry", number, "an entry", "none"});
     }
 
     void take(const entry& one) {
@@ -144,14 +144,16 @@ private:
             // A shop of which the ledger heard only now.
             const auto fresh = openings(key, 1);
             if (fresh.empty() || fresh.front().first != key)
-                return tell({one.shop, one.section(), "entry", one.number, "an opening balance", "none"}, key);
+                return tell({one.shop, one.section(), "entry", one.number, "an opening balance", "none"});
             shops_[key].books = fresh.front().second;
         }
         auto& shop = shops_[key];
         if (one.number >= shop.books.number) {
             std::vector<difference> differs;
             shop.books.apply(one, differs);
-            for (const auto& each : differs) tell(each, key);
+            // What once differed may differ at every trade; the first one tells it.
+            for (const auto& each : differs)
+                if (shop.differs.insert(each.what).second) tell(each);
         }
         shop.last = one.number;
         if (ordomart::moneymode != 1 || one.time < platform::unixseconds() - monthofseconds) return;
@@ -160,11 +162,7 @@ private:
                 {one.time, one.number, one.shop, one.section()});
     }
 
-    // Of a shop each kind of difference once.
-    void tell(const difference& one, const std::string& key) {
-        if (shops_.contains(key) && !shops_[key].differs.insert(one.what).second) return;
-        result_.differences.push_back(one);
-    }
+    void tell(const difference& one) { result_.differences.push_back(one); }
 
     void compare(const std::string& key) {
         const auto dot = key.rfind('.');
@@ -176,7 +174,7 @@ private:
             globalruntimeshopmanager.bringin(xuid, section);
             comparecached(key, xuid, section);
         } catch (const std::exception& e) {
-            tell({xuid, section, "file", shops_[key].last, "a shop", e.what()}, key);
+            tell({xuid, section, "file", shops_[key].last, "a shop", e.what()});
         }
     }
 
@@ -187,7 +185,7 @@ private:
         if (shop == nullptr) return false;
         while (readsome()) {
         }
-        for (const auto& one : differencesto(booksof(*shop), key, xuid, section)) tell(one, key);
+        for (const auto& one : differencesto(booksof(*shop), key, xuid, section)) tell(one);
         return true;
     }
 
@@ -195,7 +193,7 @@ private:
     bool comparefile(const std::string& key, const std::string& xuid, shopsystem::shoptype section) {
         if (shopsystem::hasleftrecord(xuid, section)) return true;
         if (!platform::host().files->exists(shopsystem::shopfile(xuid))) {
-            for (const auto& one : differencesto({}, key, xuid, section)) tell(one, key);
+            for (const auto& one : differencesto({}, key, xuid, section)) tell(one);
             return false;
         }
         const auto content = shopsystem::loadsection(xuid, section).content;
@@ -239,8 +237,7 @@ private:
             tell({all[at].shop, all[at].section, "money", all[at].number,
                   fmt::format("{} from {} to {}", money.value, money.from.empty() ? "SYSTEM" : money.from,
                               money.to.empty() ? "SYSTEM" : money.to),
-                  "nothing of it in the history"},
-                 "");
+                  "nothing of it in the history"});
         }
     }
 

@@ -189,7 +189,7 @@ TEST(Ledger, AnUndoSaysAllThatIsMissingAndChangesNothing) {
     m.bob->setmoney(20);
     refuses(2, "Carl has 20 of 21 LLmoney.");
     m.bob->setmoney(21);
-    m.alice->dismisses().types("ordomart formmenu").presses("My shop (form)").presses("pick up");
+    m.alice->dismisses().types("ordomart formmenu").presses("My shop (form)").presses("change to").presses("Pick up recycled items");
     m.alice->presses("Stones").presses("yes").dismisses();
     refuses(2, "7 of 7 pieces of Stone are not in the commission of Alice any more.");
     m.alice->setmoney(27);
@@ -325,7 +325,7 @@ TEST(Ledger, APlayerAsksForPrices) {
         return m.bob->chat() + m.bob->replies();
     };
     const std::string week = ": §a10§r (2 to 10), 3 trades, 8 pieces, 48 in all\n";
-    const auto all = "§eApple§r: prices in LLmoney\n§bApple§r\n1 d" + week + "7 d" + week + "30 d" + week +
+    const auto all = "§eApple§r: prices in LLmoney\n1 d" + week + "7 d" + week + "30 d" + week +
                      "§a·····························▄§r\n§7Cheapest offers now:§r\n§a10§r, 6 pieces: " + ada +
                      "'s shop§r\n§a20§r, 5 pieces: " + root +
                      "'s shop§r\n§7Best commissions now:§r\n§a2§r, 50 pieces: " + root + "'s recycleshop§r";
@@ -333,9 +333,7 @@ TEST(Ledger, APlayerAsksForPrices) {
     EXPECT_THAT(asks(" bread"), HasSubstr("Not traded within the last 30 days.\n§7Cheapest offers now:§r\n§a7§r, 5"));
     EXPECT_EQ(asks(" nothing"), "There is no item called nothing.");
     m.bob->gives(0, "apple", 1);
-    auto held = all;
-    held.erase(held.find("§bApple§r\n"), std::string("§bApple§r\n").size());
-    EXPECT_EQ(asks(""), held) << "the item in his hand";
+    EXPECT_EQ(asks(""), all) << "the item in his hand";
     m.bob->loses(0);
     EXPECT_THAT(asks(""), HasSubstr("Take an item in your hand"));
     m.olga->forgets().types("ordomart undo 1");

@@ -244,6 +244,14 @@ void unbans(W world, Who who, Dice& dice) {
     world.actor(who).types(fmt::format("ordomart unban {} {}", kind, someshop(dice)));
 }
 
+// One of the latest trades, or what is none. The audit judges what becomes of it.
+void undoes(W world, Who, Dice& dice) {
+    const auto back = static_cast<std::uint64_t>(dice.below(12));
+    if (!world.ishere(theoperator)) return;
+    const auto last = world.lastentry();
+    world.actor(theoperator).types(fmt::format("ordomart undo {}", last > back ? last - back : last));
+}
+
 constexpr operation table[] = {
     {"edit, form", 3, &ownbyform<sells, edits>},
     {"history, form", 1, &ownbyform<sells, looksatlog>},
@@ -296,6 +304,7 @@ constexpr operation table[] = {
     {"switch to the system shop", 3, &switches},
     {"ban", 6, &bans},
     {"unban", 7, &unbans},
+    {"undo", 6, &undoes, holds::nothing},
     {"things come and go", 8,
      [](W world, Who who, Dice& dice) {
          if (world.ishere(who)) world.puts(who, dice);

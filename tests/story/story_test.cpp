@@ -42,6 +42,7 @@ public:
     std::string plays(const step& s) {
         const auto found = std::ranges::find(operations(), s.what, [](const auto& o) { return std::string(o.name); });
         const operation& o = *found;
+        const auto last = s.what == "undo" ? world_.lastentry() : 0;
         if (!world_.ishere(s.who) && o.behind == holds::books) return {};
         world_.begins();
         Dice dice(s.luck);
@@ -57,7 +58,8 @@ public:
         for (std::size_t who = 0; who < players; ++who)
             if (world_.ishere(who)) (void)world_.pending(who);
         const picture then = std::exchange(now_, world_.look());
-        if (++steps_ % 20 == 0)
+        if (s.what == "undo" && world_.lastentry() != last) ++happened["undo"];
+        if (++steps_ % 20 == 0 || s.what == "undo")
             if (auto differs = world_.audit(); !differs.empty()) return "the audit: " + differs;
         if (o.behind == holds::nothing) return {};
         if (o.behind == holds::everything) return unchanged(o, then);
@@ -159,6 +161,7 @@ constexpr const char* musthappen[] = {"upload",
                                       "sale to an operator",
                                       "ban",
                                       "unban",
+                                      "undo",
                                       "money refused"};
 
 void tellalongstory(std::uint64_t seed, std::size_t length, bool llmoney, std::map<std::string, int>& happened) {

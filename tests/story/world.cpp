@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "platform/packets/forms.h"
 #include "platform/packets/packet.h"
+#include "platform/records.h"
 
 namespace {
 void (*showshop)(const std::string& xuid, bool forget, nlohmann::json& seen) = nullptr;
@@ -173,6 +174,15 @@ picture World::look() {
         }
     });
     return seen;
+}
+
+std::uint64_t World::lastentry() {
+    std::uint64_t number = 0;
+    stage_.onserver([&] {
+        const auto last = stage_.server().services().records->rows("ledger", {}, 1, true);
+        if (!last.empty()) number = std::stoull(last.front().key);
+    });
+    return number;
 }
 
 std::string World::audit() {

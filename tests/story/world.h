@@ -73,7 +73,8 @@ public:
     ~World();
 
     [[nodiscard]] picture look();
-    [[nodiscard]] std::string audit();  // what the market's own finds wrong; empty when all is well
+    [[nodiscard]] std::uint64_t lastentry();  // of the ledger
+    [[nodiscard]] std::string audit();        // what the market's own finds wrong; empty when all is well
     [[nodiscard]] bool ishere(std::size_t who) const { return actors_[who] != nullptr; }
     [[nodiscard]] Actor& actor(std::size_t who) { return *actors_[who]; }
     [[nodiscard]] bool isalive(std::size_t who) const { return alive_[who]; }
