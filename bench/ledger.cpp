@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <map>
 
 #include "host/server.h"
 #include "host/world/world.h"
@@ -103,6 +104,13 @@ void fill(host::Server& server, std::uint64_t entries) {
     const auto begin = ledger::nextnumber();
     const auto now = platform::unixseconds();
     std::uint64_t bytes = 0;
+    // What every shop has, so that the entries fit one another.
+    struct standing {
+        std::int32_t count = 0, volume = 0;
+        std::map<std::uint64_t, std::int64_t> left;
+    };
+    constexpr std::int64_t first = 1'000'000'000;
+    std::vector<standing> shopsleft(shops);
     std::vector<ledger::variant> all;
     for (int item = 0; item < items; ++item) all.push_back(ledger::variantof(itemof(item)));
     for (std::uint64_t i = 0; i < entries;) {
@@ -120,10 +128,15 @@ void fill(host::Server& server, std::uint64_t entries) {
                 one.paid = one.pieces * one.price;
                 one.fee = one.paid / 20;
                 one.revision = static_cast<std::uint32_t>(i / shops);
-                one.count = static_cast<std::int32_t>(i / shops * 32);
-                one.volume = one.count * 20;
-                one.before = ledger::rowstate{one.tag, 5000};
-                one.after = ledger::rowstate{one.tag, 5000 - one.pieces};
+                auto& its = shopsleft[i % shops];
+                shopsystem::countup(its.count, one.pieces);
+                shopsystem::countup(its.volume, one.paid);
+                one.count = its.count;
+                one.volume = its.volume;
+                auto& left = its.left.try_emplace(one.tag, first).first->second;
+                one.before = ledger::rowstate{one.tag, left};
+                left -= one.pieces;
+                one.after = ledger::rowstate{one.tag, left};
                 auto packed = ledger::encode(one);
                 bytes += packed.size();
                 server.services().records->put("ledger", ledger::keyof(one.number), [packed] { return packed; });
@@ -138,6 +151,13 @@ void fill(host::Server& server, std::uint64_t entries) {
                                            [item] { return itemof(item); });
         });
     server.run([&] {
+        for (int shop = 0; shop < shops; ++shop) {
+            ledger::shopbooks books;
+            for (const auto& [tag, left] : shopsleft[static_cast<std::size_t>(shop)].left)
+                books.rows.push_back({tag, first});
+            server.services().records->put("ledger.openings", xuidof(2 + shop) + ".sell",
+                                           [packed = ledger::encode(books)] { return packed; });
+        }
         server.world().flush();
         ledger::start();
     });

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "platform/clock.h"
+#include "platform/host.h"
 #include "platform/level.h"
 #include "platform/turn.h"
 #include "plugin/ledger/ledger.h"
@@ -16,6 +17,11 @@ using platform::Turn;
 namespace {
 
 constexpr std::size_t entriesatatime = 200;
+
+std::string playername(const std::string& xuid) {
+    const auto* const known = platform::host().knownplayers;  // none before there is a world
+    return known != nullptr ? known->fromXuid(xuid) : std::string();
+}
 
 // In a turn, which knows items by their hashes.
 bool isasked(const entry& one, const tradefilter& by) {
@@ -30,8 +36,8 @@ bool isasked(const entry& one, const tradefilter& by) {
 
 tradeline lineof(entry one) {
     tradeline line;
-    line.actorname = platform::PlayerInfo::fromXuid(one.actor);
-    line.shopname = platform::PlayerInfo::fromXuid(one.shop);
+    line.actorname = playername(one.actor);
+    line.shopname = playername(one.shop);
     line.item = variantof(one.tag);
     line.undoneby = undoneby(one.number);
     line.what = std::move(one);
@@ -131,9 +137,8 @@ std::vector<shopline> topshops(std::int64_t last, int days, std::size_t most) {
         const auto dot = key.rfind('.');
         const auto xuid = key.substr(0, dot);
         if (sum.trades > 0)
-            lines.push_back({xuid, platform::PlayerInfo::fromXuid(xuid),
-                             key.substr(dot + 1) == shopsystem::sectionkey(shopsystem::sell), sum.trades, sum.pieces,
-                             sum.money, sum.fees});
+            lines.push_back({xuid, playername(xuid), key.substr(dot + 1) == shopsystem::sectionkey(shopsystem::sell),
+                             sum.trades, sum.pieces, sum.money, sum.fees});
     }
     byspending(lines, most);
     return lines;
