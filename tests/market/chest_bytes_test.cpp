@@ -86,7 +86,7 @@ TEST(ChestBytes, OfTheMainMenuAndOfARefusal) {
                    {300, {action(ActionType::take, ContainerName::hotbar, 8)}}});
     });
     stage.server().settle();
-    EXPECT_EQ(sent(alice), (std::vector<std::string>{hand(148, "01 07 01"), hand(148, "02 07 05 07 d8 04")}));
+    EXPECT_EQ(sent(alice), (std::vector<std::string>{hand(148, "01 01 01"), hand(148, "02 01 05 01 d8 04")}));
 }
 
 TEST(ChestBytes, OfTheSignsAndOfASelection) {
@@ -113,7 +113,7 @@ TEST(ChestBytes, OfTheSignsAndOfASelection) {
     const auto chosen = sent(alice);
     ASSERT_GE(chosen.size(), 2U);
     EXPECT_EQ(chosen[0], hand(47, "01 01"));
-    EXPECT_EQ(chosen[1], hand(148, "01 07 05"));
+    EXPECT_EQ(chosen[1], hand(148, "01 01 05"));
 }
 
 TEST(ChestBytes, OfBlocksAndGameType) {
