@@ -189,7 +189,7 @@ void tellalongstory(std::uint64_t seed, std::size_t length, bool llmoney, std::m
 
 void telllongstories(bool llmoney) {
     const char *const seeds = std::getenv("ORDOMART_SEEDS"), *const length = std::getenv("ORDOMART_STEPS");
-    std::istringstream given(seeds != nullptr ? seeds : llmoney ? "1 2" : "3 4");
+    std::istringstream given(seeds != nullptr ? seeds : llmoney ? "1 6" : "3 4");
     std::map<std::string, int> happened;
     for (std::uint64_t seed = 0; given >> seed;)
         tellalongstory(seed, length != nullptr ? std::strtoull(length, nullptr, 10) : 2500, llmoney, happened);
