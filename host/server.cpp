@@ -129,6 +129,7 @@ Commands& Server::commands() { return open(parts_).commands; }
 Log& Server::log() { return open(parts_).log; }
 Events& Server::events() { return open(parts_).events; }
 Hooks& Server::hooks() { return open(parts_).hooks; }
+const ShownViews& Server::views() const { return open(parts_).views; }
 platform::Host& Server::services() { return open(parts_).services; }
 std::vector<platform::PluginRecord> Server::plugins() const { return open(parts_).plugins.records(); }
 

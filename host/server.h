@@ -22,6 +22,7 @@ class Commands;
 class Log;
 class Events;
 class Hooks;
+class ShownViews;
 
 struct ServerOptions {
     std::string directory;                     // the server directory; made when it is missing
@@ -108,6 +109,8 @@ public:
     [[nodiscard]] Log& log();  // also after stop()
     [[nodiscard]] Events& events();
     [[nodiscard]] Hooks& hooks();
+    // Any thread but the server's.
+    [[nodiscard]] const ShownViews& views() const;
     [[nodiscard]] platform::Host& services();
     [[nodiscard]] std::vector<platform::PluginRecord> plugins() const;
 

@@ -16,6 +16,7 @@
 #include "platform/stores.h"
 #include "platform/text.h"
 #include "platform/turn.h"
+#include "platform/views.h"
 
 namespace platform {
 
@@ -110,6 +111,22 @@ bool HttpPostSync(const std::string& url, const std::string& contenttype, const 
     Http* const http = host().http;
     return http != nullptr && http->post(url, contenttype, body, status, result, timeoutSeconds);
 }
+
+namespace Shown {
+void offer(View view) {
+    if (host().views != nullptr) host().views->offer(std::move(view));
+}
+Counter counter(const CountName& name) {
+    return host().views != nullptr ? Counter(host().views->counter(name)) : Counter();
+}
+Gauge gauge(const CountName& name) { return host().views != nullptr ? Gauge(host().views->gauge(name)) : Gauge(); }
+Histogram histogram(const CountName& name, const std::vector<double>& bounds) {
+    return host().views != nullptr ? Histogram(host().views->histogram(name, bounds)) : Histogram();
+}
+void gauge(const CountName& name, std::function<double()> read) {
+    if (host().views != nullptr) host().views->gauge(name, std::move(read));
+}
+}  // namespace Shown
 
 namespace Event::detail {
 EventBus& bus() { return *host().events; }

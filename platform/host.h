@@ -26,6 +26,7 @@ class KnownPlayers;
 class Http;
 class StoreState;
 class Records;
+class Views;
 
 class Properties {
 public:
@@ -64,7 +65,8 @@ struct Host {
     Records* records = nullptr;  // null until the world is open
     Properties* properties = nullptr;
     PluginList* plugins = nullptr;
-    Http* http = nullptr;  // null on a host that calls nobody
+    Http* http = nullptr;    // null on a host that calls nobody
+    Views* views = nullptr;  // null on a host that shows nothing
 };
 
 // The installed host. Throws std::logic_error when there is none.

@@ -18,4 +18,4 @@ need() {
 }
 
 builds=(g++ cmake ninja-build ccache mold libfmt-dev nlohmann-json3-dev libsimdjson-dev libcpp-httplib-dev libssl-dev
-        libsqlite3-dev libsqlitecpp-dev libarchive-dev libedit-dev libcli11-dev ca-certificates)
+        libsqlite3-dev libsqlitecpp-dev libarchive-dev libedit-dev libcli11-dev prometheus-cpp-dev ca-certificates)

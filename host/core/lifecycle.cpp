@@ -74,7 +74,8 @@ Server::Parts::Parts(Server& face, const ServerOptions& settings)
                 .items = &itemtable(),
                 .properties = &properties,
                 .plugins = &plugins,
-                .http = &http};
+                .http = &http,
+                .views = &views};
 }
 
 void Server::Parts::say(platform::LogLevel level, const std::string& text) {
@@ -162,6 +163,7 @@ void Server::Parts::loadplugin(const fs::path& file) {
 // the module in memory until the thread ends.
 void Server::Parts::teardown() {
     mailbox.close();
+    views.close();
     const std::lock_guard nobackup(backingup);  // one under way has seen the stop
     background.waitidle();
     scheduler.close();

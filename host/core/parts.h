@@ -29,6 +29,7 @@
 #include "host/core/texts.h"
 #include "host/core/turnkeeper.h"
 #include "host/core/watchers.h"
+#include "host/core/views.h"
 #include "host/http/httpclient.h"
 #include "host/network/network.h"
 #include "host/server.h"
@@ -104,6 +105,7 @@ struct Server::Parts {
     FixedProperties properties;
     Plugins plugins;
     HttpClient http;
+    ShownViews views{complain};
     Commands commands;
     Watchers<> passwatchers;
     platform::Host services;

@@ -16,6 +16,7 @@ void Server::Parts::farewell() {
     const auto asked = background.announcestop();
     http.stop();
     turn.openuntil(TurnKeeper::Time::max());
+    views.close();
     {
         const platform::Turn held;
         guarded(complain, "Players could not leave", [&] { network->leaveall(); });
