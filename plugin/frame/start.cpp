@@ -10,6 +10,7 @@
 #include "plugin/ledger/ledger.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/shoprecords.h"
+#include "plugin/views/views.h"
 
 namespace ordomart {
 
@@ -35,6 +36,7 @@ void PluginInit() {
     if (debugmode == 0) debuglogger.consolelevel = 0;
     Logger::setDefaultFile(paths::simpletrade, true);
     bindeconomy();
+    envelope(&offerviews);  // before anybody counts
     bringinrecords();
     envelope(&ledger::start);
     Schedule::repeat([] { globalruntimeshopmanager.tick(); }, tickperiod);

@@ -13,6 +13,7 @@
 #include "platform/clock.h"
 #include "platform/host.h"
 #include "platform/records.h"
+#include "plugin/base/counts.h"
 #include "plugin/base/extras.h"
 #include "plugin/base/guards.h"
 #include "plugin/ledger/away.h"
@@ -99,6 +100,16 @@ entry entryof(const shopsystem::baseshop& shop, const happening& of) {
     return made;
 }
 
+void count(const entry& made) {
+    using ordomart::counts;
+    if (made.fee > 0 && !isundo(made.what)) counts.fees.add(static_cast<double>(made.fee));
+    if (!istrade(made.what) && !isundo(made.what)) return;
+    const auto& of = isundo(made.what) ? counts.undone : made.what == kind::purchase ? counts.purchases : counts.sales;
+    of.trades.add();
+    of.pieces.add(static_cast<double>(made.pieces));
+    of.money.add(static_cast<double>(made.paid < 0 ? -made.paid : made.paid));
+}
+
 std::optional<entry> read(const Records::Row& row) {
     try {
         return decode(numberof(row.key), row.bytes);
@@ -140,6 +151,7 @@ std::uint64_t write(const shopsystem::baseshop& shop, const happening& what) {
         openshop(shop, made);
         now.records->put(table, keyof(made.number), [bytes = encode(made)] { return bytes; });
         number = now.next++;
+        count(made);
         if (istrade(made.what)) {
             if (made.pieces > 0) countday(made, goodsin(made), false);
             noteaway(made, what.title);

@@ -2,9 +2,11 @@
 #include "plugin/shopsystem/listwalk.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "platform/turn.h"
+#include "plugin/base/counts.h"
 #include "plugin/shopsystem/catalogue.h"
 #include "plugin/shopsystem/rowkinds.h"
 
@@ -38,6 +40,7 @@ public:
     walk(const walkrules& rules, const listorder& order) : rules_(rules), order_(order) {}
 
     bool run(const question& goeson) override {
+        const auto began = std::chrono::steady_clock::now();
         auto& all = catalogueof(Rows::type);
         const auto among = all.uptodate(goeson, order_.shop);
         if (among == nullptr) return false;
@@ -47,6 +50,8 @@ public:
                                   .standing = order_.standing,
                                   .searching = order_.searching,
                                   .search = order_.search});
+        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - began;
+        ordomart::counts.making[Rows::type].observe(took.count());
         return true;
     }
 

@@ -13,6 +13,7 @@
 
 #include "platform/host.h"
 #include "platform/turn.h"
+#include "plugin/base/counts.h"
 #include "plugin/shopsystem/catalogue.h"
 #include "plugin/shopsystem/recycleshop.h"
 #include "plugin/shopsystem/sellshop.h"
@@ -147,6 +148,7 @@ private:
     }
 
     void succeeded(entry& each, std::uint32_t revision) {
+        ordomart::counts.saves.add();
         each.shop.cachestate = saved;
         if (each.shop.revision == revision) eraserecord(each.key, sectionof<Shop>);
         if (each.saves.worked())
@@ -154,6 +156,7 @@ private:
     }
 
     void failed(entry& each, const std::string& why) {
+        ordomart::counts.savefailures.add();
         each.waiting = false;
         each.shop.isdirty = true;
         each.shop.idleticks = 0;  // not to be forgotten before it is on the disk
