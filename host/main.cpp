@@ -53,6 +53,7 @@ void describe(CLI::App& app, Arguments& arguments) {
     app.add_option("--host", arguments.api.host, "Address of the web page and the control API")->capture_default_str();
     app.add_option("--token", arguments.api.token,
                    "The token of the control API; if left out that of the server directory, a new random one at first");
+    app.add_flag("--open-metrics", arguments.api.openmetrics, "Show /metrics to whoever asks, without the token");
     app.add_flag_callback(
         "--no-llmoney", [&server] { server.moneylibrary = "none"; },
         "Do not offer LLMoney; money is then kept on the scoreboard");

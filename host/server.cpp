@@ -130,6 +130,7 @@ Log& Server::log() { return open(parts_).log; }
 Events& Server::events() { return open(parts_).events; }
 Hooks& Server::hooks() { return open(parts_).hooks; }
 const ShownViews& Server::views() const { return open(parts_).views; }
+std::vector<prometheus::MetricFamily> Server::metrics() const { return open(parts_).metrics(); }
 platform::Host& Server::services() { return open(parts_).services; }
 std::vector<platform::PluginRecord> Server::plugins() const { return open(parts_).plugins.records(); }
 

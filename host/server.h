@@ -14,6 +14,10 @@
 #include "host/core/passtimes.h"
 #include "platform/host.h"
 
+namespace prometheus {
+struct MetricFamily;
+}
+
 namespace host {
 
 class World;
@@ -111,6 +115,8 @@ public:
     [[nodiscard]] Hooks& hooks();
     // Any thread but the server's.
     [[nodiscard]] const ShownViews& views() const;
+    // Its own figures and the plug-in's counts, by name.
+    [[nodiscard]] std::vector<prometheus::MetricFamily> metrics() const;
     [[nodiscard]] platform::Host& services();
     [[nodiscard]] std::vector<platform::PluginRecord> plugins() const;
 

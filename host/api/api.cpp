@@ -1,6 +1,9 @@
 #include "host/api/api.h"
 
 #include <fmt/format.h>
+#include <openssl/crypto.h>
+#include <prometheus/metric_family.h>
+#include <prometheus/text_serializer.h>
 
 #include <algorithm>
 
@@ -20,7 +23,7 @@ using nlohmann::json;
 
 namespace {
 
-constexpr std::string_view eventspath = "/api/events";
+constexpr std::string_view eventspath = "/api/events", metricspath = "/metrics";
 
 HttpAnswer answered(int status, const json& body) {
     return {status, "application/json", body.dump(-1, ' ', false, json::error_handler_t::replace), {}, {}};
@@ -102,7 +105,9 @@ struct ControlApi::Parts {
         const std::string_view origin = request.header("origin");
         if (!origin.empty() && !(origin.starts_with("http://") && ownname(origin.substr(7))))
             return refusal(403, fmt::format("the origin {} may not call this server", origin));
-        if (!request.path.starts_with("/api/")) {
+        const bool ismetrics = request.path == metricspath;
+        if (ismetrics && options.openmetrics) return std::nullopt;
+        if (!ismetrics && !request.path.starts_with("/api/")) {
             const auto file = fileanswer(request);
             return file ? *file : nosuchcall(request);
         }
@@ -113,12 +118,14 @@ struct ControlApi::Parts {
     HttpAnswer call(const HttpRequest& request) {
         try {
             if (request.method == "GET" && request.path == eventspath) return events(request);
+            if (request.method == "GET" && request.path == metricspath) return metrics();
             std::string player;
             for (const ApiRoute& route : apiroutes())
                 if (request.method == route.method && matches(route.path, request.path, player)) {
                     ApiCall made{server,          clients,
                                  streams,         player,
-                                 bodyof(request), [&](const char* name) { return std::string(request.param(name)); }};
+                                 bodyof(request), [&](const char* name) { return std::string(request.param(name)); },
+                                 request.query};
                     return answered(200, route.handle(made));
                 }
             return nosuchcall(request);
@@ -142,6 +149,14 @@ struct ControlApi::Parts {
         } catch (const platform::ForeignJsonError& e) {
             throw ApiError(400, fmt::format("the body {}", e.what()));
         }
+    }
+
+    [[nodiscard]] HttpAnswer metrics() const {
+        return {200,
+                "text/plain; version=0.0.4; charset=utf-8",
+                prometheus::TextSerializer().Serialize(server.metrics()),
+                {{"Cache-Control", "no-store"}},
+                {}};
     }
 
     HttpAnswer events(const HttpRequest& request) {

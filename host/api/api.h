@@ -13,8 +13,9 @@ class Clients;
 
 struct ApiOptions {
     std::string host = "127.0.0.1";
-    int port = 8480;    // 0: any free one
-    std::string token;  // empty: that of the server directory, a new random one at first
+    int port = 8480;           // 0: any free one
+    std::string token;         // empty: that of the server directory, a new random one at first
+    bool openmetrics = false;  // without the token
 };
 
 class ControlApi {

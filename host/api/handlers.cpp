@@ -6,6 +6,7 @@
 
 #include "host/api/clientstate.h"
 #include "host/api/eventstream.h"
+#include "host/api/viewcalls.h"
 #include "host/core/commands.h"
 #include "host/core/log.h"
 #include "host/money.h"
@@ -367,6 +368,8 @@ constexpr ApiRoute routes[] = {
     {"GET", "/api/log", readlog},
     {"POST", "/api/backup", backup},
     {"GET", "/api/items", items},
+    {"GET", "/api/views", listviews},
+    {"GET", "/api/views/{}", askview},
     {"GET", "/api/complete", complete},
 };
 

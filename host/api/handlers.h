@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "host/api/http.h"
 #include "host/clients.h"
 
 namespace host {
@@ -24,9 +25,10 @@ struct ApiCall {
     Server& server;
     Clients& clients;
     EventStreams& streams;
-    std::string player;                             // of the path, where it names one
+    std::string player;                             // of the path, where it names one, or a view
     nlohmann::json body;                            // an object; empty without a body
     std::function<std::string(const char*)> query;  // a value of the query string, "" when missing
+    const HttpFields& fields;                       // all of them
 };
 
 struct ApiRoute {

@@ -119,6 +119,7 @@ constexpr Reason reasons[] = {{200, "OK"},
                               {411, "Length Required"},
                               {413, "Content Too Large"},
                               {431, "Request Header Fields Too Large"},
+                              {500, "Internal Server Error"},
                               {503, "Service Unavailable"}};
 
 }  // namespace

@@ -22,6 +22,11 @@ public:
     void order(Work order) { put(orders_, std::move(order)); }
     void wake();
 
+    [[nodiscard]] std::size_t waiting() {
+        const std::lock_guard lock(mutex_);
+        return work_.size() + orders_.size();
+    }
+
     // The server thread. Waits until somebody has called wake() since the last wait, or (false) for the given time.
     bool wait(std::optional<Time> until = std::nullopt);
     [[nodiscard]] Items takework() { return take(work_); }

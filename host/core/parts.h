@@ -80,6 +80,9 @@ struct Server::Parts {
     BackupReport backup(const std::filesystem::path& target, const BetweenPasses& betweenpasses);
     void begininstant(Backup& backup);
 
+    // metrics.cpp; any thread.
+    [[nodiscard]] std::vector<prometheus::MetricFamily> metrics();
+
     [[nodiscard]] bool onserverthread() const { return std::this_thread::get_id() == serverthread.load(); }
 
     Server& server;
@@ -117,6 +120,7 @@ struct Server::Parts {
     std::thread thread;
     std::atomic<std::thread::id> serverthread;
     std::atomic<std::uint64_t> tickcount = 0;
+    std::atomic<std::size_t> playersonline = 0;
     PassTimes passtimes;
     std::mutex backingup;
     bool stopping = false;             // the server thread's

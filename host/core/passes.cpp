@@ -40,7 +40,10 @@ bool Server::Parts::pass(bool tick) {
     const auto began = std::chrono::steady_clock::now();
     bool did = dowork();
     guarded(complain, "Packets could not be handled", [&] { did |= network->process(); });
-    if (tick) ++tickcount;
+    if (tick) {
+        ++tickcount;
+        playersonline = world->level().getAllPlayers().size();
+    }
     did |= scheduler.run(tickcount, options.manual ? TickScheduler::endless : shareoftasks);
     guarded(complain, "The world could not be saved", [&] { world->flush(); });
     passtimes.add(std::chrono::steady_clock::now() - began);

@@ -1,5 +1,5 @@
-// How long the passes of the server thread took, in ranges that double: what a histogram of them is made of. The server
-// thread adds, any thread reads.
+// How long something took each time, as the passes of the server thread, in ranges that double: what a histogram of it
+// is made of. One thread at a time adds, any thread reads.
 #pragma once
 
 #include <array>

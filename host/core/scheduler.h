@@ -25,6 +25,11 @@ public:
     using Share = std::chrono::steady_clock::duration;
     static constexpr Share endless = Share::max();
     bool run(std::uint64_t tick, Share share = endless);
+    // Tasks that wait, the repeated ones among them. Any thread.
+    [[nodiscard]] std::size_t waiting() {
+        const std::lock_guard lock(mutex_);
+        return entries_.size();
+    }
     // Drops all tasks, and from now on those that still come: their code is about to leave the process.
     void close();
 

@@ -9,12 +9,15 @@ void TurnKeeper::take() {
         ++depth_;
         return;
     }
+    const auto asked = std::chrono::steady_clock::now();
     std::unique_lock lock(mutex_);
-    if (me == server_) {
+    const bool isserver = me == server_;
+    if (isserver) {
         takeasserver(lock);
     } else {
         takeasguest(lock);
     }
+    (isserver ? serverwaits_ : guestwaits_).add(std::chrono::steady_clock::now() - asked);
     holder_.store(me, std::memory_order_relaxed);
     depth_ = 1;
 }

@@ -15,6 +15,7 @@
 #include <mutex>
 #include <thread>
 
+#include "host/core/passtimes.h"
 #include "platform/turn.h"
 
 namespace host {
@@ -31,6 +32,9 @@ public:
     void unbindserver();
     // Background turns may start until then. At first there is no limit.
     void openuntil(Time time);
+    // How long threads waited for a turn; those that had one already did not ask. Any thread.
+    [[nodiscard]] const PassTimes& serverwaits() const { return serverwaits_; }
+    [[nodiscard]] const PassTimes& guestwaits() const { return guestwaits_; }
 
 private:
     void takeasserver(std::unique_lock<std::mutex>& lock);
@@ -42,6 +46,7 @@ private:
     static constexpr int mostturnsinarow = 8;
     static constexpr int mostpasseswithoutguest = 20;
 
+    PassTimes serverwaits_, guestwaits_;
     std::mutex mutex_;
     std::condition_variable serverturn_;
     std::deque<std::condition_variable*> queue_;  // of background threads; each stands on its owner's stack

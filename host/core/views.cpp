@@ -134,10 +134,10 @@ std::vector<nlohmann::json> ShownViews::descriptions() const {
 
 std::string ShownViews::ask(const std::string& name, const std::string& query, bool openonly) const {
     const std::shared_lock lock(serving_);
-    if (closed_) throw std::logic_error("the server stops");
+    if (closed_) throw ViewsClosed("the server stops");
     const auto found = std::ranges::find(views_, name, &platform::View::name);
     if (found == views_.end() || (openonly && !found->open))
-        throw std::out_of_range(fmt::format("there is no view \"{}\"", name));
+        throw NoSuchView(fmt::format("there is no view \"{}\"", name));
     return found->ask(query);
 }
 

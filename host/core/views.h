@@ -7,6 +7,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <shared_mutex>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,15 @@ class Registry;
 }
 
 namespace host {
+
+class NoSuchView : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+class ViewsClosed : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
 
 class ShownViews : public platform::Views {
 public:
@@ -33,8 +43,8 @@ public:
 
     // The descriptions with "name" and "open" in each, in the order of the offers.
     [[nodiscard]] std::vector<nlohmann::json> descriptions() const;
-    // Throws std::out_of_range when there is no such view, std::invalid_argument for a bad query, std::logic_error when
-    // the server stops. `openonly`: as if there were only those that hold nothing private.
+    // Throws NoSuchView, ViewsClosed when the server stops, and what the view throws: std::invalid_argument for a bad
+    // query. `openonly`: as if there were only those that hold nothing private.
     [[nodiscard]] std::string ask(const std::string& name, const std::string& query, bool openonly = false) const;
     // Every count as it stands, by name; gauges that are read are read now.
     [[nodiscard]] std::vector<prometheus::MetricFamily> counts() const;

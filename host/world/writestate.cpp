@@ -26,6 +26,7 @@ bool WriteState::istime() const {
 }
 
 void WriteState::failed(const std::string& why) {
+    ++failures_;
     tried_ = now();
     why_ = why;
     const bool isnew = !isfailing();
@@ -36,6 +37,7 @@ void WriteState::failed(const std::string& why) {
 }
 
 void WriteState::worked() {
+    ++writes_;
     if (!isfailing()) return;
     platform::Logger("Server").info("{} is written again, after {} s", file_, (now() - since_) / 1000);
     pause_ = 0;

@@ -3,6 +3,7 @@
 // over.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -21,6 +22,10 @@ public:
     void failed(const std::string& why);
     void worked();
 
+    // Since the start. Any thread.
+    [[nodiscard]] std::uint64_t writes() const { return writes_; }
+    [[nodiscard]] std::uint64_t failures() const { return failures_; }
+
     [[nodiscard]] std::string unwritable() const override;
     void whenwritten(std::function<void()> work) override { waiting_.push_back(std::move(work)); }
     // Everything that has changed is on the disk: what waited for that.
@@ -29,6 +34,7 @@ public:
 private:
     [[nodiscard]] bool isfailing() const { return pause_ > 0; }
 
+    std::atomic<std::uint64_t> writes_ = 0, failures_ = 0;
     const std::string file_;
     std::string why_;
     std::vector<std::function<void()>> waiting_;
