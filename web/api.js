@@ -50,5 +50,8 @@ export const server = () => call("GET", "/api/server");
 export const speed = (change) => call("POST", "/api/speed", change);
 export const ticks = (count) => call("POST", "/api/ticks", { count });
 export const clock = (milliseconds) => call("POST", "/api/clock", { milliseconds });
+export const views = () => call("GET", "/api/views").then((answer) => answer.views);
+export const view = (name, query) => call("GET", `/api/views/${encodeURIComponent(name)}?${new URLSearchParams(query)}`);
+export const heard = (name, after) => call("GET", at(name, `?heard=${after}`)).then((answer) => answer.heard);
 export const complete = (line, player) =>
   call("GET", `/api/complete?${new URLSearchParams({ line, player })}`);

@@ -3,7 +3,10 @@ import { h } from "/dom.js";
 import { t } from "/strings.js";
 
 // Whether the answer is yes. `key` is the question; `action` labels the button that does it.
-export function confirmed(key, values, action) {
+export const confirmed = (key, values, action) => confirmedtext(t(key, values), t(action));
+
+// The same with a question and a label that stand.
+export function confirmedtext(question, label) {
   return new Promise((answer) => {
     let yes = false;
     const end = (given) => () => {
@@ -11,9 +14,9 @@ export function confirmed(key, values, action) {
       dialogue.close();
     };
     const no = h("button", { type: "button", t: "cancel", on: { click: end(false) } });
-    const dialogue = h("dialog", { class: "ask", role: "alertdialog", "aria-label": t(key, values), on: { close: () => { dialogue.remove(); answer(yes); } } },
-      h("p", {}, t(key, values)),
-      h("footer", {}, no, h("button", { type: "button", class: "main", "data-action": "yes", t: action, on: { click: end(true) } })));
+    const dialogue = h("dialog", { class: "ask", role: "alertdialog", "aria-label": question, on: { close: () => { dialogue.remove(); answer(yes); } } },
+      h("p", {}, question),
+      h("footer", {}, no, h("button", { type: "button", class: "main", "data-action": "yes", on: { click: end(true) } }, label)));
     document.body.append(dialogue);
     dialogue.showModal();
     no.focus();

@@ -2,6 +2,7 @@
 import * as api from "/api.js";
 import { Card } from "/card.js";
 import { confirmed } from "/confirm.js";
+import { Desk } from "/desk.js";
 import { calmly, h, relabel, select, setlabel } from "/dom.js";
 import * as items from "/items.js";
 import { joindialogue, joinfirst } from "/join.js";
@@ -21,6 +22,7 @@ let known = [];  // the players as last read
 let run = "";  // which run of the server everything here is of
 let paused = false;
 let operator = null;
+let desk = null;
 const cardplace = h("div", { class: "cards" });
 const empty = emptystate();
 const again = new Rejoin({ joined: rejoined, changed: arrange });
@@ -159,6 +161,7 @@ async function readplayers() {
   known = await api.players();
   for (const player of known) cards.get(player.name)?.inform(player);
   operator.inform(known);
+  desk.inform();
   return known;
 }
 const inform = eventually(informpause, () => readplayers().catch(() => {}));
@@ -213,6 +216,7 @@ function changelanguage(name) {
   for (const card of cards.values()) card.relabel();
   again.relabel();
   operator.relabel();
+  desk.relabel();
 }
 
 const themes = select(["auto", "light", "dark"].map((name) => [name, t(`theme${name}`)]), remembered("theme", "auto"),
@@ -246,11 +250,22 @@ function showoperator(on) {
   remember("operator", on);
 }
 
+// The desk takes the place of the cards.
+const deskbutton = h("button", { type: "button", t: "desk", "aria-pressed": "false", on: { click: () => showdesk(desk.element.hidden) } });
+
+function showdesk(on) {
+  document.querySelector(".playing").hidden = on;
+  deskbutton.setAttribute("aria-pressed", String(on));
+  remember("desk", on);
+  if (on) desk.show();
+  else desk.hide();
+}
+
 function head() {
   return h("header", { class: "pagehead" },
     h("div", { class: "brand" }, h("img", { src: "/favicon.svg", alt: "", width: 28, height: 28 }), h("h1", {}, "Ordomart"), h("span", { t: "playground" }), status, halted),
     h("nav", {}, h("button", { type: "button", class: "main", t: "addplayer", on: { click: () => joindialogue(joined).catch(notice) } }),
-      operatorbutton, sound, languages, themes));
+      deskbutton, operatorbutton, sound, languages, themes));
 }
 
 function askfortoken() {
@@ -299,7 +314,9 @@ async function begin() {
     return void setTimeout(begin, 2000);
   }
   operator = new Operator({ players: () => known, reload: readplayers, opencard, onpage: (name) => cards.has(name), close: closeoperator });
-  document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, again.element, empty, cardplace), operator.element));
+  desk = new Desk({ players: () => known });
+  document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, again.element, empty, cardplace), desk.element, operator.element));
+  showdesk(remembered("desk", false));
   showoperator(remembered("operator", false));
   const before = remembered("open", []);
   await showagain(before.map((name) => known.find((player) => player.name === name)).filter(Boolean), "werehere");

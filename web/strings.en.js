@@ -67,5 +67,10 @@ export default {
   logpause: "Hold still", logresume: "Follow", logclear: "Clear", loglevel: "From level", logempty: "No lines yet.",
   nomoney: "no LLMoney",
 
+  desk: "Desk", deskviews: "Views", deskactor: "Commands are run by", desknoactor: "nobody here may",
+  desknobody: "Join a player with permission 1 or more first: commands are run by him.",
+  deskruns: "{name} runs: {line}", deskdone: "Done.", desksearch: "Show", deskmore: "More", deskempty: "Nothing to show.",
+  deskfill: "Fill in what is asked for.", desknothing: "There is nothing to show.", yes: "yes", no: "no", enchanted: "enchanted",
+
   failed: "That did not work: {why}", unreached: "the server does not answer",
 };

@@ -67,5 +67,10 @@ export default {
   logpause: "停住", logresume: "跟随", logclear: "清空", loglevel: "最低级别", logempty: "还没有日志。",
   nomoney: "没有 LLMoney",
 
+  desk: "管理台", deskviews: "视图", deskactor: "执行命令的玩家", desknoactor: "没有可用的玩家",
+  desknobody: "请先让一名权限不低于1的玩家进入：命令由他执行。",
+  deskruns: "由 {name} 执行：{line}", deskdone: "已完成。", desksearch: "显示", deskmore: "更多", deskempty: "没有内容。",
+  deskfill: "请填写所需内容。", desknothing: "没有可显示的内容。", yes: "是", no: "否", enchanted: "附魔",
+
   failed: "操作失败：{why}", unreached: "服务器没有应答",
 };

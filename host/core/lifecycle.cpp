@@ -149,6 +149,7 @@ void Server::Parts::openworld() {
     services.stores = &world->stores();
     services.records = &world->tables();
     network = std::make_unique<Network>(server);
+    offerhealth();
 }
 
 void Server::Parts::loadplugin(const fs::path& file) {

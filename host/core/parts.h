@@ -83,6 +83,10 @@ struct Server::Parts {
     // metrics.cpp; any thread.
     [[nodiscard]] std::vector<prometheus::MetricFamily> metrics();
 
+    // healthview.cpp
+    void offerhealth();
+    [[nodiscard]] std::string health();  // any thread
+
     [[nodiscard]] bool onserverthread() const { return std::this_thread::get_id() == serverthread.load(); }
 
     Server& server;

@@ -148,8 +148,8 @@ protected:
 TEST_F(ViewsTest, AreListedAndAsked) {
     std::set<std::string> names;
     for (const auto& view : caller->get("/api/views").body["views"]) names.insert(view["name"]);
-    EXPECT_THAT(names, IsSupersetOf({"echo", "picky", "now", "trades", "flows", "prices", "goods", "top-shops", "shops",
-                                     "market"}));
+    EXPECT_THAT(names, IsSupersetOf({"echo", "picky", "now", "trades", "flows", "prices", "goods", "top-shops",
+                                     "server", "shops", "market"}));
     const struct {
         const char* path;
         int status;
