@@ -87,6 +87,14 @@ async function walks(page, checks, server) {
     await page.getByRole("tab", { name: tab }).click();
     await checks(`the operator's ${tab}`);
   }
+  const desk = page.getByRole("button", { name: "Desk", exact: true });
+  await desk.click();
+  for (const view of await page.locator(".desknav button").evaluateAll((buttons) => buttons.map(({ dataset }) => dataset.view))) {
+    await page.locator(`.desknav [data-view="${view}"]`).click();
+    await page.locator(".deskcontent > *, .deskview[data-view=prices]").first().waitFor();
+    await checks(`the desk's ${view}`);
+  }
+  await desk.click();
   await page.getByRole("tab", { name: "Give" }).click();
   await page.getByRole("searchbox").fill("wool");
   await page.locator('[data-item="minecraft:wool"]').click();

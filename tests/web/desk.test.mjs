@@ -1,0 +1,86 @@
+// The desk: what is traded on the page is seen there, found, drawn, and taken back.
+import assert from "node:assert/strict";
+import { beforeEach, test } from "node:test";
+
+import { money, onpages, play, purse } from "./play.mjs";
+import { joins } from "./stage.mjs";
+
+onpages();
+let page;
+beforeEach(() => ({ page } = play));
+
+const view = (name) => page.locator(`.deskview[data-view="${name}"]`);
+const opens = async (name) => {
+  await page.locator(`.desknav [data-view="${name}"]`).click();
+  await view(name).waitFor();
+  return view(name);
+};
+
+async function buys(name, pieces, permission) {
+  const player = await joins(page, { name, permission });
+  await player.types("ordomart formmenu");
+  await player.chooses(/Selling/);
+  await player.asked("Orchard apples");
+  await player.chooses(/Orchard apples/);
+  await player.form.locator("input").fill(String(pieces));
+  await player.form.locator("input").press("Enter");
+  await player.form.waitFor({ state: "detached" });
+  return player;
+}
+
+test("a trade is seen, found, drawn and undone", async () => {
+  const lena = await buys("Lena", 3, "1");
+  const paid = purse - Number((await lena.money.getAttribute("data-amount")).replace(/\D/g, ""));
+  assert.ok(paid > 0);
+  await page.getByRole("button", { name: "Desk", exact: true }).click();
+
+  const feed = await opens("now");
+  await feed.locator("tbody tr", { hasText: "Lena" }).first().waitFor();
+
+  const flows = await opens("flows");
+  await flows.locator(".plot canvas").nth(1).waitFor();
+  await flows.locator("tbody tr", { hasText: String(paid) }).waitFor();
+
+  const prices = await opens("prices");
+  await prices.getByLabel("Item").fill("Apple");
+  await prices.getByRole("button", { name: "Show" }).click();
+  await prices.locator(".plot canvas").nth(1).waitFor();
+  assert.equal(await prices.locator("tbody tr").count(), 30);
+
+  const trades = await opens("trades");
+  await trades.getByLabel("Player").fill("Nobody");
+  await trades.getByRole("button", { name: "Show" }).click();
+  await trades.locator(".outcome.bad", { hasText: "Nobody" }).waitFor();
+  await trades.getByLabel("Player").fill("Lena");
+  await trades.getByRole("button", { name: "Show" }).click();
+  const undo = trades.getByRole("button", { name: "Undo" });
+  await undo.click();
+  await page.getByRole("alertdialog").getByRole("button", { name: "Cancel" }).click();
+  await undo.click();
+  await page.getByRole("alertdialog").getByText("Lena runs: ordomart undo").waitFor();
+  await page.getByRole("alertdialog").getByRole("button", { name: "Undo" }).click();
+  await trades.locator(".outcome", { hasText: /Trade \d+ is undone/ }).waitFor();
+  await undo.waitFor({ state: "detached" });
+  await page.getByRole("button", { name: "Desk", exact: true }).click();
+  await money(lena, purse);
+});
+
+test("a shop is banned and opened again, by an operator alone", async () => {
+  await joins(page, { name: "Guest" });
+  await page.getByRole("button", { name: "Desk", exact: true }).click();
+  const shops = await opens("shops");
+  await shops.getByRole("button", { name: "Ban" }).first().click();
+  await shops.locator(".outcome.bad", { hasText: "permission" }).waitFor();
+  await page.getByRole("button", { name: "Desk", exact: true }).click();
+  await joins(page, { name: "Ada", permission: "2" });
+  await page.getByRole("button", { name: "Desk", exact: true }).click();
+  await page.locator(".actor option", { hasText: "Ada" }).waitFor({ state: "attached" });
+  for (const [label, state] of [["Ban", "banned"], ["Lift the ban", "open"]]) {
+    await shops.getByRole("button", { name: label, exact: true }).first().click();
+    await page.getByRole("alertdialog").getByText("Ada runs: ordomart").waitFor();
+    await page.getByRole("alertdialog").getByRole("button", { name: label }).click();
+    await shops.locator(".outcome", { hasText: /banned/ }).waitFor();
+    await shops.getByLabel("State").selectOption(state);
+    await shops.locator("tbody tr").first().waitFor();
+  }
+});
