@@ -133,6 +133,7 @@ void Server::Parts::startup() {
     }
     if (options.adjust) options.adjust(services);
     loadplugin(file);
+    offerhealth();  // behind what the plug-in shows
     for (const auto& plugin : plugins.records()) {
         say(platform::LogLevel::info, "Plug-in " + plugin.name + " " + plugin.version.toString(true));
     }
@@ -149,7 +150,6 @@ void Server::Parts::openworld() {
     services.stores = &world->stores();
     services.records = &world->tables();
     network = std::make_unique<Network>(server);
-    offerhealth();
 }
 
 void Server::Parts::loadplugin(const fs::path& file) {

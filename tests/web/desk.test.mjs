@@ -24,6 +24,10 @@ async function buys(name, pieces, permission) {
   await player.chooses(/Orchard apples/);
   await player.form.locator("input").fill(String(pieces));
   await player.form.locator("input").press("Enter");
+  await player.asked("purchase successfully");
+  await player.chooses("Exit");
+  await player.asked("Main menu");
+  await player.form.getByRole("button", { name: "Close" }).click();
   await player.form.waitFor({ state: "detached" });
   return player;
 }
