@@ -43,7 +43,7 @@ test("a trade is seen, found, drawn and undone", async () => {
 
   const flows = await opens("flows");
   await flows.locator(".plot canvas").nth(1).waitFor();
-  await flows.locator("tbody tr", { hasText: String(paid) }).waitFor();
+  await flows.locator("tbody tr").first().getByRole("cell", { name: String(paid), exact: true }).waitFor();
 
   const prices = await opens("prices");
   await prices.getByLabel("Item").fill("Apple");
