@@ -39,17 +39,17 @@ test("a trade is seen, found, drawn and undone", async () => {
   await page.getByRole("button", { name: "Desk", exact: true }).click();
 
   const feed = await opens("now");
-  await feed.locator("tbody tr", { hasText: "Lena" }).first().waitFor();
+  await feed.locator(".desktable tbody tr", { hasText: "Lena" }).first().waitFor();
 
   const flows = await opens("flows");
   await flows.locator(".plot canvas").nth(1).waitFor();
-  await flows.locator("tbody tr").first().getByRole("cell", { name: String(paid), exact: true }).waitFor();
+  await flows.locator(".desktable tbody tr").first().getByRole("cell", { name: String(paid), exact: true }).waitFor();
 
   const prices = await opens("prices");
   await prices.getByLabel("Item").fill("Apple");
   await prices.getByRole("button", { name: "Show" }).click();
   await prices.locator(".plot canvas").nth(1).waitFor();
-  assert.equal(await prices.locator("tbody tr").count(), 30);
+  assert.equal(await prices.locator(".desktable tbody tr").count(), 30);
 
   const trades = await opens("trades");
   await trades.getByLabel("Player").fill("Nobody");
@@ -85,6 +85,6 @@ test("a shop is banned and opened again, by an operator alone", async () => {
     await page.getByRole("alertdialog").getByRole("button", { name: label }).click();
     await shops.locator(".outcome", { hasText: /banned/ }).waitFor();
     await shops.getByLabel("State").selectOption(state);
-    await shops.locator("tbody tr").first().waitFor();
+    await shops.locator(".desktable tbody tr").first().waitFor();
   }
 });
