@@ -16,6 +16,12 @@ const opens = async (name) => {
   return view(name);
 };
 
+async function metrics() {
+  const { origin, token } = play.server;
+  const response = await fetch(`${origin}/metrics`, { headers: { Authorization: `Bearer ${token}` } });
+  return new Map((await response.text()).split("\n").map((line) => line.match(/^([^#]\S*) (\S+)$/)).filter(Boolean).map(([, name, value]) => [name, Number(value)]));
+}
+
 async function buys(name, pieces, permission) {
   const player = await joins(page, { name, permission });
   await player.types("ordomart formmenu");
@@ -55,6 +61,7 @@ test("a trade is seen, found, drawn and undone", async () => {
   await trades.getByLabel("Player").fill("Nobody");
   await trades.getByRole("button", { name: "Show" }).click();
   await trades.locator(".outcome.bad", { hasText: "Nobody" }).waitFor();
+  assert.match(play.errors.splice(0).join(), /^Failed to load resource.* 400 \(Bad Request\)$/);
   await trades.getByLabel("Player").fill("Lena");
   await trades.getByRole("button", { name: "Show" }).click();
   const undo = trades.getByRole("button", { name: "Undo" });
@@ -67,6 +74,12 @@ test("a trade is seen, found, drawn and undone", async () => {
   await undo.waitFor({ state: "detached" });
   await page.getByRole("button", { name: "Desk", exact: true }).click();
   await money(lena, purse);
+  const counts = await metrics();
+  for (const [kind, pieces] of [["purchase", 3], ["undo", 3], ["sale", 0]]) {
+    assert.equal(counts.get(`ordomart_pieces_total{kind="${kind}"}`), pieces);
+    assert.equal(counts.get(`ordomart_money_total{kind="${kind}"}`), pieces ? paid : 0);
+  }
+  assert.ok(counts.get('ordomart_list_seconds_count{kind="sell"}') > 0);
 });
 
 test("a shop is banned and opened again, by an operator alone", async () => {
