@@ -1,7 +1,6 @@
 #include "host/api/api.h"
 
 #include <fmt/format.h>
-#include <openssl/crypto.h>
 #include <prometheus/metric_family.h>
 #include <prometheus/text_serializer.h>
 
