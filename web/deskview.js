@@ -50,6 +50,7 @@ export class View {
     clearInterval(this.timer);
     this.plot?.end();
     this.plot = null;
+    this.text = "";
   }
 
   ask(values) {
@@ -64,6 +65,9 @@ export class View {
       const answer = await api.view(this.description.name, this.asked);
       if (number !== this.number) return;
       this.outcome.tell("", false);
+      const text = JSON.stringify(answer);
+      if (text === this.text) return;
+      this.text = text;
       this.answer = answer;
       this.draw();
     } catch (error) {
@@ -75,16 +79,19 @@ export class View {
     await this.outcome.of(async () => {
       const { rows, next } = await api.view(this.description.name, { ...this.asked, ...this.answer.next });
       this.answer = { ...this.answer, rows: [...this.answer.rows, ...rows], next };
+      this.text = "";
       this.draw();
     });
   }
 
   draw() {
     const { kind } = this.description, { rows, note, next } = this.answer;
+    const scrolled = this.content.querySelector(".desktable")?.scrollTop ?? 0;
     const focused = this.content.contains(document.activeElement) ? document.activeElement.dataset.key : null;
     if (kind === "figures") this.content.replaceChildren(figures(rows));
     else if (kind === "series") this.drawseries(rows);
     else this.content.replaceChildren(this.table(rows));
+    if (scrolled > 0) this.content.querySelector(".desktable")?.scrollTo({ top: scrolled });
     this.note.textContent = said(note);
     this.more.hidden = !next;
     if (focused) this.content.querySelector(`[data-key="${CSS.escape(focused)}"]`)?.focus();
