@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
+#include <optional>
 #include <regex>
 #include <set>
 #include <sstream>
@@ -110,11 +111,14 @@ class ViewsTest : public testing::Test {
 protected:
     ViewsTest() : server_(coretests::manually(directory_, [this](platform::Host& host) { offer(*host.views); })) {
         server_.start();
-        api.start();
-        caller = std::make_unique<coretests::ApiCaller>(api.port(), api.token());
+        clients.emplace(server_);
+        api.emplace(server_, *clients, host::ApiOptions{.port = 0});
+        api->start();
+        caller = std::make_unique<coretests::ApiCaller>(api->port(), api->token());
     }
     ~ViewsTest() override {
-        api.stop();
+        api.reset();
+        clients.reset();
         server_.stop();
     }
     void offer(platform::Views& views) {
@@ -140,14 +144,15 @@ protected:
 
     coretests::Directory directory_;
     host::Server server_;
-    host::Clients clients{server_};
-    host::ControlApi api{server_, clients, {.port = 0}};
+    std::optional<host::Clients> clients;
+    std::optional<host::ControlApi> api;
     std::unique_ptr<coretests::ApiCaller> caller;
 };
 
 TEST_F(ViewsTest, AreListedAndAsked) {
     std::set<std::string> names;
-    for (const auto& view : caller->get("/api/views").body["views"]) names.insert(view["name"]);
+    const json listed = caller->get("/api/views").body;
+    for (const auto& view : listed["views"]) names.insert(view["name"]);
     EXPECT_THAT(names, IsSupersetOf({"echo", "picky", "now", "trades", "flows", "prices", "goods", "top-shops",
                                      "server", "shops", "market"}));
     const struct {
@@ -156,7 +161,7 @@ TEST_F(ViewsTest, AreListedAndAsked) {
         const char* says;
     } calls[] = {
         {"/api/views/echo?a=1&b=x%22%C3%A4&c=", 200, R"({"rows":[{"a":"1","b":"x\"ä"}]})"},
-        {"/api/views/echo?a=1&a=2", 400, "\"a\" twice"},
+        {"/api/views/echo?a=1&a=2", 400, "\\\"a\\\" twice"},
         {"/api/views/nobody", 404, "no view \\\"nobody\\\""},
         {"/api/views/picky", 400, "must be a day"},
         {"/api/views/broken", 500, "at()"},
@@ -202,7 +207,7 @@ TEST_F(ViewsTest, MetricsAreInTheFormAndCount) {
                                                                        {"server_write_failures_total", "counter"},
                                                                        {"server_waiting", "gauge"}})
         EXPECT_THAT(seen.types(), Contains(std::pair(name, type)));
-    clients.join({.name = "Alice", .xuid = "2535400000000001"});
+    clients->join({.name = "Alice", .xuid = "2535400000000001"});
     server_.ticks(3);
     const auto later = metrics();
     EXPECT_EQ(later.at("server_players"), 1);
@@ -212,9 +217,9 @@ TEST_F(ViewsTest, MetricsAreInTheFormAndCount) {
 }
 
 TEST_F(ViewsTest, MetricsAreAskedForWithTheTokenUnlessTheyAreOpen) {
-    httplib::Client stranger("127.0.0.1", api.port());
+    httplib::Client stranger("127.0.0.1", api->port());
     EXPECT_EQ(stranger.Get("/metrics")->status, 401);
-    host::ControlApi open(server_, clients, {.port = 0, .openmetrics = true});
+    host::ControlApi open(server_, *clients, {.port = 0, .openmetrics = true});
     open.start();
     httplib::Client watcher("127.0.0.1", open.port());
     const auto answer = watcher.Get("/metrics");
