@@ -13,6 +13,7 @@
 #include "host/api/api.h"
 #include "host/backup/command.h"
 #include "host/backup/restore.h"
+#include "host/board/board.h"
 #include "host/clients.h"
 #include "host/console/colours.h"
 #include "host/console/console.h"
@@ -30,6 +31,8 @@ struct Arguments {
     host::ApiOptions api;
     bool gateway = false;
     host::GatewayOptions door;
+    host::BoardOptions board;
+    std::optional<int> boardport;                // none: there is no board
     std::optional<std::string> backup, restore;  // archives
 };
 
@@ -53,6 +56,12 @@ void describe(CLI::App& app, Arguments& arguments) {
     app.add_option("--host", arguments.api.host, "Address of the web page and the control API")->capture_default_str();
     app.add_option("--token", arguments.api.token,
                    "The token of the control API; if left out that of the server directory, a new random one at first");
+    const auto board = app.add_option("--board", arguments.boardport,
+                                      "Show the board, a page for everybody without a token, on this port; 0 takes any")
+                           ->check(CLI::Range(0, 65535));
+    app.add_option("--board-address", arguments.board.host, "Address of the board")
+        ->needs(board)
+        ->capture_default_str();
     app.add_flag("--open-metrics", arguments.api.openmetrics, "Show /metrics to whoever asks, without the token");
     app.add_flag_callback(
         "--no-llmoney", [&server] { server.moneylibrary = "none"; },
@@ -109,7 +118,11 @@ int serve(Arguments& arguments) {
     api.start();
     host::GatewayDoor door(server, arguments.door);
     if (arguments.gateway) door.start();
+    arguments.board.port = arguments.boardport.value_or(0);
+    host::Board board(server, arguments.board);
+    if (arguments.boardport) board.start();
     if (demo) console.print("A small demo market was made; --empty leaves it out.");
+    if (arguments.boardport) console.print("The board is at " + board.address());
     console.print("The page is at " + api.address());
     if (arguments.gateway) console.print("A gateway is listened for at " + door.address());
     console.print(
@@ -120,6 +133,7 @@ int serve(Arguments& arguments) {
     pthread_sigmask(SIG_UNBLOCK, &ending, nullptr);
     server.announcestop();
     terminal.stop();
+    board.stop();
     api.stop();
     door.stop();
     clients.leaveall();

@@ -21,6 +21,9 @@ struct View {
     // more, and the stop waits for calls under way: one that may take long asks Background::stopping() now and then.
     std::function<std::string(const std::string& query)> ask;
     bool open = false;  // holds nothing private: it may be shown to those who are no operators
+    // Where it is set: while it gives the same text, the same query has the same answer, so that answers can be kept.
+    // An empty text promises nothing. Called as `ask` is, before it.
+    std::function<std::string()> state = nullptr;
 };
 
 // A name by the conventions of Prometheus: small letters, digits and "_"; the plug-in's own word first, the base unit

@@ -72,5 +72,8 @@ export default {
   deskruns: "{name} runs: {line}", deskdone: "Done.", desksearch: "Show", deskmore: "More", deskempty: "Nothing to show.",
   deskfill: "Fill in what is asked for.", desknothing: "There is nothing to show.", yes: "yes", no: "no", enchanted: "enchanted",
 
+  board: "Market board", boardmore: "More filters", boardall: "Show all", boardshare: "Share", boardcopied: "The address is copied.",
+  boardprevious: "Back", boardnext: "Next", boardpages: "Pages", boardcount: "{count} found", boardjson: "The same as JSON",
+
   failed: "That did not work: {why}", unreached: "the server does not answer",
 };

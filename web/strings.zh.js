@@ -72,5 +72,8 @@ export default {
   deskruns: "由 {name} 执行：{line}", deskdone: "已完成。", desksearch: "显示", deskmore: "更多", deskempty: "没有内容。",
   deskfill: "请填写所需内容。", desknothing: "没有可显示的内容。", yes: "是", no: "否", enchanted: "附魔",
 
+  board: "市场公告板", boardmore: "更多筛选", boardall: "显示全部", boardshare: "分享", boardcopied: "链接已复制。",
+  boardprevious: "上一页", boardnext: "下一页", boardpages: "翻页", boardcount: "共 {count} 条", boardjson: "JSON 格式",
+
   failed: "操作失败：{why}", unreached: "服务器没有应答",
 };

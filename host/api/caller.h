@@ -26,9 +26,10 @@ public:
     Caller(const Caller&) = delete;
 
     const std::uint64_t number;
-    bool known = false;  // has shown the token
-    bool gone = false;   // to be forgotten
-    std::string in;      // what belongs to no request yet
+    bool known = false;   // has shown the token
+    bool gone = false;    // to be forgotten
+    std::string address;  // of the other side, in numbers
+    std::string in;       // what belongs to no request yet
     HttpRequest request;
 
     [[nodiscard]] Phase phase() const { return phase_; }

@@ -1,8 +1,11 @@
 #include "host/api/door.h"
 
+#include <netdb.h>
 #include <poll.h>
+#include <sys/socket.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 
@@ -16,12 +19,22 @@ using Phase = Caller::Phase;
 
 namespace {
 
-constexpr std::size_t workers = 8;
-constexpr std::ptrdiff_t moststrangers = 64, mostcallers = 512;
+constexpr std::ptrdiff_t mostcallers = 512;
 constexpr int mostatonce = 64;  // new ones in a pass
 constexpr std::size_t longesthead = 16 << 10, longestbody = 1 << 20;
 constexpr auto farewell = 1s;  // for answers that are on their way when all ends
 constexpr auto outofreach = 100ms;
+
+// The address of the other side in numbers; empty when it is gone already.
+std::string peerof(int socket) {
+    sockaddr_storage peer{};
+    socklen_t length = sizeof peer;
+    std::array<char, NI_MAXHOST> text{};
+    const bool isknown = ::getpeername(socket, reinterpret_cast<sockaddr*>(&peer), &length) == 0 &&
+                         ::getnameinfo(reinterpret_cast<const sockaddr*>(&peer), length, text.data(), text.size(),
+                                       nullptr, 0, NI_NUMERICHOST) == 0;
+    return isknown ? std::string(text.data()) : std::string();
+}
 
 int milliseconds(Caller::Clock::duration time) {
     return static_cast<int>(
@@ -40,7 +53,7 @@ int Door::listen(const std::string& host, int port) {
 }
 
 void Door::start() {
-    workers_.emplace(workers);
+    workers_.emplace(rules_.workers);
     thread_ = std::thread([this] { run(); });
 }
 
@@ -98,6 +111,7 @@ void Door::admit() {
         makeroom();
         ++lastcaller_;
         const auto place = callers_.try_emplace(lastcaller_, lastcaller_, std::move(socket)).first;
+        place->second.address = peerof(place->second.socket());
         attend(place->second, POLLIN);
         if (place->second.gone) callers_.erase(place);
     }
@@ -107,7 +121,7 @@ void Door::admit() {
 void Door::makeroom() {
     const auto stranger = [](const auto& entry) { return !entry.second.known; };
     const auto resting = [](const auto& entry) { return entry.second.known && entry.second.phase() == Phase::idle; };
-    if (std::ranges::count_if(callers_, stranger) >= moststrangers)
+    if (std::ranges::count_if(callers_, stranger) >= rules_.moststrangers)
         callers_.erase(std::ranges::find_if(callers_, stranger));
     else if (std::ssize(callers_) >= mostcallers)
         if (const auto oldest = std::ranges::find_if(callers_, resting); oldest != callers_.end())
@@ -190,12 +204,13 @@ bool Door::takehead(Caller& caller) {
     }
     caller.in.erase(0, end + 4);
     HttpRequest& request = caller.request;
+    request.from = caller.address;
     if (const auto answer = rules_.look(request)) {
         // The body of what was not let in is not read.
         reply(caller, *answer, request.keepalive && answer->status < 400 && request.bodylength == 0);
         return true;
     }
-    caller.known = true;
+    caller.known = rules_.trusting;
     if (request.bodylength > longestbody) {
         refuse(caller, 413, "the body is longer than 1 MiB");
         return true;

@@ -29,6 +29,10 @@ struct DoorRules {
     std::function<HttpAnswer(const HttpRequest&)> call;
     // A refusal of the door's own.
     std::function<HttpAnswer(int status, const std::string& text)> refusal;
+    // Whoever is let in has shown who he is, and is given more time; else all stay strangers.
+    bool trusting = true;
+    std::size_t workers = 8;
+    std::ptrdiff_t moststrangers = 64;
 };
 
 class Door {

@@ -110,14 +110,17 @@ struct Reason {
     const char* text;
 };
 constexpr Reason reasons[] = {{200, "OK"},
+                              {304, "Not Modified"},
                               {400, "Bad Request"},
                               {401, "Unauthorized"},
                               {403, "Forbidden"},
                               {404, "Not Found"},
+                              {405, "Method Not Allowed"},
                               {408, "Request Timeout"},
                               {409, "Conflict"},
                               {411, "Length Required"},
                               {413, "Content Too Large"},
+                              {429, "Too Many Requests"},
                               {431, "Request Header Fields Too Large"},
                               {500, "Internal Server Error"},
                               {503, "Service Unavailable"}};
@@ -144,7 +147,8 @@ std::string writeanswer(const HttpAnswer& answer, bool keepalive, bool headonly)
     std::string text = fmt::format("HTTP/1.1 {} {}\r\nContent-Type: {}\r\n", answer.status,
                                    reason == std::end(reasons) ? "" : reason->text, answer.type);
     for (const auto& [name, value] : answer.headers) text += fmt::format("{}: {}\r\n", name, value);
-    if (answer.outlet == nullptr) text += fmt::format("Content-Length: {}\r\n", answer.body.size());
+    if (answer.outlet == nullptr && answer.status != 304)
+        text += fmt::format("Content-Length: {}\r\n", answer.body.size());
     text += keepalive ? "Connection: keep-alive\r\n\r\n" : "Connection: close\r\n\r\n";
     if (!headonly) text += answer.body;
     return text;

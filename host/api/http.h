@@ -24,6 +24,7 @@ using HttpFields = std::vector<std::pair<std::string, std::string>>;
 struct HttpRequest {
     std::string method, path;
     HttpFields query, headers;  // the names of headers in small letters
+    std::string from;           // the address of the other side, in numbers
     std::string body;
     std::size_t bodylength = 0;
     bool keepalive = true;

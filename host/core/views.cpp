@@ -132,13 +132,23 @@ std::vector<nlohmann::json> ShownViews::descriptions() const {
     return descriptions_;
 }
 
-std::string ShownViews::ask(const std::string& name, const std::string& query, bool openonly) const {
-    const std::shared_lock lock(serving_);
+const platform::View& ShownViews::find(const std::string& name, bool openonly) const {
     if (closed_) throw ViewsClosed("the server stops");
     const auto found = std::ranges::find(views_, name, &platform::View::name);
     if (found == views_.end() || (openonly && !found->open))
         throw NoSuchView(fmt::format("there is no view \"{}\"", name));
-    return found->ask(query);
+    return *found;
+}
+
+std::string ShownViews::ask(const std::string& name, const std::string& query, bool openonly) const {
+    const std::shared_lock lock(serving_);
+    return find(name, openonly).ask(query);
+}
+
+std::string ShownViews::state(const std::string& name, bool openonly) const {
+    const std::shared_lock lock(serving_);
+    const auto& view = find(name, openonly);
+    return view.state ? view.state() : std::string();
 }
 
 std::vector<prometheus::MetricFamily> ShownViews::counts() const {

@@ -46,6 +46,8 @@ public:
     // Throws NoSuchView, ViewsClosed when the server stops, and what the view throws: std::invalid_argument for a bad
     // query. `openonly`: as if there were only those that hold nothing private.
     [[nodiscard]] std::string ask(const std::string& name, const std::string& query, bool openonly = false) const;
+    // What the view says its answers hang on; empty where it does not say. Throws as ask() does.
+    [[nodiscard]] std::string state(const std::string& name, bool openonly = false) const;
     // Every count as it stands, by name; gauges that are read are read now.
     [[nodiscard]] std::vector<prometheus::MetricFamily> counts() const;
 
@@ -58,6 +60,7 @@ private:
         std::function<double()> value;
     };
     void learn(const platform::CountName& name, const std::string& kind);
+    [[nodiscard]] const platform::View& find(const std::string& name, bool openonly) const;
 
     const Complain complain_;
     mutable std::shared_mutex serving_;  // shared by those who are served

@@ -1,6 +1,7 @@
 #include "plugin/shopsystem/catalogue.h"
 
 #include <algorithm>
+#include <atomic>
 #include <exception>
 #include <utility>
 
@@ -24,7 +25,8 @@ constexpr std::size_t mostfound = 16;
 bool hasfile(const std::string& xuid) { return platform::host().files->exists(shopfile(xuid)); }
 
 std::shared_ptr<const shelves> made(std::vector<std::shared_ptr<const shelf>> all) {
-    shelves now{std::move(all), goodsblock::header().since, goodsblock::header().until};
+    static std::atomic<std::uint64_t> last = 0;
+    shelves now{std::move(all), goodsblock::header().since, goodsblock::header().until, ++last};
     for (const auto& on : now.all) {
         now.since = std::max(now.since, on->since());
         now.until = std::min(now.until, on->until());

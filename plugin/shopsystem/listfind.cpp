@@ -54,6 +54,13 @@ private:
     std::vector<std::uint64_t> words_;
 };
 
+void marktexts(const shelf& on, rowtexts::kind text, const textfilter& filter, rowmarks& rows) {
+    for (std::size_t piece = 0; piece < on.texts().size(); ++piece) {
+        const auto& texts = *on.texts()[piece];
+        filter.mark(texts.bytes(), texts.offsets(text), rows.words(), on.firstoftexts(piece));
+    }
+}
+
 // A filter record, read once. Fields of the shop and of the row are held against it in whichever way is meant.
 class readfilter {
 public:
@@ -94,7 +101,7 @@ public:
         for (const auto text : {rowtexts::name, rowtexts::describe}) {
             if (!filterof(text).isset()) continue;
             rowmarks passing(on.size());
-            marktexts(on, text, passing);
+            marktexts(on, text, filterof(text), passing);
             rows &= passing;
         }
         if (tag_.isset()) rows &= tagged(on);
@@ -103,7 +110,7 @@ public:
     void collect(const shelf& on, rowmarks& rows) const {
         if (asksofshops()) markshops(on, rows, &readfilter::anyof);
         for (const auto text : {rowtexts::name, rowtexts::describe})
-            if (filterof(text).isset()) marktexts(on, text, rows);
+            if (filterof(text).isset()) marktexts(on, text, filterof(text), rows);
         if (tag_.isset()) rows |= tagged(on);
     }
 
@@ -116,13 +123,6 @@ private:
         for (std::size_t b = 0; b < on.shops().size(); ++b)
             if ((this->*passes)(on.shops()[b]->shop))
                 for (auto row = on.firstof(b); row < on.firstof(b + 1); ++row) rows.set(row);
-    }
-
-    void marktexts(const shelf& on, rowtexts::kind text, rowmarks& rows) const {
-        for (std::size_t piece = 0; piece < on.texts().size(); ++piece) {
-            const auto& texts = *on.texts()[piece];
-            filterof(text).mark(texts.bytes(), texts.offsets(text), rows.words(), on.firstoftexts(piece));
-        }
     }
 
     [[nodiscard]] rowmarks tagged(const shelf& on) const {
@@ -145,16 +145,38 @@ private:
 std::optional<std::string> onlytag(const rowquery& query) {
     auto rest = query.standing;
     const auto wanted = std::exchange(rest.itemtagfilter, {});
-    if (query.searching || !query.publicrows || !query.shop.empty() || !(rest == shopfilter())) return std::nullopt;
+    if (query.searching || !query.publicrows || !query.shop.empty() || !query.item.empty() || !(rest == shopfilter()))
+        return std::nullopt;
     if (!wanted.ends_with('$') || wanted.find("{||}") != std::string::npos) return std::nullopt;
     return wanted.substr(0, wanted.size() - 1);
+}
+
+// The name of a stack's item in its text: the key of the outermost compound, not of what lies in the stack.
+std::string_view itemnameof(std::string_view stack) {
+    constexpr std::string_view key = "Name:\"";
+    int depth = 0;
+    for (std::size_t at = 0; at < stack.size(); ++at) {
+        const char c = stack[at];
+        const bool isnamed = depth == 1 && c == 'N' && (stack[at - 1] == '{' || stack[at - 1] == ',');
+        if (isnamed && stack.substr(at).starts_with(key)) {
+            const auto rest = stack.substr(at + key.size());
+            return rest.substr(0, rest.find('"'));
+        }
+        if (c == '"')
+            while (++at < stack.size() && stack[at] != '"') at += stack[at] == '\\' ? 1 : 0;
+        depth += c == '{' || c == '[' ? 1 : c == '}' || c == ']' ? -1 : 0;
+    }
+    return {};
 }
 
 // What the query asks of the rows of one shelf.
 class rowtest {
 public:
     explicit rowtest(const rowquery& query)
-        : query_(query), standing_(query.standing, query.issell), search_(query.search, query.issell) {}
+        : query_(query),
+          standing_(query.standing, query.issell),
+          search_(query.search, query.issell),
+          item_(query.item.empty() ? query.item : "Name:\"" + query.item + "\"") {}
 
     [[nodiscard]] std::shared_ptr<const shelf::rows> passing(const shelf& on) const {
         return passing(on, 0, on.size());
@@ -170,12 +192,24 @@ public:
             search_.collect(on, hits);
             marks &= hits;
         }
+        if (item_.isset()) {
+            rowmarks named(on.size());
+            marktexts(on, rowtexts::stack, item_, named);
+            marks &= named;
+            auto rows = marks.rows();
+            std::erase_if(rows, [&](rowno row) {
+                const auto at = on.at(row);
+                return itemnameof(at.texts.at(rowtexts::stack, at.text)) != query_.item;
+            });
+            return std::make_shared<const shelf::rows>(std::move(rows));
+        }
         return std::make_shared<const shelf::rows>(marks.rows());
     }
 
 private:
     const rowquery& query_;
     const readfilter standing_, search_;
+    const textfilter item_;
 };
 
 std::shared_ptr<const shelf::rows> shopsof(const shelf& on) {
@@ -186,7 +220,8 @@ std::shared_ptr<const shelf::rows> shopsof(const shelf& on) {
 }
 
 bool asksnothing(const rowquery& query) {
-    return query.publicrows && query.shop.empty() && !query.searching && query.standing == shopfilter();
+    return query.publicrows && query.shop.empty() && query.item.empty() && !query.searching &&
+           query.standing == shopfilter();
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ namespace shopsystem {
 struct shelves {
     std::vector<std::shared_ptr<const shelf>> all;
     std::int64_t since, until;  // as a block's
+    std::uint64_t number = 0;   // another one's for whatever has changed
 };
 
 // The one on which a shop stands; null when there is no such shop.
@@ -28,6 +29,7 @@ struct shelves {
 struct rowquery {
     bool issell = true;
     std::string shop;         // of this one alone; empty for all
+    std::string item;         // of this item alone, by its full name; empty for all
     bool publicrows = false;  // neither private rows nor those of banned shops
     shopfilter standing;
     bool searching = false;

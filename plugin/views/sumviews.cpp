@@ -111,9 +111,9 @@ std::string answerprices(const std::string& query) {
     return answer.dump();
 }
 
-void offer(const char* name, json description, std::string (*answer)(const std::string&)) {
+void offer(const char* name, json description, std::string (*answer)(const std::string&), bool open = false) {
     description["group"] = said("Figures", "统计");
-    platform::Shown::offer({name, description.dump(), answer});
+    platform::Shown::offer({name, description.dump(), answer, open});
 }
 
 }  // namespace
@@ -145,8 +145,8 @@ void offersumviews() {
            {"query",
             {column("item", "item", said("Item", "物品"), {{"required", true}}),
              column("variant", "text", said("Variant", "品种")), daysfield("30")}}},
-          &answerprices);
-    offer("goods",
+          &answerprices, true);
+    offer("top-goods",
           {{"title", said("Top goods", "热门商品")},
            {"about", said("By the money that was paid for them.", "按成交金额排列。")},
            {"kind", "table"},

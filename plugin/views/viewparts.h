@@ -42,5 +42,6 @@ private:
 void offertradeviews();
 void offersumviews();
 void offershopviews();
+void offerboardviews();
 
 }  // namespace ordomart::views

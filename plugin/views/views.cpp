@@ -7,6 +7,7 @@ namespace ordomart {
 
 void offerviews() {
     startcounts();
+    views::offerboardviews();
     views::offershopviews();
     views::offersumviews();
     views::offertradeviews();

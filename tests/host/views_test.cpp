@@ -153,7 +153,7 @@ TEST_F(ViewsTest, AreListedAndAsked) {
     std::set<std::string> names;
     const json listed = caller->get("/api/views").body;
     for (const auto& view : listed["views"]) names.insert(view["name"]);
-    EXPECT_THAT(names, IsSupersetOf({"echo", "picky", "now", "trades", "flows", "prices", "goods", "top-shops",
+    EXPECT_THAT(names, IsSupersetOf({"echo", "picky", "now", "trades", "flows", "prices", "top-goods", "top-shops",
                                      "server", "shops", "market"}));
     const struct {
         const char* path;
