@@ -181,8 +181,7 @@ void offer(const char* name, json title, json about, json price, json left) {
           column("in", "text", said("Search in", "搜索范围"), {{"options", std::move(in)}}),
           column("sort", "text", said("Order", "排序"), {{"options", optionsof(sorts)}}),
           column("item", "item", said("Item", "物品")), column("name", "text", said("Name", "名称")),
-          column("tag", "text", said("Tag", "标签")), column("owner", "text", said("Owner", "店主")),
-          column("page", "number")}}};
+          column("tag", "text", said("Tag", "标签")), column("owner", "text", said("Owner", "店主"))}}};
     platform::Shown::offer({name, description.dump(), &answer<Rows>, true, &state<Rows::type>});
 }
 

@@ -18,10 +18,12 @@ const browserarguments = ["--no-sandbox", "--disable-gpu", "--disable-quic", "--
 // The program, when it has printed its address.
 async function runserver(directory, port, more) {
   const server = spawn(program, [path.join(directory, "server"), "--api-port", String(port), ...more], { stdio: ["pipe", "pipe", "inherit"] });
+  let board;  // where it is, with --board
   const address = await new Promise((found, failed) => {
     server.once("error", failed);
     server.once("exit", (code) => failed(new Error(`the server ended with ${code} before it printed its address`)));
     createInterface({ input: server.stdout }).on("line", (line) => {
+      board ??= line.match(/The board is at (\S+)/)?.[1];
       const match = line.match(/http:\/\/\S+#token=\w+/);
       if (match) found(match[0]);
     });
@@ -31,7 +33,7 @@ async function runserver(directory, port, more) {
     server.kill(signal);
     await ended;
   };
-  return { address, end };
+  return { address, board, end };
 }
 
 export async function startserver(more = []) {
@@ -39,7 +41,7 @@ export async function startserver(more = []) {
   let running = await runserver(directory, 0, more);
   const { address } = running, url = new URL(address), token = url.hash.slice("#token=".length);
   return {
-    address, token, origin: url.origin, files: path.join(directory, "server/plugins/Ordomart"),
+    address, token, board: running.board, origin: url.origin, files: path.join(directory, "server/plugins/Ordomart"),
     async call(method, part, body, headers = { Authorization: `Bearer ${token}` }) {
       const response = await fetch(url.origin + part, { method, headers, body: body && JSON.stringify(body) });
       return { status: response.status, ...(await response.json()) };
