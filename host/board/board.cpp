@@ -223,8 +223,9 @@ void Board::stop() { parts_->door.stop(); }
 
 int Board::port() const { return parts_->options.port; }
 std::string Board::address() const {
-    const bool issix = parts_->options.host.find(':') != std::string::npos;
-    return fmt::format(issix ? "http://[{}]:{}/" : "http://{}:{}/", parts_->options.host, parts_->options.port);
+    const std::string& host = parts_->options.host;
+    const std::string name = host.find(':') == std::string::npos ? host : "[" + host + "]";
+    return fmt::format("http://{}:{}/", name, parts_->options.port);
 }
 
 }  // namespace host

@@ -41,7 +41,7 @@ const link = (address, properties, ...children) => h("a", {
 }, ...children);
 
 // Of a query what another view understands, too.
-const shared = (view, query) => Object.fromEntries(Object.entries(query).filter(([name]) => name !== "page" && view.query?.some((field) => field.name === name)));
+const shared = (view, query) => Object.fromEntries(Object.entries(query).filter(([name]) => view.query?.some((field) => field.name === name)));
 
 // ---- what is asked for
 
