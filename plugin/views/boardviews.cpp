@@ -163,8 +163,9 @@ json optionsof(const Names& names) {
 
 template <class Rows>
 void offer(const char* name, json title, json about, json price, json left) {
-    auto in = optionsof(places);
-    in.insert(in.begin(), {{"value", ""}, {"title", said("in names, tags and descriptions", "名称、标签和描述")}});
+    auto in = json::array({{{"value", ""}, {"title", said("in names, tags and descriptions", "名称、标签和描述")}}});
+    const auto others = optionsof(places);
+    in.insert(in.end(), others.begin(), others.end());
     const json description = {
         {"title", std::move(title)},
         {"about", std::move(about)},

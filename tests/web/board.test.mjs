@@ -61,6 +61,8 @@ test("a player looks for goods on his phone", async () => {
 
     await page.getByRole("button", { name: "English" }).click();
     await page.getByRole("navigation", { name: "Views" }).getByRole("link", { name: "Commissions" }).click();
+    await found("nothing");
+    await page.getByRole("link", { name: "Show all" }).click();
     await cards.first().waitFor();
     await cards.first().locator(".k-item a").click();
     await page.waitForURL(/item=minecraft/);
