@@ -66,7 +66,8 @@ TEST(LangTables, TheOwnTextsStandBesideThem) {
     }
     EXPECT_FALSE(own[0].empty());
     for (const auto& [key, text] : own[0]) {
-        EXPECT_EQ(placeholders(text), key == ordomart::owntext::stackskept ? "{0}" : "") << key;
+        if (!key.starts_with("ledger."))
+            EXPECT_EQ(placeholders(text), key == ordomart::owntext::stackskept ? "{0}" : "") << key;
         EXPECT_EQ(placeholders(text), placeholders(own[1][key])) << key;
     }
     EXPECT_EQ(own[0].size(), own[1].size());
