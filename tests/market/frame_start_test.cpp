@@ -134,6 +134,23 @@ TEST(Start, BrokenSettingsStopItAndAreLeftAlone) {
         }
         EXPECT_EQ(stage.file(config), c.content);
     }
+    stage.write(config, "{}");
+    const std::string extras = "plugins/Ordomart/extras.json";
+    for (const auto& [content, said] :
+         {std::pair("{\"ledgerdays\": 0}", ": key \"ledgerdays\": 0 is not between"),
+          std::pair("{\"awaymessage\": 1}", ": key \"awaymessage\": "), std::pair("{", ": ")}) {
+        stage.write(extras, content);
+        try {
+            stage.restart();
+            ADD_FAILURE() << "accepted: " << content;
+        } catch (const host::StartError& e) {
+            EXPECT_THAT(e.what(), HasSubstr(extras + said));
+        }
+        EXPECT_EQ(stage.file(extras), content);
+    }
+    stage.write(extras, "{\"ledgerdays\": 30}");
+    stage.restart();
+    EXPECT_EQ(json::parse(stage.file(extras)), json({{"ledgerdays", 30}, {"awaymessage", true}}));
 }
 
 TEST(Start, SettingsAreCutToTheirWidthAndWrittenBackComplete) {
@@ -176,6 +193,7 @@ TEST(Start, WhereNothingCanBeWritten) {
                                    "[Ordomart][warn] Can't open file plugins/Ordomart/config.json,try load default "
                                    "setting...",
                                    "[Ordomart][warn] Can't open file plugins/Ordomart/config.json",
+                                   "[Ordomart][warn] Can't open file plugins/Ordomart/extras.json",
                                    "[Ordomart][info] failed to find LLmoney.dll",
                                    "[Ordomart][error] Can't find direct,try create:plugins/Ordomart/log/ ",
                                    "[Ordomart][error] create plugins/Ordomart/log/ error!"));
