@@ -62,9 +62,9 @@ test("a desktop player joins, his keyboard completes, he types, clicks, answers 
   assert.ok(known.online && !known.touch && known.language === "en_US");
   const { enums, enum_values: words, command_data: commands } = alice.last.available_commands;
   const command = commands.find((one) => one.name === "ordomart");
-  assert.equal(command.overloads.length, 5);
+  assert.equal(command.overloads.length, 8);
   const completed = enums.flatMap(({ name, values }) => values.map((at) => `${name} ${words[at]}`));
-  for (const word of ["baseoperation buy", "baseoperation1 buybyshop", "baseoperation2 search", "searchtype sell", "manageoption manage", "Boolean true"])
+  for (const word of ["baseoperation buy", "baseoperation1 buybyshop", "baseoperation2 search", "searchtype sell", "manageoption manage", "Boolean true", "pricesoperation prices"])
     assert.ok(completed.includes(word), `${word} is completed: ${completed}`);
   assert.ok(command.overloads.every(({ parameters }) => parameters.every((one) => ["valid", "enum"].includes(one.enum_type))));
   assert.deepEqual([alice.packets.start_game, alice.packets.creative_content, alice.packets.biome_definition_list, alice.packets.available_entity_identifiers], [1, 1, 1, 1]);
