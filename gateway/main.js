@@ -13,7 +13,7 @@ Usage: node gateway/main.js [OPTIONS]
   --host ADDRESS     The address at which clients come in (0.0.0.0)
   --port PORT        The UDP port at which clients come in (19132)
   --offline          Let in players who have not signed in, under the names they say; the server has to allow it, too
-  --plain            Use the RakNet that is part of the gateway, also where the machine's own one loads
+  --native           Use the packages' native RakNet in place of the gateway's own; it is quicker, and may fall over
   --help             Print this and end`;
 
 const say = (text) => console.log(`[gateway] ${text}`);
@@ -27,7 +27,7 @@ try {
   told = parseArgs({
     options: {
       directory: { type: "string", default: "server" }, "door-port": { type: "string" }, host: { type: "string", default: "0.0.0.0" },
-      port: { type: "string", default: "19132" }, offline: { type: "boolean", default: false }, plain: { type: "boolean", default: false },
+      port: { type: "string", default: "19132" }, offline: { type: "boolean", default: false }, native: { type: "boolean", default: false },
       help: { type: "boolean", default: false },
     },
   }).values;
@@ -47,7 +47,7 @@ const port = (name) => {
 const { version } = JSON.parse(readFileSync(new URL("package.json", import.meta.url)));
 const directory = path.resolve(told.directory);
 const place = told["door-port"] ? { port: port("door-port"), host: "127.0.0.1" } : { path: path.join(directory, "gateway.sock") };
-const { offline, plain } = told;
+const { offline, native } = told;
 
 let Network;
 try {
@@ -58,7 +58,7 @@ try {
 }
 
 const door = new Door({ directory, place, name: `ordomart-gateway ${version}`, log: say });
-const network = new Network({ door, host: told.host, port: port("port"), offline, plain });
+const network = new Network({ door, host: told.host, port: port("port"), offline, native });
 
 let ending = false;
 async function end(reason, code) {

@@ -1,5 +1,5 @@
-// The game port: the library's server on a RakNet of the machine's own where that loads, and on a plain one where it does
-// not. Every client of it is a session.
+// The game port: the library's server on the gateway's own RakNet, or on the native one for whoever asks for it. Every
+// client of it is a session.
 import { createSocket } from "node:dgram";
 import { createRequire } from "node:module";
 
@@ -10,11 +10,11 @@ import { Session } from "./session.js";
 const require = createRequire(import.meta.url);
 const mosthandshakes = 64;  // clients that have not joined yet
 
-function native() {
+function nativeserver() {
   try {
     return require("bedrock-protocol/src/rak")("raknet-native").RakServer;
-  } catch {
-    return null;
+  } catch (error) {
+    throw new Error(`--native: there is none for this machine (${error.message.split("\n")[0]})`);
   }
 }
 
@@ -34,14 +34,13 @@ async function demandfree(host, port) {
 export class Network extends Server {
   sessions = new Map();  // by address
 
-  constructor({ door, host, port, offline, plain }) {
-    const RakServer = plain ? null : native();
+  constructor({ door, host, port, offline, native }) {
     super({ host, port, offline, version, maxPlayers: 1000, batchingInterval: 0x7fffffff, compressionLevel: 3,
-            raknetBackend: RakServer ? "raknet-native" : "jsp-raknet",  // the library wants one; the plain one takes its place
+            raknetBackend: native ? "raknet-native" : "jsp-raknet",  // the library wants one; the plain one takes its place
             motd: { motd: "Ordomart", levelName: "Ordomart", gamemode: "Survival", gamemodeId: 1 } });
     this.door = door;
-    this.transport = RakServer ? "native RakNet" : "plain RakNet";
-    this.RakServer = RakServer ?? PlainRakNet;
+    this.transport = native ? "native RakNet" : "plain RakNet";
+    this.native = native;
     this.onOpenConnection = (connection) => this.#opens(connection);
     this.onCloseConnection = (connection) => this.sessions.get(connection.address)?.player.close();
     this.onEncapsulated = (bytes, address) => this.sessions.get(address)?.batch(bytes);
@@ -49,8 +48,9 @@ export class Network extends Server {
 
   async listen() {
     const { host, port } = this.options;
+    const RakServer = this.native ? nativeserver() : PlainRakNet;
     await demandfree(host, port);
-    this.raknet = new this.RakServer({ host, port, maxPlayers: 2000 }, this);
+    this.raknet = new RakServer({ host, port, maxPlayers: 2000 }, this);
     this.raknet.onOpenConnection = this.onOpenConnection;
     this.raknet.onCloseConnection = this.onCloseConnection;
     this.raknet.onEncapsulated = this.onEncapsulated;
