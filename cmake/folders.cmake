@@ -15,6 +15,15 @@ function(ordomart_include target)
   target_include_directories(${target} PUBLIC ${root})
 endfunction()
 
+# The one precompiled header of all: built once, and its own text holds no path.
+macro(ordomart_precompile)
+  include_directories(cmake)
+  file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/precompiled.cpp CONTENT "")
+  add_library(ordoprecompiled OBJECT ${CMAKE_BINARY_DIR}/precompiled.cpp)
+  target_link_libraries(ordoprecompiled PRIVATE fmt::fmt nlohmann_json::nlohmann_json)
+  target_precompile_headers(ordoprecompiled PRIVATE <pch.h>)
+endmacro()
+
 # Where many files are built as one (CMAKE_UNITY_BUILD), it is those of a folder. The files behind APART, which bear names
 # of their neighbours, since they mirror them, are built alone.
 function(ordomart_together target)

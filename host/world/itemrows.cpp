@@ -18,24 +18,47 @@ std::string replaced(const std::string& pattern, const std::string& part) {
     return made;
 }
 
-void makesingleitems(RowMaker& make) {
-    // A stone's shapes are named after it, and the names of its stairs, slab and wall never differ but in that word.
-    const auto shapes = [&make](const std::string& name, const NamePair& words, std::string_view color) {
-        make.block(name + "_stairs", 64, combine({"{} Stairs", "{}楼梯"}, words), "stairs", color);
-        make.block(name + "_slab", 64, combine({"{} Slab", "{}台阶"}, words), "slab", color);
-        make.block(name + "_wall", 64, combine({"{} Wall", "{}墙"}, words), "wall", color);
-    };
+// The list as plain data: the compiler takes long over as many calls.
+struct ListedRow {
+    enum { item, block, variant, shapes } what;
+    int number, durability;  // largest stack; of a variant the aux value
+    const char *name, *english, *chinese, *kind, *color;
+};
+constexpr ListedRow listedrows[] = {
 #define ITEM(name, maxstack, durability, english, chinese, kind, color) \
-    make.item(#name, maxstack, durability, {english, chinese}, kind, color);
+    {ListedRow::item, maxstack, durability, #name, english, chinese, kind, color},
 #define BLOCK(name, maxstack, english, chinese, kind, color) \
-    make.block(#name, maxstack, {english, chinese}, kind, color);
-#define VARIANT(aux, id, english, chinese, color) make.variant(aux, #id, {english, chinese}, color);
-#define SHAPES(name, english, chinese, color) shapes(#name, {english, chinese}, color);
+    {ListedRow::block, maxstack, 0, #name, english, chinese, kind, color},
+#define VARIANT(aux, id, english, chinese, color) {ListedRow::variant, aux, 0, #id, english, chinese, "", color},
+#define SHAPES(name, english, chinese, color) {ListedRow::shapes, 64, 0, #name, english, chinese, "", color},
 #include "host/world/itemdata.inc"
 #undef ITEM
 #undef BLOCK
 #undef VARIANT
 #undef SHAPES
+};
+
+void makesingleitems(RowMaker& make) {
+    for (const auto& [what, number, durability, name, english, chinese, kind, color] : listedrows) {
+        const NamePair words{english, chinese};
+        switch (what) {
+            case ListedRow::item:
+                make.item(name, number, durability, words, kind, color);
+                break;
+            case ListedRow::block:
+                make.block(name, number, words, kind, color);
+                break;
+            case ListedRow::variant:
+                make.variant(number, name, words, color);
+                break;
+            case ListedRow::shapes:
+                // A stone's shapes are named after it, and the names never differ but in that word.
+                make.block(name + std::string("_stairs"), number, combine({"{} Stairs", "{}楼梯"}, words), "stairs",
+                           color);
+                make.block(name + std::string("_slab"), number, combine({"{} Slab", "{}台阶"}, words), "slab", color);
+                make.block(name + std::string("_wall"), number, combine({"{} Wall", "{}墙"}, words), "wall", color);
+        }
+    }
 }
 
 }  // namespace

@@ -64,8 +64,8 @@ bool onclick(ServerPlayer* player, ItemStackRequestAction* action, ListenRecorde
 }
 
 const menuentry menu{screen::ordomenu, {&containermenuguihelper::welcomehandler, &onclick, &draw}};
-const screenentry entered{screen::ordomenu,
-                          [](ServerPlayer* player, const screenorder&) { return openOrdomenu(player); }};
+const screenentry mainmenuentered{screen::ordomenu,
+                                  [](ServerPlayer* player, const screenorder&) { return openOrdomenu(player); }};
 
 }  // namespace
 

@@ -44,7 +44,7 @@ constexpr categorymenu recyclemenu{
 // The bits of searchlvl.
 enum searchlevel { initemname = 1, initemdesc = 2, initemtag = 4 };
 
-struct category {
+struct categorybutton {
     std::string text;
     int level;
 };
@@ -70,7 +70,7 @@ opresult readandopen(ServerPlayer* player, const categorymenu& menu) {
         if (!entries) return opresult::refused;
 
         Form::SimpleForm form(tr(player, menu.titlekey), "");
-        std::vector<category> categories;
+        std::vector<categorybutton> categories;
         for (const auto& entry : *entries) {
             if (entry.contains("example") && entry["example"] == true) continue;
             categories.push_back({entry.at("searchtaginfo"), entry.at("searchlvl")});

@@ -10,7 +10,7 @@ namespace ordomart {
 namespace {
 
 template <class Row>
-std::string markof(const std::string&, const Row& row) {
+std::string opmark(const std::string&, const Row& row) {
     return row.isopshop ? " " + opshopmark : "";
 }
 
@@ -19,7 +19,7 @@ listform sellform() {
                   .titlekey = "sellmenu",
                   .contentkey = "sellformUI.content",
                   .page = &playershopstate::sellpage};
-    showsreadlist(form, &playershopstate::sellreadlist, markof, tradeface::formlist);
+    showsreadlist(form, &playershopstate::sellreadlist, opmark, tradeface::formlist);
     form.wrongrow = [](ServerPlayer*) { logger.error("wrong castindex"); };
     form.turned = [](ServerPlayer* player) { openOrdosellshopAsformmenu(player, false); };
     form.closed = openmenubymode;
@@ -31,7 +31,7 @@ listform recycleform() {
                   .titlekey = "recyclemenu",
                   .contentkey = "recycleformUI.content",
                   .page = &playershopstate::recyclepage};
-    showsreadlist(form, &playershopstate::recyclereadlist, markof, tradeface::formlist);
+    showsreadlist(form, &playershopstate::recyclereadlist, opmark, tradeface::formlist);
     form.wrongrow = [](ServerPlayer*) { logger.error("wrong castindex in {}", "openOrdorecycleshopAsformmenu"); };
     form.turned = [](ServerPlayer* player) { openOrdorecycleshopAsformmenu(player, false); };
     form.closed = openmenubymode;
@@ -61,7 +61,7 @@ opresult openlist(ServerPlayer* player, bool refresh, const listform& form, list
     return opresult::opened;
 }
 
-const screenentry entries[] = {
+const screenentry listscreens[] = {
     {screen::sellform, [](ServerPlayer* p, const screenorder& o) { return openOrdosellshopAsformmenu(p, o.refresh); }},
     {screen::recycleform,
      [](ServerPlayer* p, const screenorder& o) { return openOrdorecycleshopAsformmenu(p, o.refresh); }}};

@@ -67,7 +67,7 @@ opresult openmainmenu(ServerPlayer* player, menusize size, const char* place) {
     return opresult::opened;
 }
 
-const screenentry entries[] = {
+const screenentry menuscreens[] = {
     {screen::mainmenuform, [](P p, const screenorder&) { return openFormmainmenu(p); }},
     {screen::shortmainmenuform, [](P p, const screenorder&) { return openOnlyFormmainmenu(p); }},
     {screen::lastmainmenuform, [](P p, const screenorder&) {

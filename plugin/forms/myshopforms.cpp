@@ -29,8 +29,8 @@ constexpr ownmenubutton recyclebuttons[] = {
     {"myrecycleshop.pickupitem.form.menutitle", [](P p, S) { openOrdomyrecycleshoppickupAsformmenu(p); }},
     {"shop.changetosellshop", [](P p, S) { openOrdomyshopAsformmenu(p, true); }, "textures/items/stick.png"},
 };
-constexpr ownmenu sellmenu{"openOrdomyshopAsformmenu", sell, "mainmenu.myshop", sellbuttons};
-constexpr ownmenu recyclemenu{"openOrdomyrecycleshopAsformmenu", recycle, "mainmenu.myreshop", recyclebuttons};
+constexpr ownmenu ownsellmenu{"openOrdomyshopAsformmenu", sell, "mainmenu.myshop", sellbuttons};
+constexpr ownmenu ownrecyclemenu{"openOrdomyrecycleshopAsformmenu", recycle, "mainmenu.myreshop", recyclebuttons};
 
 constexpr ownlist adjustlist{"openOrdomyshopEditItemAsformmenu",
                              sell,
@@ -64,7 +64,7 @@ constexpr slotlist issuelist{"openOrdomyrecycleshopnewissueAsformmenu", recycle,
                              screen::myrecycleshopform, &offercommission};
 
 using O = const screenorder&;
-const screenentry entries[] = {
+const screenentry ownscreens[] = {
     {screen::myshopform, [](P p, O o) { return openOrdomyshopAsformmenu(p, o.refresh); }},
     {screen::myrecycleshopform, [](P p, O o) { return openOrdomyrecycleshopAsformmenu(p, o.refresh); }},
     {screen::goodslist, [](P p, O) { return openOrdomyshopEditItemAsformmenu(p); }},
@@ -78,10 +78,10 @@ const screenentry entries[] = {
 }  // namespace
 
 opresult openOrdomyshopAsformmenu(ServerPlayer* player, bool updatelang) {
-    return openownmenu(player, sellmenu, updatelang);
+    return openownmenu(player, ownsellmenu, updatelang);
 }
 opresult openOrdomyrecycleshopAsformmenu(ServerPlayer* player, bool updatelang) {
-    return openownmenu(player, recyclemenu, updatelang);
+    return openownmenu(player, ownrecyclemenu, updatelang);
 }
 opresult openOrdomyshopEditItemAsformmenu(ServerPlayer* player) { return openownlist(player, adjustlist); }
 opresult openOrdomyshopreplenishmentAsformmenu(ServerPlayer* player) { return openownlist(player, replenishlist); }

@@ -87,7 +87,7 @@ opresult openlist(ServerPlayer* player, const systemlist& list, bool refresh) {
 
 using P = ServerPlayer*;
 using O = const screenorder&;
-const screenentry entries[] = {
+const screenentry systemscreens[] = {
     {screen::systemshopform, [](P p, O o) { return openOrdosystemshopAsformmenu(p, o.refresh); }},
     {screen::systemsellform, [](P p, O o) { return openOrdosystemshopsellAsformmenu(p, o.refresh); }},
     {screen::systemrecycleform, [](P p, O o) { return openOrdosystemshoprecycleAsformmenu(p, o.refresh); }},

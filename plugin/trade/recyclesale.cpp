@@ -18,7 +18,7 @@ namespace ordomart {
 namespace {
 
 // In the order of tradeface.
-constexpr facerecord faces[] = {
+constexpr facerecord salefaces[] = {
     {{}, "openOrdorecycleshopAsformmenu", {screen::recycleform, false}, {screen::recycleform}, {screen::mainmenuform}},
     {{.showscustomlore = true},
      "openOrdosystemshoprecycleAsformmenu",
@@ -74,7 +74,7 @@ bool isfresh(const globalrecycleshopitem& row) {
 }
 
 void offertrade(ServerPlayer* player, const globalrecycleshopitem& row, tradeface which) {
-    const auto& face = faces[static_cast<std::size_t>(which)];
+    const auto& face = salefaces[static_cast<std::size_t>(which)];
     const auto item = itemfromsnbt(row.itemnbt);
     if (!checkrawitemvalid(item)) {
         player->sendText(

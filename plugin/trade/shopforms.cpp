@@ -21,7 +21,7 @@ constexpr inputelement iconinput{"myshop_shopedit_inputtitle3", "myshop.shopedit
 constexpr toggleelement opshoptoggle{"myshop_shopedit_toggletitle", "myshop.shopedit.form.inputisopshop"};
 
 // By kind and side. The form of a recycle shop's history has always read the sales of its twin.
-constexpr ownerface faces[2][2] = {
+constexpr ownerface shopfaces[2][2] = {
     {{.place = "openOrdomyshopAsformmenu", .back = {screen::myshopform, false}},
      {.place = "openOrdomyshoppreviewmenu", .back = {screen::myshop}, .chest = true}},
     {{.place = "openOrdomyrecycleshopAsformmenu", .back = {screen::myrecycleshopform, false}},
@@ -36,7 +36,7 @@ shoptexts textsof(const Shop& shop) {
 }  // namespace
 
 void offeredit(ServerPlayer* player, const std::string& shopxuid, shoptype kind, ownerside side) {
-    const auto& face = faceof(faces[kind], side);
+    const auto& face = faceof(shopfaces[kind], side);
     const auto texts = kind == shoptype::sell ? textsof(globalruntimeshopmanager.getsellshop(shopxuid))
                                               : textsof(globalruntimeshopmanager.getrecycleshop(shopxuid));
     const auto& language = player->getLanguageCode();
@@ -56,7 +56,7 @@ void offeredit(ServerPlayer* player, const std::string& shopxuid, shoptype kind,
 
 void showeventlog(ServerPlayer* player, const std::string& shopxuid, shoptype kind, ownerside side) {
     if (moneymode == 0) getoffmoney(player, false);
-    const auto& face = faceof(faces[kind], side);
+    const auto& face = faceof(shopfaces[kind], side);
     taskpool.enqueue(
         [&face, shopxuid, xuid = player->getXuid(), suffix = logsuffixes[kind][static_cast<std::size_t>(side)]] {
             backtoplayer(xuid, face.place, [&face, text = readeventlog(shopxuid, suffix)](ServerPlayer* who) {
