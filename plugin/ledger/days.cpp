@@ -18,7 +18,7 @@ using platform::BinaryStream;
 namespace {
 
 constexpr const char *goodstable = "ledger.goodsdays", *shopstable = "ledger.shopdays";
-constexpr std::size_t atatime = 1000, mostknown = 20000;
+constexpr std::size_t rowsatatime = 1000, mostknown = 20000;
 
 // The rows of today, for the most part.
 std::unordered_map<std::string, std::shared_ptr<daysum>> known;
@@ -74,9 +74,9 @@ std::map<std::string, daysum> read(const char* table, const std::string& from, c
     std::map<std::string, daysum> found;
     platform::Records::Range range{from, until};
     for (;;) {
-        const auto rows = platform::host().records->rows(table, range, atatime);
+        const auto rows = platform::host().records->rows(table, range, rowsatatime);
         for (const auto& [key, bytes] : rows) found.emplace(key.substr(skipped), unpacked(key, bytes));
-        if (rows.size() < atatime) return found;
+        if (rows.size() < rowsatatime) return found;
         range.from = rows.back().key + '\0';
     }
 }

@@ -32,7 +32,7 @@ namespace {
 
 constexpr const char *table = "ledger", *tagtable = "ledger.tags", *undonetable = "ledger.undone",
                      *openingtable = "ledger.openings";
-constexpr std::size_t mostknown = 100000, thinnedatatime = 200;
+constexpr std::size_t mostknownvariants = 100000, thinnedatatime = 200;
 constexpr int secondsofrest = 60;  // with nothing to thin
 
 struct {
@@ -49,7 +49,7 @@ std::string shopkey(const std::string& xuid, int section) { return xuid + "." + 
 std::uint64_t keeptag(const std::string& text) {
     const auto tag = hashof(text);
     if (now.variants.contains(tag)) return tag;
-    if (now.variants.size() > mostknown) now.variants.clear();
+    if (now.variants.size() > mostknownvariants) now.variants.clear();
     now.variants.emplace(tag, variantof(text));
     if (!now.records->get(tagtable, hexof(tag))) now.records->put(tagtable, hexof(tag), [text] { return text; });
     return tag;
@@ -190,7 +190,7 @@ variant variantof(std::uint64_t tag) {
     if (const auto known = now.variants.find(tag); known != now.variants.end()) return known->second;
     const auto text = textof(tag);
     if (text.empty()) return {};
-    if (now.variants.size() > mostknown) now.variants.clear();
+    if (now.variants.size() > mostknownvariants) now.variants.clear();
     return now.variants.emplace(tag, variantof(text)).first->second;
 }
 

@@ -111,7 +111,7 @@ std::string offerlines(const char* title, const std::vector<offer>& offers, cons
     return text;
 }
 
-std::string textof(const gathered& all, const variant& asked, const std::string& language) {
+std::string pricelines(const gathered& all, const variant& asked, const std::string& language) {
     std::string text = filled(tr(language, owntext::pricestitle), nameof(asked, language), ordomart::getmoneyname());
     if (all.prices.empty()) text += "\n" + tr(language, owntext::pricesnever);
     for (std::size_t i = 0; i < std::min(all.prices.size(), mostvariants); ++i) {
@@ -152,7 +152,7 @@ void tellprices(const platform::ServerPlayer& player, const std::string& item, c
         ordomart::envelope(
             [&] {
                 ordomart::backtoplayer(xuid, place, [all = gather(item, exact), item, exact](auto* who) {
-                    who->sendText(textof(all, exact.value_or(variant{item}), who->getLanguageCode()));
+                    who->sendText(pricelines(all, exact.value_or(variant{item}), who->getLanguageCode()));
                 });
             },
             place);

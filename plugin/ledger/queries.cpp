@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "platform/background.h"
 #include "platform/clock.h"
 #include "platform/host.h"
 #include "platform/level.h"
@@ -84,7 +85,7 @@ tradepage latesttrades(const tradefilter& filter, std::size_t most, std::uint64_
         if (!isopen()) return page;
         page.before = before != 0 ? before : nextnumber();
     }
-    while (page.before != 0 && page.lines.size() < most && patience > 0) {
+    while (page.before != 0 && page.lines.size() < most && patience > 0 && !platform::Background::stopping()) {
         const Turn turn;
         auto some = readbefore(page.before, std::min(entriesatatime, patience));
         patience -= std::min(patience, entriesatatime);

@@ -33,7 +33,8 @@ struct tradepage {
     std::uint64_t before = 0;  // to go on with; 0: there is nothing more
 };
 // At most `most` lines of entries before a number (0: from the newest on). Of a ledger in which little fits the filter
-// no more than `patience` entries are looked at: then the page is short, or empty, and `before` goes on behind them.
+// no more than `patience` entries are looked at, and none once the server stops: then the page is short, or empty, and
+// `before` goes on behind them.
 [[nodiscard]] tradepage latesttrades(const tradefilter& filter, std::size_t most, std::uint64_t before = 0,
                                      std::size_t patience = 200000);
 [[nodiscard]] std::optional<tradeline> trade(std::uint64_t number);

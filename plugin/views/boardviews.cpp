@@ -6,7 +6,6 @@
 #include <iterator>
 #include <stdexcept>
 
-#include "platform/background.h"
 #include "platform/item.h"
 #include "platform/views.h"
 #include "plugin/base/config.h"
@@ -83,8 +82,6 @@ rowquery queryof(const question& asked, int kind) {
             if (field != &shopfilter::ownernamefilter) query.search.*field = text;
     return query;
 }
-
-bool goeson() { return !platform::Background::stopping(); }
 
 // Of what an owner has written, as a shop that is called by his key.
 std::string without(std::string text, const std::string& xuid) {

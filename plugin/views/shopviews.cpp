@@ -2,7 +2,6 @@
 // file is read that has been seen already.
 #include <algorithm>
 
-#include "platform/background.h"
 #include "platform/stores.h"
 #include "platform/turn.h"
 #include "platform/views.h"
@@ -19,8 +18,6 @@ namespace {
 using shopsystem::catalogueof;
 
 constexpr int sections[] = {shopsystem::sell, shopsystem::recycle};
-
-bool goeson() { return !platform::Background::stopping(); }
 
 struct standing {
     int section;

@@ -65,7 +65,7 @@ std::string answergoods(const std::string& query) {
 
 json sectionname(bool sells) { return sells ? said("selling", "出售") : said("recycling", "回收"); }
 
-std::string answershops(const std::string& query) {
+std::string answershopsums(const std::string& query) {
     const question asked(query, {"days"});
     json rows = json::array();
     for (const auto& line : ledger::topshops(ledger::today(), daysof(asked, 7), mostlines))
@@ -163,7 +163,7 @@ void offersumviews() {
            column("money", "money", said("Money", "金额")), column("fees", "money", said("Fees", "手续费")),
            column("trades", "number", said("Trades", "交易笔数")), column("pieces", "number", said("Pieces", "数量"))}},
          {"query", json::array({daysfield("7")})}},
-        &answershops);
+        &answershopsums);
 }
 
 }  // namespace ordomart::views

@@ -8,6 +8,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "platform/background.h"
 #include "platform/foreignjson.h"
 #include "platform/host.h"
 #include "platform/item.h"
@@ -106,6 +107,8 @@ std::string question::item(const char* field) const {
     if (info == nullptr) refuse(fmt::format("there is no item \"{}\"", given));
     return info->name;
 }
+
+bool goeson() { return !platform::Background::stopping(); }
 
 json playervalue(const std::string& xuid, const std::string& name) {
     return {{"id", xuid}, {"name", name.empty() ? xuid : name}};

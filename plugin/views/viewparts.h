@@ -39,6 +39,9 @@ private:
 [[nodiscard]] json playervalue(const std::string& xuid, const std::string& name);
 [[nodiscard]] json itemvalue(const ledger::variant& what);
 
+// Asked between the turns of a long answer: false once the server is stopping.
+[[nodiscard]] bool goeson();
+
 void offertradeviews();
 void offersumviews();
 void offershopviews();
