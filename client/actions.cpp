@@ -5,6 +5,7 @@
 
 #include "client/modelclient.h"
 #include "platform/packets/codec.h"
+#include "platform/packets/containers.h"
 #include "platform/packets/forms.h"
 #include "platform/packets/messages.h"
 
@@ -176,6 +177,12 @@ void ModelClient::pickcreative(std::uint32_t entry) {
     take.source.stackid = picked.id;
     picked.actions = {std::move(pick), std::move(result), std::move(take)};
     request({std::move(picked)});
+}
+
+void ModelClient::holds(int slot) {
+    if (slot < 0 || slot > 8) throw std::invalid_argument("the hotbar has no slot " + std::to_string(slot));
+    const auto place = static_cast<std::uint8_t>(slot);
+    send_(sealed(MobEquipmentPacket{1, this->slot(inventoryid, slot), place, place, 0}));
 }
 
 // ---- screens and forms

@@ -105,6 +105,7 @@ public:
     void pickcreative(std::uint32_t entry);
     // The raw road: requests as given. Ids of 0 are numbered by the client. Returns the ids sent.
     std::vector<std::int32_t> request(std::vector<platform::ItemStackRequest> requests);
+    void holds(int slot);  // of the hotbar: takes it in his hand
     void close();          // closes the open container
     void openinventory();  // nothing on the wire; the own screen, no menu
     // Answers the form in front, or the one with the id. `json` "null" closes it. Throws std::invalid_argument when

@@ -9,7 +9,7 @@ const mostunread = 4 << 20, betweenechoes = 64 << 10;  // bytes
 
 // The packets of a client, by number: what the library and the start need, and what the server deals with.
 const heard = new Set([1, 4, 8, 23, 69, 113, 115, 193]);
-const forwarded = new Set([9, 47, 77, 101, 147]);
+const forwarded = new Set([9, 31, 47, 77, 101, 147]);
 
 export class Session {
   #stage = "login";  // starting, opening, playing, over

@@ -54,6 +54,7 @@ void BinaryStream::writeSignedInt(std::int32_t v) { bytes_ += fixed(static_cast<
 void BinaryStream::writeSignedInt64(std::int64_t v) { bytes_ += fixed(static_cast<std::uint64_t>(v)); }
 void BinaryStream::writeFloat(float v) { bytes_ += fixed(std::bit_cast<std::uint32_t>(v)); }
 void BinaryStream::writeUnsignedVarInt(std::uint32_t v) { writevarint(*this, v); }
+void BinaryStream::writeUnsignedVarInt64(std::uint64_t v) { writevarint(*this, v); }
 void BinaryStream::writeVarInt(std::int32_t v) {
     writevarint(*this, (static_cast<std::uint32_t>(v) << 1) ^ static_cast<std::uint32_t>(v >> 31));
 }
@@ -83,12 +84,13 @@ std::int32_t BinaryStream::getSignedInt() { return static_cast<std::int32_t>(fix
 std::int64_t BinaryStream::getSignedInt64() { return static_cast<std::int64_t>(fixed<std::uint64_t>(take(8))); }
 float BinaryStream::getFloat() { return std::bit_cast<float>(fixed<std::uint32_t>(take(4))); }
 std::uint32_t BinaryStream::getUnsignedVarInt() { return readvarint<std::uint32_t>(*this); }
+std::uint64_t BinaryStream::getUnsignedVarInt64() { return readvarint<std::uint64_t>(*this); }
 std::int32_t BinaryStream::getVarInt() {
     const auto v = getUnsignedVarInt();
     return static_cast<std::int32_t>((v >> 1) ^ (0 - (v & 1)));
 }
 std::int64_t BinaryStream::getVarInt64() {
-    const auto v = readvarint<std::uint64_t>(*this);
+    const auto v = getUnsignedVarInt64();
     return static_cast<std::int64_t>((v >> 1) ^ (0 - (v & 1)));
 }
 std::string BinaryStream::getString() { return getRaw(getUnsignedVarInt()); }

@@ -34,6 +34,7 @@ public:
     void writeSignedInt64(std::int64_t v);
     void writeFloat(float v);
     void writeUnsignedVarInt(std::uint32_t v);  // LEB128
+    void writeUnsignedVarInt64(std::uint64_t v);
     void writeVarInt(std::int32_t v);           // zigzag
     void writeVarInt64(std::int64_t v);         // zigzag
     void writeString(std::string_view v);       // varint length and the bytes
@@ -49,6 +50,7 @@ public:
     [[nodiscard]] std::int64_t getSignedInt64();
     [[nodiscard]] float getFloat();
     [[nodiscard]] std::uint32_t getUnsignedVarInt();
+    [[nodiscard]] std::uint64_t getUnsignedVarInt64();
     [[nodiscard]] std::int32_t getVarInt();
     [[nodiscard]] std::int64_t getVarInt64();
     [[nodiscard]] std::string getString();

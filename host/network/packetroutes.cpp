@@ -10,6 +10,7 @@
 #include "host/world/playerimpl.h"
 #include "host/world/world.h"
 #include "platform/packets/codec.h"
+#include "platform/packets/containers.h"
 #include "platform/packets/forms.h"
 #include "platform/packets/messages.h"
 
@@ -21,6 +22,7 @@ using platform::PacketId;
 namespace {
 
 constexpr std::size_t longestline = 2048, longestchat = 512;
+constexpr int ownslots = 0, hotbarslots = 9;
 
 void demandtext(const std::string& text, std::size_t longest) {
     if (text.size() > longest) throw BadPacket(fmt::format("a text of {} bytes", text.size()));
@@ -79,6 +81,14 @@ void handleclose(const PacketContext& context, const Envelope& envelope) {
     context.handlers.handle(context.from.id, packet);
 }
 
+// The item in it is what the client believes; what counts is what lies there.
+void handleselection(const PacketContext& context, const Envelope& envelope) {
+    const auto packet = platform::readpacket<platform::MobEquipmentPacket>(envelope.body);
+    if (packet.containerid != ownslots) return;  // the offhand
+    if (packet.selected >= hotbarslots) throw BadPacket(fmt::format("slot {} of the hotbar", packet.selected));
+    context.from.player->selects(packet.selected);
+}
+
 void handleformanswer(const PacketContext& context, const Envelope& envelope) {
     const auto packet = platform::readpacket<platform::ModalFormResponsePacket>(envelope.body);
     const auto [json, answer] = context.from.forms.take(packet.formid, packet.json.value_or("null"));
@@ -107,6 +117,7 @@ constexpr int numberof(PacketId id) { return static_cast<int>(id); }
 constexpr Route routes[] = {
     {numberof(PacketId::Text), "Text", 4096, &handlechat},
     {numberof(PacketId::ContainerClose), "ContainerClose", 16, &handleclose},
+    {numberof(PacketId::MobEquipment), "MobEquipment", 64 * 1024, &handleselection},
     {numberof(PacketId::CommandRequest), "CommandRequest", 4096, &handlecommand},
     {numberof(PacketId::ModalFormResponse), "ModalFormResponse", 256 * 1024, &handleformanswer},
     {numberof(PacketId::ItemStackRequest), "ItemStackRequest", 32 * 1024, &handlerequest},
@@ -118,7 +129,6 @@ constexpr int ignored[] = {
     23,   // TickSync
     27,   // ActorEvent
     30,   // InventoryTransaction
-    31,   // MobEquipment
     33,   // Interact
     36,   // PlayerAction
     44,   // Animate

@@ -34,6 +34,7 @@ public:
     }
     [[nodiscard]] int getPlayerGameType() const override { return record_.gametype; }
     [[nodiscard]] platform::PlayerInventory& getSupplies() override { return *record_.inventory; }
+    [[nodiscard]] int getSelectedSlot() const override { return selected_; }
     void drop(const platform::ItemStack& stack) override;
 
     void sendText(const std::string& text) override { sendTextPacket(text); }
@@ -53,6 +54,7 @@ public:
     [[nodiscard]] bool iscreative() const { return record_.gametype == 1; }
     // Tells the client his game type, and when it is creative what he may pick.
     void sendgametype();
+    void selects(int slot) { selected_ = slot; }  // of the hotbar
     // A stack on the cursor goes to the inventory, or falls at his feet.
     void putcursorback();
     // Tells the client of the slots that changed otherwise than by what he asked for.
@@ -68,6 +70,7 @@ private:
     DroppedItems& ground_;
     ClientLink& link_;
     std::uint8_t containercounter_ = 0;
+    int selected_ = 0;  // a client begins with the first
 };
 
 }  // namespace host

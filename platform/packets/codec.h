@@ -36,6 +36,7 @@ public:
     void i64(std::int64_t v) { out_.writeSignedInt64(v); }
     void f32(float v) { out_.writeFloat(v); }
     void varint(std::uint32_t v) { out_.writeUnsignedVarInt(v); }
+    void varint64(std::uint64_t v) { out_.writeUnsignedVarInt64(v); }
     void zigzag32(std::int32_t v) { out_.writeVarInt(v); }
     void zigzag64(std::int64_t v) { out_.writeVarInt64(v); }
     void text(const std::string& v) { out_.writeString(v); }
@@ -95,6 +96,7 @@ public:
     void i64(std::int64_t& v) { v = in_.getSignedInt64(); }
     void f32(float& v) { v = in_.getFloat(); }
     void varint(std::uint32_t& v) { v = in_.getUnsignedVarInt(); }
+    void varint64(std::uint64_t& v) { v = in_.getUnsignedVarInt64(); }
     void zigzag32(std::int32_t& v) { v = in_.getVarInt(); }
     void zigzag64(std::int64_t& v) { v = in_.getVarInt64(); }
     void text(std::string& v) {

@@ -1,4 +1,4 @@
-// Packets that open a container screen and paint its stacks.
+// Packets that open a container screen and paint its stacks, and the one that says which is held.
 #pragma once
 
 #include "platform/packets/codec.h"
@@ -41,6 +41,22 @@ struct InventorySlotPacket {
         containernumber(io, containerid);
         io.varint(slot);
         itemelement(io, item);
+    }
+};
+
+// What somebody holds in his hand from now on.
+struct MobEquipmentPacket {
+    static constexpr PacketId number = PacketId::MobEquipment;
+    std::uint64_t runtimeentityid = 0;
+    NetworkItem item;
+    std::uint8_t slot = 0, selected = 0, containerid = 0;
+    template <class IO>
+    void fields(IO& io) {
+        io.varint64(runtimeentityid);
+        itemelement(io, item);
+        io.u8(slot);
+        io.u8(selected);
+        containernumber(io, containerid);
     }
 };
 

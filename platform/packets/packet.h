@@ -10,6 +10,7 @@ namespace platform {
 enum class PacketId : int {
     Text = 9,
     UpdateBlock = 21,
+    MobEquipment = 31,
     ContainerOpen = 46,
     ContainerClose = 47,
     InventoryContent = 49,

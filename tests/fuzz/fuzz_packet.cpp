@@ -28,10 +28,11 @@ private:
     }
 };
 
-using All = Kinds<TextPacket, UpdateBlockPacket, ContainerOpenPacket, ContainerClosePacket, InventoryContentPacket,
-                  InventorySlotPacket, BlockActorDataPacket, SetPlayerGameTypePacket, CommandRequestPacket,
-                  CommandOutputPacket, PlaySoundPacket, ModalFormRequestPacket, ModalFormResponsePacket,
-                  CreativeContentPacket, ItemStackRequestPacket, ItemStackResponsePacket, ToastRequestPacket>;
+using All =
+    Kinds<TextPacket, UpdateBlockPacket, ContainerOpenPacket, ContainerClosePacket, InventoryContentPacket,
+          InventorySlotPacket, BlockActorDataPacket, SetPlayerGameTypePacket, CommandRequestPacket, CommandOutputPacket,
+          PlaySoundPacket, MobEquipmentPacket, ModalFormRequestPacket, ModalFormResponsePacket, CreativeContentPacket,
+          ItemStackRequestPacket, ItemStackResponsePacket, ToastRequestPacket>;
 
 }  // namespace
 

@@ -378,7 +378,9 @@ TEST(Ledger, APlayerAsksForPrices) {
     EXPECT_EQ(asks(" nothing"), "There is no item called nothing.");
     m.bob->gives(0, "apple", 1);
     EXPECT_EQ(asks(""), all) << "the item in his hand";
-    m.bob->loses(0);
+    m.bob->loses(0).gives(8, "apple", 1).holds(8);
+    EXPECT_EQ(asks(""), all) << "and in another";
+    m.bob->loses(8);
     EXPECT_THAT(asks(""), HasSubstr("Take an item in your hand"));
     m.bob->gives(0, "apple", 3);
     EXPECT_THAT(m.undo(1), HasSubstr("Trade 1 is undone"));

@@ -72,6 +72,11 @@ test("a desktop player joins, his keyboard completes, he types, clicks, answers 
 
   await buysfromchest(alice);
   assert.ok(alice.heard.includes("purchase successfully!"));
+  await stage.gives("Alice", 5, "bread", 1);
+  await alice.until(() => alice.at(5)?.item === "bread", "he has bread");
+  alice.holds(5);
+  alice.types("ordomart prices");
+  await alice.until(() => alice.heard.some((line) => line.includes("Bread") && line.includes("prices in")), "he is told what bread costs");
   alice.says("hello");
   await alice.until(() => alice.heard.includes("<Alice> hello"), "he hears himself");
   alice.types("ordomart nothing");

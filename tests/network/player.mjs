@@ -159,6 +159,12 @@ export class Player {
     return this.#request;
   }
 
+  // A slot of the hotbar in his hand.
+  holds(slot) {
+    const item = this.slots.get(`inventory ${slot}`);
+    this.client.write("mob_equipment", { runtime_entity_id: 1n, item, slot, selected_slot: slot, window_id: "inventory" });
+  }
+
   closes() {
     if (!this.open) return;
     this.client.write("container_close", { window_id: this.open.window_id, server: false });

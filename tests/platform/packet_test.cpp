@@ -81,6 +81,8 @@ const std::vector<Sample>& samples() {
                "32 00 09 c6 05 01 00 00 00 00 1b 00 00 01 00 00 00 01 00 'a' 02 00 00 00 00 00 02 00 'bc'"
                "fe ff ff ff ff ff ff ff",
                InventorySlotPacket{0, 9, shield()}),
+        sample("held", "1f ac 02 d8 04 01 00 03 01 05 00" + namedextra + "04 04 00",
+               MobEquipmentPacket{300, named(-3), 4, 4, 0}),
         sample("creative list", "91 01 02 01 d8 04 01 00 00 00 0a 00 00 00 00 00 00 00 00 00 00 ac 02 00",
                CreativeContentPacket{{{1, {300, 1}}, {300, {}}}}),
         sample("refusals", "94 01 02 01 01 01 05",

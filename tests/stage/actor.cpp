@@ -47,6 +47,12 @@ Actor& Actor::clicks(ContainerName container, int slot) {
     return *this;
 }
 
+Actor& Actor::holds(int slot) {
+    look([&](ModelClient& c) { c.holds(slot); });
+    stage_.server().settle();
+    return *this;
+}
+
 Actor& Actor::drops(ContainerName container, int slot) {
     look([&](ModelClient& c) { c.drop(container, slot); });
     stage_.server().settle();

@@ -33,6 +33,7 @@ public:
     Actor& types(const std::string& line);
     Actor& clicks(ContainerName container, int slot);
     Actor& drops(ContainerName container, int slot);
+    Actor& holds(int slot);                         // of the hotbar, in his hand
     Actor& closes();                                // the open container
     Actor& answers(const json& answer);             // the form in front; null closes it
     Actor& presses(const std::string& buttontext);  // a button of a simple or modal form, by a part of its text
