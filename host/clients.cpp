@@ -114,6 +114,11 @@ std::vector<JoinRequest> Clients::joined() const {
 
 bool Clients::has(const std::string& name) const { return seat(name) != nullptr; }
 
+bool Clients::isextra(const std::string& name) const {
+    const auto held = seat(name);
+    return held && held->who.extra;
+}
+
 std::shared_ptr<Clients::Seat> Clients::seat(const std::string& name) const {
     std::lock_guard guard(lock_);
     const auto found = std::ranges::find_if(seats_, [&](const auto& seat) { return seat->who.name == name; });

@@ -31,6 +31,7 @@ public:
     void leaveall();
     [[nodiscard]] std::vector<JoinRequest> joined() const;  // in order of joining
     [[nodiscard]] bool has(const std::string& name) const;
+    [[nodiscard]] bool isextra(const std::string& name) const;
     // False, and nothing is done, when nobody of that name is joined here.
     bool look(const std::string& name, const std::function<void(client::ModelClient&)>& work);
     // The same, where that is an error: throws std::runtime_error.

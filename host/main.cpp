@@ -14,6 +14,8 @@
 #include "host/backup/command.h"
 #include "host/backup/restore.h"
 #include "host/board/board.h"
+#include "host/bustle/bustle.h"
+#include "host/bustle/cast.h"
 #include "host/clients.h"
 #include "host/console/colours.h"
 #include "host/console/console.h"
@@ -28,6 +30,8 @@ namespace {
 struct Arguments {
     host::ServerOptions server;
     bool empty = false;  // no demo market in a new directory
+    int bustle = 0;      // players of it
+    std::uint64_t seed = host::Bustle::usualseed;
     host::ApiOptions api;
     bool gateway = false;
     host::GatewayOptions door;
@@ -43,6 +47,11 @@ void describe(CLI::App& app, Arguments& arguments) {
         ->capture_default_str();
     app.add_flag("--manual", server.manual, "Ticks and clock move only by the control API");
     app.add_flag("--empty", arguments.empty, "No demo market in a new directory");
+    const auto bustle = app.add_option("--bustle", arguments.bustle, "So many made-up players trade in the demo market")
+                            ->check(CLI::Range(1, host::mostaround));
+    app.add_option("--bustle-seed", arguments.seed, "Which players come and what they do")
+        ->needs(bustle)
+        ->capture_default_str();
     app.add_flag("--new-world", server.newworld, "Make a new world also where one has been and is missing or empty");
     app.add_flag("--durable", server.durable,
                  "What has happened also outlives a loss of power; each pass is flushed to the disk");
@@ -113,8 +122,10 @@ int serve(Arguments& arguments) {
     server.start();
     host::Clients clients(server);
     host::playdemo(server);
-    host::Console console(server, clients, show);
-    host::ControlApi api(server, clients, arguments.api);
+    host::Bustle bustle(server, clients);
+    if (arguments.bustle > 0) bustle.start(arguments.bustle, arguments.seed);
+    host::Console console(server, clients, bustle, show);
+    host::ControlApi api(server, clients, bustle, arguments.api);
     api.start();
     host::GatewayDoor door(server, arguments.door);
     if (arguments.gateway) door.start();
@@ -136,6 +147,7 @@ int serve(Arguments& arguments) {
     board.stop();
     api.stop();
     door.stop();
+    bustle.stop();
     clients.leaveall();
     server.stop();
     return told(server.unsaved());

@@ -53,5 +53,8 @@ export const clock = (milliseconds) => call("POST", "/api/clock", { milliseconds
 export const views = () => call("GET", "/api/views").then((answer) => answer.views);
 export const view = (name, query) => call("GET", `/api/views/${encodeURIComponent(name)}?${new URLSearchParams(query)}`);
 export const heard = (name, after) => call("GET", at(name, `?heard=${after}`)).then((answer) => answer.heard);
+export const bustle = () => call("GET", "/api/bustle");
+export const startbustle = (players) => call("POST", "/api/bustle", { players });
+export const stopbustle = () => call("DELETE", "/api/bustle");
 export const complete = (line, player) =>
   call("GET", `/api/complete?${new URLSearchParams({ line, player })}`);

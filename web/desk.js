@@ -1,5 +1,5 @@
 // The desk: what the server and its plug-in show to operators, view by view. What a view means it says itself; the page
-// knows none of them. `context` is what the page shares: players() as last read.
+// knows none of them. `context` is what the page shares: players() as last read, the bustle.
 import * as api from "/api.js";
 import { View } from "/deskview.js";
 import { said } from "/deskvalues.js";
@@ -19,7 +19,7 @@ export class Desk {
     this.place = h("div", { class: "deskplace" });
     this.message = h("p", { class: "hint", role: "status" });
     this.element = h("section", { class: "desk", hidden: true, tlabel: "desk" },
-      h("header", { class: "deskhead" }, h("h2", { t: "desk" }), h("label", { class: "actor" }, h("span", { t: "deskactor" }), this.actor)),
+      h("header", { class: "deskhead" }, h("h2", { t: "desk" }), context.bustle.button({}), h("label", { class: "actor" }, h("span", { t: "deskactor" }), this.actor)),
       this.message, this.nav, this.place);
     whenhere(() => this.relabel());
   }
@@ -78,6 +78,7 @@ export class Desk {
 
   // Who can run commands: the players on this page who may.
   inform() {
+    if (!this.element.hidden) this.context.bustle.refresh().catch(() => {});
     const able = this.context.players().filter(({ joined, online, permission }) => joined && online && permission >= leastlevel).map(({ name }) => name);
     const before = this.actor.value;
     if (JSON.stringify(able) === this.able) return;
@@ -90,6 +91,7 @@ export class Desk {
     this.able = "";
     this.inform();
     this.drawnav();
+    this.context.bustle.draw();
     for (const view of this.views) view.relabel();
   }
 }

@@ -1,5 +1,6 @@
 // The page: its head, the players' cards, the operator's side, and the one stream that feeds them all.
 import * as api from "/api.js";
+import { Bustle } from "/bustle.js";
 import { Card } from "/card.js";
 import { confirmed } from "/confirm.js";
 import { Desk } from "/desk.js";
@@ -24,6 +25,7 @@ let paused = false;
 let operator = null;
 let desk = null;
 const cardplace = h("div", { class: "cards" });
+const bustle = new Bustle({ begun: () => showdesk(true) });
 const empty = emptystate();
 const again = new Rejoin({ joined: rejoined, changed: arrange });
 const status = h("span", { class: "connection", role: "status" });
@@ -197,7 +199,8 @@ function emptystate() {
     h("h2", { t: "emptytitle" }), h("p", { t: "emptytext" }),
     h("div", { class: "emptybuttons" },
       h("button", { type: "button", class: "main big", "data-action": "first", on: { click: () => joinfirst(firstname, joined) } }, t("joinfirst", { name: firstname })),
-      h("button", { type: "button", class: "big", t: "joinother", on: { click: () => joindialogue(joined).catch(notice) } })),
+      h("button", { type: "button", class: "big", t: "joinother", on: { click: () => joindialogue(joined).catch(notice) } }),
+      bustle.button({ class: "big" }, true)),
     h("ol", { class: "steps" }, h("li", { t: "first1" }), h("li", { t: "first2" }), h("li", { t: "first3" })));
 }
 
@@ -215,6 +218,7 @@ function changelanguage(name) {
   for (const option of themes.options) option.textContent = t(`theme${option.value}`);
   for (const card of cards.values()) card.relabel();
   again.relabel();
+  bustle.draw();
   operator.relabel();
   desk.relabel();
 }
@@ -314,7 +318,7 @@ async function begin() {
     return void setTimeout(begin, 2000);
   }
   operator = new Operator({ players: () => known, reload: readplayers, opencard, onpage: (name) => cards.has(name), close: closeoperator });
-  desk = new Desk({ players: () => known });
+  desk = new Desk({ players: () => known, bustle });
   document.body.replaceChildren(head(), h("main", { class: "page" }, h("div", { class: "playing" }, again.element, empty, cardplace), desk.element, operator.element));
   showdesk(remembered("desk", false));
   showoperator(remembered("operator", false));
@@ -323,6 +327,7 @@ async function begin() {
   arrange();
   listen();
   loaditems();
+  bustle.refresh().catch(notice);
   setInterval(() => document.hidden || inform(), informevery);
 }
 

@@ -65,15 +65,17 @@ HttpAnswer nosuchcall(const HttpRequest& request) {
 struct ControlApi::Parts {
     Server& server;
     Clients& clients;
+    Bustle& bustle;
     ApiOptions options;
     KeyFiles keys;
     bool told = false;  // where it listens
     EventStreams streams;
     Door door;
 
-    Parts(Server& s, Clients& c, ApiOptions o)
+    Parts(Server& s, Clients& c, Bustle& b, ApiOptions o)
         : server(s),
           clients(c),
+          bustle(b),
           options(std::move(o)),
           keys(s.options().directory),
           streams(s, c),
@@ -121,9 +123,13 @@ struct ControlApi::Parts {
             std::string player;
             for (const ApiRoute& route : apiroutes())
                 if (request.method == route.method && matches(route.path, request.path, player)) {
-                    ApiCall made{server,          clients,
-                                 streams,         player,
-                                 bodyof(request), [&](const char* name) { return std::string(request.param(name)); },
+                    ApiCall made{server,
+                                 clients,
+                                 bustle,
+                                 streams,
+                                 player,
+                                 bodyof(request),
+                                 [&](const char* name) { return std::string(request.param(name)); },
                                  request.query};
                     return answered(200, route.handle(made));
                 }
@@ -173,8 +179,8 @@ struct ControlApi::Parts {
     }
 };
 
-ControlApi::ControlApi(Server& server, Clients& clients, ApiOptions options)
-    : parts_(std::make_unique<Parts>(server, clients, std::move(options))) {
+ControlApi::ControlApi(Server& server, Clients& clients, Bustle& bustle, ApiOptions options)
+    : parts_(std::make_unique<Parts>(server, clients, bustle, std::move(options))) {
     if (parts_->options.token.empty()) parts_->options.token = parts_->keys.token();
 }
 

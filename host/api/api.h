@@ -10,6 +10,7 @@ namespace host {
 
 class Server;
 class Clients;
+class Bustle;
 
 struct ApiOptions {
     std::string host = "127.0.0.1";
@@ -20,7 +21,7 @@ struct ApiOptions {
 
 class ControlApi {
 public:
-    ControlApi(Server& server, Clients& clients, ApiOptions options);
+    ControlApi(Server& server, Clients& clients, Bustle& bustle, ApiOptions options);
     ~ControlApi();
 
     // Listens, or throws StartError that names address and port.

@@ -68,6 +68,7 @@ void EventStreams::changed(const std::string& player) {
 }
 
 void EventStreams::listen(const std::string& player) {
+    if (clients_.isextra(player)) return;
     std::lock_guard listening(listening_);
     std::vector<json> fresh;
     const bool joined = clients_.look(player, [&](client::ModelClient& c) {

@@ -4,6 +4,7 @@
 
 #include <charconv>
 
+#include "host/api/bustlecalls.h"
 #include "host/api/clientstate.h"
 #include "host/api/eventstream.h"
 #include "host/api/viewcalls.h"
@@ -371,6 +372,9 @@ constexpr ApiRoute routes[] = {
     {"GET", "/api/views", listviews},
     {"GET", "/api/views/{}", askview},
     {"GET", "/api/complete", complete},
+    {"GET", "/api/bustle", showbustle},
+    {"POST", "/api/bustle", startbustle},
+    {"DELETE", "/api/bustle", stopbustle},
 };
 
 }  // namespace

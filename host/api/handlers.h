@@ -15,6 +15,7 @@ namespace host {
 
 class Server;
 class EventStreams;
+class Bustle;
 
 struct ApiError : std::runtime_error {
     ApiError(int status_, const std::string& text) : std::runtime_error(text), status(status_) {}
@@ -24,6 +25,7 @@ struct ApiError : std::runtime_error {
 struct ApiCall {
     Server& server;
     Clients& clients;
+    Bustle& bustle;
     EventStreams& streams;
     std::string player;                             // of the path, where it names one, or a view
     nlohmann::json body;                            // an object; empty without a body

@@ -47,6 +47,7 @@ std::vector<std::string> Console::offered(const std::string& place, const std::s
         });
     if (place == "ITEM") words = itemnames();
     if (place == "CONTAINER") words = containerwords();
+    if (place == "[off|N]") words.emplace_back("off");
     if (place.starts_with("[--"))
         for (const std::string& word : split(usage))
             if (word.starts_with("[--")) words.push_back(word.substr(1, word.find(']') - 1));

@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "host/bustle/bustle.h"
 #include "host/console/drawing.h"
 #include "host/console/typed.h"
 #include "host/core/commands.h"
@@ -27,8 +28,8 @@ constexpr std::array<std::string_view, 3> endwords{"stop", "quit", "exit"};
 
 }  // namespace
 
-Console::Console(Server& server, Clients& clients, Show show)
-    : server_(server), clients_(clients), show_(std::move(show)) {
+Console::Console(Server& server, Clients& clients, Bustle& bustle, Show show)
+    : server_(server), clients_(clients), bustle_(bustle), show_(std::move(show)) {
     watch_ = clients_.watch([this](const std::string& name) { tell(name); });
 }
 
@@ -45,6 +46,7 @@ const std::vector<Console::Line>& Console::serverlines() {
         {"revive", "revive NAME", "and lives again", &Console::revive},
         {"tick", "tick [N]", "N game ticks, with --manual", &Console::tick},
         {"backup", "backup FILE", "everything into one archive: .tar, .tar.gz, .tar.zst", &Console::backup},
+        {"bustle", "bustle [off|N]", "N made-up players trade in the demo market, or how it goes", &Console::bustle},
         {"commands", "commands", "the server commands a player can type", &Console::commands},
     };
     return lines;
@@ -278,6 +280,19 @@ void Console::commands(const std::vector<std::string>&, const std::string&) {
     for (const std::string& line : usage) print(line);
 }
 
+void Console::bustle(const std::vector<std::string>& words, const std::string&) {
+    if (words.size() > 1 && words[1] == "off")
+        bustle_.stop();
+    else if (words.size() > 1)
+        bustle_.start(number(words[1]));
+    const Bustle::State state = bustle_.state();
+    if (state.players > 0)
+        print(
+            fmt::format("{} of {} players of the bustle are here; {} trades", state.here, state.players, state.trades));
+    else
+        print(state.refusal.empty() ? "no bustle: bustle 12" : state.refusal);
+}
+
 void Console::screen(const std::vector<std::string>& words, const std::string&) {
     std::string text;
     clients_.with(words.at(0), [&](client::ModelClient& c) { text = drawscreen(c); });
@@ -353,6 +368,7 @@ std::string Console::toldforms(const std::string& name, const client::ModelClien
 }
 
 void Console::tell(const std::string& name) {
+    if (clients_.isextra(name)) return;
     std::string text;
     const bool joined = clients_.look(name, [&](client::ModelClient& c) {
         Told& told = told_[name];

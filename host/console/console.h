@@ -12,12 +12,13 @@
 namespace host {
 
 class Server;
+class Bustle;
 
 class Console {
 public:
     // Takes text with § codes, whole lines; called on any thread, and must not make it wait.
     using Show = std::function<void(const std::string& text)>;
-    Console(Server& server, Clients& clients, Show show);
+    Console(Server& server, Clients& clients, Bustle& bustle, Show show);
 
     // One line. False for "stop", "quit" and "exit". What is wrong with it is printed.
     bool line(const std::string& text);
@@ -50,6 +51,7 @@ private:
     void tick(const std::vector<std::string>& words, const std::string& rest);
     void backup(const std::vector<std::string>& words, const std::string& rest);
     void commands(const std::vector<std::string>& words, const std::string& rest);
+    void bustle(const std::vector<std::string>& words, const std::string& rest);
     // of one player; words[0] is his name
     void screen(const std::vector<std::string>& words, const std::string& rest);
     void form(const std::vector<std::string>& words, const std::string& rest);
@@ -74,6 +76,7 @@ private:
 
     Server& server_;
     Clients& clients_;
+    Bustle& bustle_;
     const Show show_;
     std::map<std::string, Told> told_;  // the server thread's
     std::shared_ptr<void> watch_;       // last, since it goes first

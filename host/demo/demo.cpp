@@ -27,7 +27,6 @@ using nlohmann::json;
 namespace {
 
 const std::string markpath = "demo.json";
-constexpr int purse = 5000;
 
 struct Gift {
     const char* item;
@@ -42,12 +41,14 @@ void write(const fs::path& path, const json& content) {
     if (!out) throw StartError(fmt::format("cannot write {}", path.string()));
 }
 
+bool ismark(const json& mark) { return mark.is_object() && mark.contains("welcomed") && mark["welcomed"].is_array(); }
+
 void welcome(platform::ServerPlayer& player, Money& money) {
     for (const Gift& gift : gifts) player.getSupplies().add(platform::ItemStack::create(gift.item, gift.count));
     player.refreshInventory();
-    if (money.there()) money.set(player.getXuid(), purse);
+    if (money.there()) money.set(player.getXuid(), demopurse);
     player.sendText(
-        fmt::format("\u00a7eThis is a demo market: {} coins are yours. Type \u00a7f/ordomart\u00a7e.", purse));
+        fmt::format("\u00a7eThis is a demo market: {} coins are yours. Type \u00a7f/ordomart\u00a7e.", demopurse));
 }
 
 }  // namespace
@@ -65,12 +66,17 @@ bool makedemo(const std::string& directory) {
     return true;
 }
 
+bool isdemo(Server& server) {
+    const auto text = server.services().files->read(markpath);
+    return text && ismark(json::parse(*text, nullptr, false));
+}
+
 void playdemo(Server& server) {
     platform::Host& services = server.services();
     const auto text = services.files->read(markpath);
     if (!text) return;
     const auto mark = std::make_shared<json>(json::parse(*text, nullptr, false));
-    if (!mark->is_object() || !mark->contains("welcomed") || !(*mark)["welcomed"].is_array()) {
+    if (!ismark(*mark)) {
         platform::Logger("Server").error("{} is no mark of a demo; nobody is welcomed", markpath);
         return;
     }
@@ -86,7 +92,7 @@ void playdemo(Server& server) {
         Money money(*server.services().libraries);
         welcome(*event.player, money);
         // Without LLMoney the money is a score, in the objective that the market made.
-        if (!money.there()) server.services().scoreboard->addScore(*event.player, "money", purse);
+        if (!money.there()) server.services().scoreboard->addScore(*event.player, demoobjective, demopurse);
         return true;
     });
 }

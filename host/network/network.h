@@ -21,6 +21,7 @@ struct JoinRequest {
     std::string language = "en_US";
     int devicetype = 7;  // 7 desktop, 2 touch
     int permission = 0;  // command permission level, 0 to 4
+    bool extra = false;  // one of a crowd: what he hears is neither printed nor kept
 };
 
 using ConnectionId = std::uint64_t;                         // never reused in a run

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/api/api.h"
+#include "host/bustle/bustle.h"
 #include "host/clients.h"
 #include "platform/level.h"
 #include "tests/host/apicaller.h"
@@ -40,7 +41,8 @@ protected:
     }
 
     host::Clients clients{*server};
-    host::ControlApi api{*server, clients, {.port = 0}};
+    host::Bustle bustle{*server, clients};
+    host::ControlApi api{*server, clients, bustle, {.port = 0}};
     std::unique_ptr<ApiCaller> caller;
 };
 

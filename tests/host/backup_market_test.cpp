@@ -9,6 +9,7 @@
 #include "host/api/keyfiles.h"
 #include "host/backup/command.h"
 #include "host/backup/restore.h"
+#include "host/bustle/bustle.h"
 #include "host/clients.h"
 #include "host/console/console.h"
 #include "host/money.h"
@@ -285,7 +286,8 @@ using BackupLines = coretests::ManualServer;
 TEST_F(BackupLines, StandInTheConsoleAndOneIsUnderWayAtATime) {
     host::Clients clients(*server);
     std::string said;
-    host::Console console(*server, clients, [&](const std::string& text) { said += text + "\n"; });
+    host::Bustle bustle(*server, clients);
+    host::Console console(*server, clients, bustle, [&](const std::string& text) { said += text + "\n"; });
     const std::string file = (directory.path / "with blanks.tar").string();
     console.line("backup " + file);
     console.line("backup " + file);

@@ -22,6 +22,7 @@
 #include <sstream>
 #include <thread>
 
+#include "host/bustle/bustle.h"
 #include "host/clients.h"
 #include "host/console/colours.h"
 #include "host/console/output.h"
@@ -49,7 +50,8 @@ protected:
     std::string out;
     host::Console::Show show = [this](const std::string& text) { out += host::terminaltext(text, false); };
     host::Clients clients{*server};
-    host::Console console{*server, clients, show};
+    host::Bustle bustle{*server, clients};
+    host::Console console{*server, clients, bustle, show};
 };
 
 TEST_F(ConsoleTest, PlaysAPlayer) {
@@ -147,7 +149,7 @@ TEST_F(ConsoleTest, TheReadmeIsTrueLineByLineInTheDemoMarket) {
     server->start();
     host::playdemo(*server);
     std::string coded;
-    host::Console market(*server, clients, [&](const std::string& text) {
+    host::Console market(*server, clients, bustle, [&](const std::string& text) {
         coded += text;
         out += host::terminaltext(text, false);
     });
@@ -326,7 +328,8 @@ protected:
     Reader reader{-1, {}};
     std::optional<host::Output> output;
     host::Clients clients{*server};
-    host::Console console{*server, clients,
+    host::Bustle bustle{*server, clients};
+    host::Console console{*server, clients, bustle,
                           [this](const std::string& text) { output->print(host::terminaltext(text, false)); }};
     std::atomic<bool> stopped = false;
     std::optional<host::Terminal> terminal;

@@ -112,12 +112,14 @@ protected:
     ViewsTest() : server_(coretests::manually(directory_, [this](platform::Host& host) { offer(*host.views); })) {
         server_.start();
         clients.emplace(server_);
-        api.emplace(server_, *clients, host::ApiOptions{.port = 0});
+        bustle.emplace(server_, *clients);
+        api.emplace(server_, *clients, *bustle, host::ApiOptions{.port = 0});
         api->start();
         caller = std::make_unique<coretests::ApiCaller>(api->port(), api->token());
     }
     ~ViewsTest() override {
         api.reset();
+        bustle.reset();
         clients.reset();
         server_.stop();
     }
@@ -145,6 +147,7 @@ protected:
     coretests::Directory directory_;
     host::Server server_;
     std::optional<host::Clients> clients;
+    std::optional<host::Bustle> bustle;
     std::optional<host::ControlApi> api;
     std::unique_ptr<coretests::ApiCaller> caller;
 };
@@ -219,7 +222,7 @@ TEST_F(ViewsTest, MetricsAreInTheFormAndCount) {
 TEST_F(ViewsTest, MetricsAreAskedForWithTheTokenUnlessTheyAreOpen) {
     httplib::Client stranger("127.0.0.1", api->port());
     EXPECT_EQ(stranger.Get("/metrics")->status, 401);
-    host::ControlApi open(server_, *clients, {.port = 0, .openmetrics = true});
+    host::ControlApi open(server_, *clients, *bustle, {.port = 0, .openmetrics = true});
     open.start();
     httplib::Client watcher("127.0.0.1", open.port());
     const auto answer = watcher.Get("/metrics");
