@@ -60,8 +60,11 @@ export class Desk {
 
   mark() {
     for (const button of this.nav.querySelectorAll("button")) {
-      if (button.dataset.view === this.chosen?.description.name) button.setAttribute("aria-current", "page");
-      else button.removeAttribute("aria-current");
+      if (button.dataset.view === this.chosen?.description.name) {
+        button.setAttribute("aria-current", "page");
+        const { offsetLeft, offsetWidth } = button;
+        this.nav.scrollLeft = offsetLeft - this.nav.offsetLeft - (this.nav.clientWidth - offsetWidth) / 2;
+      } else button.removeAttribute("aria-current");
     }
   }
 

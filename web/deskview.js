@@ -110,10 +110,13 @@ export class View {
 
   table(rows) {
     if (rows.length === 0) return h("p", { class: "hint", t: "deskempty" });
-    const columns = this.columns.filter(({ title }) => title !== undefined), { actions = [] } = this.description;
+    const { actions = [], kind } = this.description;
+    // What no row has takes no room; days without a value stay days.
+    const has = ({ name }) => kind === "series" || rows.some((row) => row[name] !== undefined && row[name] !== null);
+    const columns = this.columns.filter((column) => column.title !== undefined && has(column));
     const heads = columns.map((column) => h("th", { scope: "col", class: isnumeric(column) ? "number" : null }, said(column.title)));
     if (actions.length > 0) heads.push(h("th", { scope: "col", t: "doing" }));
-    const body = rows.map((row, place) => h("tr", {}, ...columns.map((column) => h("td", { class: isnumeric(column) ? "number" : null }, shown(row[column.name], column))),
+    const body = rows.map((row, place) => h("tr", {}, ...columns.map((column) => h("td", { class: isnumeric(column) ? "number" : null }, shown(row[column.name], column) || (kind === "series" ? "–" : ""))),
       actions.length > 0 ? h("td", {}, ...actions.filter(({ when }) => !when || row[when]).map((action) => this.button(action, row, place))) : null));
     return h("div", { class: "desktable", tabindex: 0, role: "region", "aria-label": said(this.description.title) },
       h("table", {}, h("thead", {}, h("tr", {}, ...heads)), h("tbody", {}, ...body)));

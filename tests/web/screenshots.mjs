@@ -1,5 +1,6 @@
 // Takes the pictures of docs/screenshots: the page in its main states, played by hand like the tests do. Names of scenes
-// as arguments take only those again. `--menus FOLDER [LOOK ...]` takes every menu there is into another folder, as the walk
+// as arguments take only those again. Desk and board are shown on a market that has bustled for three weeks of a clock that is
+// moved by hand. PICTURES names another folder. `--menus FOLDER [LOOK ...]` takes every menu there is into another folder, as the walk
 // of the tests comes by, for somebody to look at.
 import { mkdir } from "node:fs/promises";
 import path from "node:path";
@@ -8,7 +9,7 @@ import { fileURLToPath } from "node:url";
 import { joins, Player, startbrowser, startserver } from "./stage.mjs";
 import { combinations, fillsharedshop, walk } from "./walkers.mjs";
 
-const folder = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../../docs/screenshots");
+const folder = process.env.PICTURES ?? path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../../docs/screenshots");
 await mkdir(folder, { recursive: true });
 
 // The market refuses who comes back too fast, and a picture of a sale should not show that.
@@ -27,8 +28,9 @@ async function scene(browser, server, { viewport = wide, colorScheme = "light", 
   await play(page, async (name) => {
     await page.evaluate(() => document.fonts.ready);
     await page.screenshot({ path: path.join(folder, `${name}.png`) });
-  });
+  }, server);
   await context.close();
+  if (server.bustles) return;
   for (const { name, joined } of (await server.call("GET", "/api/players")).players)
     if (joined) await server.call("DELETE", `/api/players/${encodeURIComponent(name)}`);
 }
@@ -202,6 +204,81 @@ async function sheet(page, shot) {
 }
 scenes.items = [{ viewport: { width: 1360, height: 880 } }, sheet];
 
+// ---- a market that bustles
+
+const days = 21, ticksaday = 2000, day = 86400000;
+
+async function bustlingserver() {
+  const server = await startserver(["--manual", "--bustle", "16", "--board", "0", "--quiet"]);
+  for (let passed = 0; passed < days; ++passed) {
+    if (passed > 0) await server.call("POST", "/api/clock", { milliseconds: day });
+    await server.call("POST", "/api/ticks", { count: ticksaday });
+  }
+  return Object.assign(server, { bustles: true });
+}
+
+const broad = { viewport: { width: 1280, height: 860 } }, handheld = { viewport: phone, hasTouch: true };
+
+async function opensdesk(page, view) {
+  await page.getByRole("button", { name: /^(Desk|管理台)$/ }).click();
+  await page.locator(`.desknav [data-view="${view}"]`).click();
+  await page.locator(`.deskview[data-view="${view}"]`).waitFor();
+}
+const showsview = (name, view) => async (page, shot) => {
+  await opensdesk(page, view);
+  await page.locator(".deskview :is(.desktable, .figures)").first().waitFor();
+  if (["flows", "prices"].includes(view)) await page.locator(".plot canvas").nth(1).waitFor();
+  await shot(name);
+};
+const showsprices = (name) => async (page, shot) => {
+  await opensdesk(page, "prices");
+  const prices = page.locator('.deskview[data-view="prices"]');
+  await prices.locator("datalist option").nth(99).waitFor({ state: "attached" });
+  await prices.getByLabel("Item").fill("Iron Ingot");
+  await prices.getByRole("button", { name: "Show" }).click();
+  await page.locator(".plot canvas").nth(1).waitFor();
+  await page.mouse.move(0, 0);
+  await shot(name);
+};
+const showsboard = (name, query = "") => async (page, shot, server) => {
+  await page.goto(`${server.board}${query}`);
+  await page.locator(".boardcard, .boardtable").first().waitFor();
+  await shot(name);
+};
+
+const bustling = {
+  desk: [broad, showsview("desk-now", "now")],
+  deskprices: [broad, showsprices("desk-prices")],
+  board: [broad, showsboard("board")],
+};
+// Whatever else there is to look at, in PICTURES alone.
+const others = {
+  ...Object.fromEntries(["market", "trades", "flows", "goods", "top-shops", "shops", "server"].map((view) => [`desk${view}`, [broad, showsview(`desk-${view}`, view)]])),
+  ...Object.fromEntries(["market", "now", "flows", "goods", "shops"].map((view) => [`phone${view}`, [handheld, showsview(`phone-desk-${view}`, view)]])),
+  phoneprices: [handheld, showsprices("phone-desk-prices")],
+  boardphone: [handheld, showsboard("phone-board")],
+  boardcommissions: [broad, showsboard("board-commissions", "?view=commissions")],
+  boardprices: [broad, showsboard("board-prices", "?view=prices&item=minecraft:iron_ingot")],
+  boardpricesphone: [handheld, showsboard("phone-board-prices", "?view=prices&item=minecraft:iron_ingot")],
+  boardchinese: [{ ...broad, locale: "zh-CN" }, showsboard("board-chinese")],
+  deskchinese: [{ ...broad, locale: "zh-CN", colorScheme: "dark" }, showsview("desk-chinese", "goods")],
+  bustle: [broad, async (page, shot) => {
+    await page.locator(".empty").waitFor();
+    await page.getByRole("button", { name: "Bustling market" }).first().waitFor();
+    await shot("bustle-start");
+    await page.getByRole("button", { name: "Bustling market" }).first().click();
+    await page.locator("[data-dialogue=bustle] button.main").waitFor();
+    await shot("bustle-dialogue");
+  }],
+  players: [broad, async (page, shot) => {
+    await page.locator("[data-t=operator]").first().click();
+    await page.getByRole("tab", { name: "Players" }).click();
+    await page.locator("[data-row=Mila]").waitFor();
+    await shot("bustle-players");
+  }],
+};
+if (process.env.PICTURES) Object.assign(bustling, others);
+
 async function everymenu(server, browser, into, looks) {
   await mkdir(into, { recursive: true });
   await fillsharedshop(server);
@@ -215,17 +292,29 @@ async function everymenu(server, browser, into, looks) {
   }
 }
 
-async function takescenes(server, browser, asked) {
-  for (const name of asked) if (!(name in scenes)) throw new Error(`no scene is called ${name}: ${Object.keys(scenes).join(", ")}`);
-  for (const [name, [look, play]] of Object.entries(scenes))
-    if (asked.length === 0 || asked.includes(name)) await scene(browser, server, look, play);
+async function takescenes(start, browser, table, asked) {
+  const chosen = Object.entries(table).filter(([name]) => asked.length === 0 || asked.includes(name));
+  if (chosen.length === 0) return;
+  const server = await start();
+  try {
+    for (const [, [look, play]] of chosen) await scene(browser, server, look, play);
+  } finally {
+    await server.stop();
+  }
 }
 
-const [first, into, ...looks] = process.argv.slice(2), every = first === "--menus";
-const server = await startserver(every ? ["--manual"] : []), browser = await startbrowser();
+const [first, into, ...looks] = process.argv.slice(2), every = first === "--menus", asked = process.argv.slice(2);
+const all = { ...scenes, ...bustling };
+if (!every) for (const name of asked) if (!(name in all)) throw new Error(`no scene is called ${name}: ${Object.keys(all).join(", ")}`);
+const browser = await startbrowser();
 try {
-  await (every ? everymenu(server, browser, into, looks) : takescenes(server, browser, process.argv.slice(2)));
+  if (every) {
+    const server = await startserver(["--manual"]);
+    await everymenu(server, browser, into, looks).finally(() => server.stop());
+  } else {
+    await takescenes(() => startserver(), browser, scenes, asked);
+    await takescenes(bustlingserver, browser, bustling, asked);
+  }
 } finally {
   await browser.close();
-  await server.stop();
 }
