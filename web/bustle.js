@@ -1,6 +1,7 @@
 // The bustling market: a button that says whether it is on, and a dialogue that tells what it does before it does it.
 import * as api from "/api.js";
-import { h, labelledfield, setlabel } from "/dom.js";
+import { h, labelledfield } from "/dom.js";
+import { notice } from "/notices.js";
 import { Outcome } from "/opparts.js";
 import { t } from "/strings.js";
 
@@ -43,41 +44,31 @@ export class Bustle {
   }
 
   async ask() {
-    const outcome = new Outcome();
-    const number = h("input", { type: "number", min: 1, max: this.state?.most, required: true, value: String(usual) });
-    const text = h("p", {}), told = h("p", { class: "hint", role: "status" });
-    const stop = h("button", { type: "button", t: "bustlestop", on: { click: () => outcome.of(() => act(api.stopbustle)) } });
-    const start = h("button", { type: "submit", class: "main", t: "bustlestart" });
-    const act = async (work) => {
-      const wason = this.state.players > 0;
-      this.take(await work());
-      dialogue.close();
-      if (!wason && this.state.players > 0) this.begun();
-    };
-    const submit = (event) => {
-      event.preventDefault();
-      outcome.of(() => act(() => api.startbustle(Number(number.value))));
-    };
-    const field = labelledfield("bustleplayers", number);
-    const dialogue = h("dialog", { class: "ask", "data-dialogue": "bustle", tlabel: "bustle", on: { close: () => dialogue.remove() } },
-      h("form", { class: "stackform", on: { submit } }, h("h2", { t: "bustle" }), text, field, told, outcome.element,
-        h("footer", {}, h("button", { type: "button", t: "cancel", on: { click: () => dialogue.close() } }), stop, start)));
-    document.body.append(dialogue);
-    dialogue.showModal();
     try {
       await this.refresh();
     } catch (error) {
-      return outcome.tell(error.message, true);
+      return notice(error);
     }
-    const { players, most, refusal } = this.state, on = players > 0;
-    number.max = most;
-    if (on) number.value = players;
-    text.textContent = refusal ? t("bustlerefused") : t("bustletext");
-    told.textContent = on ? t("bustlegoes", this.state) : "";
-    told.hidden = !on;
-    field.hidden = start.hidden = refusal !== "";
-    stop.hidden = !on;
-    setlabel(start, "t", on ? "bustlechange" : "bustlestart");
-    (refusal ? dialogue.querySelector("footer button") : number).focus();
+    const { players, most, refusal } = this.state, on = players > 0, possible = refusal === "";
+    const outcome = new Outcome();
+    const number = h("input", { type: "number", min: 1, max: most, required: true, value: String(on ? players : usual) });
+    const act = (work) => outcome.of(async () => {
+      this.take(await work());
+      dialogue.close();
+      if (!on && this.state.players > 0) this.begun();
+    });
+    const submit = (event) => {
+      event.preventDefault();
+      act(() => api.startbustle(Number(number.value)));
+    };
+    const cancel = h("button", { type: "button", t: possible ? "cancel" : "close", on: { click: () => dialogue.close() } });
+    const dialogue = h("dialog", { class: "ask", "data-dialogue": "bustle", tlabel: "bustle", on: { close: () => dialogue.remove() } },
+      h("form", { class: "stackform", on: { submit } }, h("h2", { t: "bustle" }), h("p", { t: possible ? "bustletext" : "bustlerefused" }),
+        on ? h("p", { role: "status" }, t("bustlegoes", this.state)) : null, possible ? labelledfield("bustleplayers", number) : null, outcome.element,
+        h("footer", {}, cancel, on ? h("button", { type: "button", t: "bustlestop", on: { click: () => act(api.stopbustle) } }) : null,
+          possible ? h("button", { type: "submit", class: "main", t: on ? "bustlechange" : "bustlestart" }) : null)));
+    document.body.append(dialogue);
+    dialogue.showModal();
+    (possible ? number : cancel).focus();
   }
 }

@@ -73,7 +73,7 @@ export default {
   deskfill: "Fill in what is asked for.", desknothing: "There is nothing to show.", yes: "yes", no: "no", enchanted: "enchanted",
 
   bustle: "Bustling market", bustleon: "Bustling market: {here} players", bustleplayers: "Players at a time",
-  bustlestart: "Let them in", bustlestop: "Send them away", bustlechange: "Change the number",
+  bustlestart: "Let them in", bustlestop: "Send them away", bustlechange: "Change",
   bustletext: "Made-up players come, open shops, buy, sell and go. They bring goods and coins out of nothing, and what they trade stays in this demo market's books, also when they have gone. At first they hurry, so that there is something to see.",
   bustlegoes: "{here} of {players} players are here; {trades} trades so far.",
   bustlerefused: "There is none here: made-up players bring goods and coins out of nothing, and their trades stay in the books. They are only for a demo market, which the server makes in a new directory when it is started without --empty.",

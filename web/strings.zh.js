@@ -73,7 +73,7 @@ export default {
   deskfill: "请填写所需内容。", desknothing: "没有可显示的内容。", yes: "是", no: "否", enchanted: "附魔",
 
   bustle: "热闹集市", bustleon: "热闹集市：{here} 名玩家", bustleplayers: "同时在场的玩家数",
-  bustlestart: "请他们进来", bustlestop: "请他们离开", bustlechange: "更改人数",
+  bustlestart: "请他们进来", bustlestop: "请他们离开", bustlechange: "更改",
   bustletext: "虚拟玩家会来开店、买卖、离开。他们带来的物品和金币都是凭空产生的，他们的交易会一直留在这个演示集市的账本里，即使他们已经离开。一开始他们动作很快，好让您马上有东西可看。",
   bustlegoes: "{players} 名玩家中已有 {here} 名在场；至今 {trades} 笔交易。",
   bustlerefused: "这里不能使用：虚拟玩家带来的物品和金币都是凭空产生的，交易会留在账本里。只有演示集市可以用它；不带 --empty 在新目录中启动服务器，就会生成演示集市。",

@@ -247,13 +247,13 @@ const showsboard = (name, query = "") => async (page, shot, server) => {
 };
 
 const bustling = {
-  desk: [broad, showsview("desk-now", "now")],
+  desktrades: [broad, showsview("desk-trades", "trades")],
   deskprices: [broad, showsprices("desk-prices")],
   board: [broad, showsboard("board")],
 };
 // Whatever else there is to look at, in PICTURES alone.
 const others = {
-  ...Object.fromEntries(["market", "trades", "flows", "goods", "top-shops", "shops", "server"].map((view) => [`desk${view}`, [broad, showsview(`desk-${view}`, view)]])),
+  ...Object.fromEntries(["market", "now", "flows", "goods", "top-shops", "shops", "server"].map((view) => [`desk${view}`, [broad, showsview(`desk-${view}`, view)]])),
   ...Object.fromEntries(["market", "now", "flows", "goods", "shops"].map((view) => [`phone${view}`, [handheld, showsview(`phone-desk-${view}`, view)]])),
   phoneprices: [handheld, showsprices("phone-desk-prices")],
   boardphone: [handheld, showsboard("phone-board")],
