@@ -55,7 +55,7 @@ struct Market {
 std::vector<std::string> storyby(std::uint64_t seed) {
     Market market;
     market.bustle.start(6, seed);
-    market.server.ticks(250);
+    market.server.ticks(160);
     return market.story();
 }
 
@@ -63,7 +63,7 @@ TEST(Bustle, TradesByItsSeedAndItsBooksBalance) {
     const auto twin = storyby(host::Bustle::usualseed), other = storyby(2);
     Market market;
     market.says("bustle 6");
-    market.server.ticks(250);
+    market.server.ticks(160);
     EXPECT_THAT(market.says("bustle"), HasSubstr("6 of 6 players of the bustle are here"));
     EXPECT_EQ(market.clients.joined().size(), 6U);
     EXPECT_GT(market.bustle.state().trades, 30U);
