@@ -12,7 +12,6 @@
 #include "host/bustle/means.h"
 #include "host/bustle/visits.h"
 #include "host/clients.h"
-#include "host/demo/demo.h"
 #include "host/server.h"
 #include "platform/logger.h"
 #include "platform/schedule.h"
