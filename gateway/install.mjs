@@ -48,6 +48,7 @@ for (const file of files(data)) {
 // by the package's own rule it would be found under that of its build alone.
 const native = path.join(modules, "raknet-native"), prebuilds = path.join(native, "prebuilds");
 const built = readdirSync(prebuilds).find((name) => name.startsWith(`${process.platform}-`) && name.endsWith(`-${process.arch}`));
+renameSync(path.join(native, "raknet/LICENSE"), path.join(native, "raknet.LICENSE"));
 keep(native, (name) => !["raknet", "src", "test", "build"].includes(name));
 if (built) {
   mkdirSync(path.join(native, "build/Release"), { recursive: true });

@@ -21,6 +21,7 @@
 #include "host/console/console.h"
 #include "host/console/output.h"
 #include "host/console/terminal.h"
+#include "host/core/descriptor.h"
 #include "host/demo/demo.h"
 #include "host/network/gateway/door.h"
 #include "host/server.h"
@@ -41,6 +42,7 @@ struct Arguments {
 };
 
 void describe(CLI::App& app, Arguments& arguments) {
+    app.set_version_flag("--version", "ordomart-server " ORDOMART_VERSION, "Print the version and exit");
     auto& server = arguments.server;
     server.directory = "server";
     app.add_option("DIRECTORY", server.directory, "The server directory; made when it is missing")
@@ -168,6 +170,7 @@ int restore(const Arguments& arguments) {
 }  // namespace
 
 int main(int count, char** values) {
+    host::keepstandardfiles();
     CLI::App app("A small server with the Ordomart market in it", "ordomart-server");
     Arguments arguments;
     describe(app, arguments);

@@ -1,4 +1,5 @@
-// An open file that closes itself, and writing to it until everything is written.
+// An open file that closes itself, and writing to it until everything is written; and the three that a program is
+// given.
 #pragma once
 
 #include <fcntl.h>
@@ -39,5 +40,14 @@ public:
 private:
     int number_ = -1;
 };
+
+// Those of terminal and errors that were closed by whoever started the program lead nowhere, so that no file of the
+// server gets their number, is read as what somebody types, or has lines written into it.
+inline void keepstandardfiles() {
+    int number = -1;
+    do number = ::open("/dev/null", O_RDWR);
+    while (number >= 0 && number <= STDERR_FILENO);
+    if (number >= 0) ::close(number);
+}
 
 }  // namespace host

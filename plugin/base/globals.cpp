@@ -1,7 +1,10 @@
-// The values of a server that has no settings file yet.
+// The version, which the build names, and the values of a server that has no settings file yet.
 #include "plugin/base/globals.h"
 
 namespace ordomart {
+
+// Read while the module loads.
+constinit const LL::Version pluginversion{ORDOMART_VERSION_NUMBERS, LL::Version::Release};
 
 Logger logger("Ordomart");
 Logger tradelogger("Ordomartlogger");

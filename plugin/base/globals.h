@@ -18,7 +18,7 @@ namespace ordomart {
 using namespace platform;
 using namespace shopsystem;
 
-inline constexpr LL::Version pluginversion{1, 2, 0, LL::Version::Release};
+extern const LL::Version pluginversion;
 
 extern Logger logger;       // "Ordomart": general lines
 extern Logger tradelogger;  // "Ordomartlogger": trade records, files only

@@ -9,12 +9,12 @@ import path from "node:path";
 import { createInterface } from "node:readline";
 import { fileURLToPath } from "node:url";
 
-const root = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../..");
+export const root = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../..");
 export const program = path.resolve(process.env.ORDOMART_SERVER ?? path.join(root, "build/dev/ordomart-server"));
 
 // A program, when it has said what it says once it runs.
-async function runs(command, words, pattern) {
-  const child = spawn(command, words, { stdio: ["pipe", "pipe", "pipe"] });
+async function runs(command, words, pattern, spawned) {
+  const child = spawn(command, words, { stdio: ["pipe", "pipe", "pipe"], ...spawned });
   const said = [];
   const ended = once(child, "exit").then(([code, signal]) => code ?? signal);
   const impatience = setTimeout(() => child.kill(), 30_000);
@@ -43,9 +43,10 @@ export async function freeport() {
 }
 
 export class Stage {
-  static async starts({ server = ["--offline"], gateway = ["--offline"], binary = program } = {}) {
+  // `binary` and `door` are the programs, `spawned` what else they are started with.
+  static async starts({ server = ["--offline"], gateway = ["--offline"], binary = program, door = path.join(root, "gateway/main.js"), spawned = {} } = {}) {
     const stage = new Stage();
-    Object.assign(stage, { binary, serverwords: server, gatewaywords: gateway, port: await freeport() });
+    Object.assign(stage, { binary, door, spawned, serverwords: server, gatewaywords: gateway, port: await freeport() });
     stage.folder = await mkdtemp(path.join(tmpdir(), "ordomart-network-"));
     stage.directory = path.join(stage.folder, "server");
     await stage.startserver();
@@ -54,13 +55,13 @@ export class Stage {
   }
 
   async startserver() {
-    this.server = await runs(this.binary, [this.directory, "--api-port", "0", "--gateway", ...this.serverwords], /(http:\S+)\/#token=(\w+)/);
+    this.server = await runs(this.binary, [this.directory, "--api-port", "0", "--gateway", ...this.serverwords], /(http:\S+)\/#token=(\w+)/, this.spawned);
     [, this.origin, this.token] = this.server.match;
   }
 
   async startgateway(more = this.gatewaywords, says = /is open/) {
-    const main = path.join(root, "gateway/main.js");
-    this.gateway = await runs(process.execPath, [main, "--directory", this.directory, "--port", String(this.port), "--host", "127.0.0.1", ...more], says);
+    const words = ["--directory", this.directory, "--port", String(this.port), "--host", "127.0.0.1", ...more];
+    this.gateway = await runs(this.door, words, says, this.spawned);
   }
 
   async call(method, part, body) {
