@@ -62,9 +62,9 @@ test("installed and then moved, it plays without terminal and environment, and s
 });
 
 test("the package has everything in its place, asks for what it needs, and holds the operator's settings", async () => {
-  prints("cpack", "--config", path.join(build, "CPackConfig.cmake"), "-B", folder);
+  prints("cpack", "--config", path.join(build, "CPackConfig.cmake"), "-B", folder, "-D", "CPACK_DEBIAN_COMPRESSION_TYPE=gzip");
   const file = path.join(folder, `ordomart_${version}_${prints("dpkg", "--print-architecture").trim()}.deb`);
-  const fields = Object.fromEntries(prints("dpkg-deb", "--field", file).matchAll(/^(\S+): (.*)$/gm).map(([, name, value]) => [name, value]));
+  const fields = Object.fromEntries([...prints("dpkg-deb", "--field", file).matchAll(/^(\S+): (.*)$/gm)].map((found) => found.slice(1)));
   assert.equal(fields.Version, version);
   for (const name of ["libc6", "libsqlite3-0", "libsimdjson", "libssl3", "systemd-sysusers"]) assert.ok(fields.Depends.includes(name), fields.Depends);
   assert.ok(!fields.Depends.includes("node"), "the server goes without");
