@@ -41,6 +41,7 @@ test("installed and then moved, it plays without terminal and environment, and s
 
   const server = path.join(prefix, "bin/ordomart-server"), closed = path.join(folder, "closed");
   assert.equal(prints(server, "--version"), `ordomart-server ${version}\n`);
+  assert.equal(JSON.parse(await readFile(path.join(prefix, "lib/ordomart/gateway/package.json"))).version, version);
   await writeFile(closed, `#!/bin/sh\nexec '${server}' "$@" <&-\n`);
   await chmod(closed, 0o755);
   const stage = await Stage.starts({ binary: closed, door: path.join(prefix, "bin/ordomart-gateway"),

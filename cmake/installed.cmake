@@ -1,5 +1,5 @@
-# Part of the installation: units, their settings and the manual, with the places in them that a prefix means. Given:
-# packaging, scratch, bindir, docdir, mandir, help, VERSION, gateway.
+# The part of the installation that is known only when it takes place: the texts that name the prefix (units, their settings,
+# the manual), and the gateway, if its packages are there. What is given to it stands in install.cmake.
 set(prefix "${CMAKE_INSTALL_PREFIX}")
 set(etc "${prefix}/etc")
 if(prefix STREQUAL "/usr")
@@ -19,10 +19,15 @@ function(written name folder)
 endfunction()
 written(ordomart.service lib/systemd/system)
 written(ordomart-server.1 ${mandir}/man1)
-if(gateway)
+if(EXISTS "${gateway}/node_modules/.ordomart")
+  file(INSTALL "${gateway}/" DESTINATION "${prefix}/${private}/gateway" PATTERN install.mjs EXCLUDE PATTERN ".*" EXCLUDE)
+  file(INSTALL "${packaging}/ordomart-gateway" DESTINATION "${prefix}/${private}" TYPE PROGRAM)
+  file(INSTALL "${links}/ordomart-gateway" DESTINATION "${prefix}/${bindir}")
   written(ordomart-gateway.service lib/systemd/system)
   file(WRITE "${scratch}/ordomart-gateway.1" ".so man1/ordomart-server.1\n")
   file(INSTALL "${scratch}/ordomart-gateway.1" DESTINATION "${prefix}/${mandir}/man1")
+else()
+  message(STATUS "The gateway is left out: node gateway/install.mjs fetches its packages.")
 endif()
 # What an operator has written there stays.
 if(NOT EXISTS "$ENV{DESTDIR}${SETTINGS}")
