@@ -1,7 +1,7 @@
 // The market as it is installed, into any prefix and as a Debian package: what lies where, and that it plays from there.
 import assert from "node:assert/strict";
 import { execFileSync, spawnSync } from "node:child_process";
-import { chmod, mkdtemp, readdir, readFile, rename, rm, stat, writeFile } from "node:fs/promises";
+import { chmod, mkdtemp, readdir, readFile, readlink, rename, rm, stat, writeFile } from "node:fs/promises";
 import { tmpdir } from "node:os";
 import path from "node:path";
 import { after, before, test } from "node:test";
@@ -47,6 +47,7 @@ test("installed and then moved, it plays without terminal and environment, and s
   const stage = await Stage.starts({ binary: closed, door: path.join(prefix, "bin/ordomart-gateway"),
                                      spawned: { cwd: "/", env: { PATH: path.dirname(process.execPath) + ":/usr/bin:/bin" } } });
   try {
+    assert.equal(await readlink(`/proc/${stage.server.child.pid}/fd/0`), "/dev/null", "no file of the server's own is read as what somebody types");
     const alice = await Player.joins(stage.port, "Alice");
     alice.types("ordomart formmenu");
     await alice.chooses("Selling");
