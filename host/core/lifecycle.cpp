@@ -133,7 +133,8 @@ void Server::Parts::startup() {
     }
     if (options.adjust) options.adjust(services);
     loadplugin(file);
-    offerhealth();  // behind what the plug-in shows
+    offermoneyview();  // behind what the plug-in shows
+    offerhealth();
     for (const auto& plugin : plugins.records()) {
         say(platform::LogLevel::info, "Plug-in " + plugin.name + " " + plugin.version.toString(true));
     }

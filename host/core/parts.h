@@ -86,6 +86,7 @@ struct Server::Parts {
     // healthview.cpp
     void offerhealth();
     [[nodiscard]] std::string health();  // any thread
+    void offermoneyview();               // moneyview.cpp
 
     [[nodiscard]] bool onserverthread() const { return std::this_thread::get_id() == serverthread.load(); }
 

@@ -9,6 +9,9 @@
 #include <sstream>
 
 #include "host/core/views.h"
+#include "host/world/world.h"
+#include "platform/level.h"
+#include "platform/llmoney.h"
 #include "platform/views.h"
 #include "tests/host/apiserver.h"
 
@@ -157,7 +160,7 @@ TEST_F(ViewsTest, AreListedAndAsked) {
     const json listed = caller->get("/api/views").body;
     for (const auto& view : listed["views"]) names.insert(view["name"]);
     EXPECT_THAT(names, IsSupersetOf({"echo", "picky", "now", "trades", "flows", "prices", "top-goods", "top-shops",
-                                     "server", "shops", "market"}));
+                                     "server", "shops", "market", "money"}));
     const struct {
         const char* path;
         int status;
@@ -186,6 +189,33 @@ TEST_F(ViewsTest, AreListedAndAsked) {
     EXPECT_EQ(caller->get("/api/views/flows?days=7").body["rows"].size(), 7U);
     EXPECT_EQ(server_.views().ask("echo", "1", true), R"({"rows": [1]})");
     EXPECT_THROW((void)server_.views().ask("trades", "{}", true), host::NoSuchView);
+}
+
+TEST_F(ViewsTest, MoneyOfAllAccountsIsSummed) {
+    caller->post("/api/players", {{"name", "Ann"}});
+    caller->post("/api/players", {{"name", "Ben"}});
+    caller->post("/api/players", {{"name", "Cid"}});
+    const auto figures = [&] {
+        std::map<std::string, std::int64_t> all;
+        caller->post("/api/ticks", {{"count", 1}});
+        for (const auto& row : caller->get("/api/views/money").body["rows"]) all[row["name"]] = row["value"];
+        return all;
+    };
+    EXPECT_EQ(figures()["circulation"], 0);
+    for (const auto& [name, amount] : std::map<std::string, int>{{"Ann", 70}, {"Ben", 30}, {"Cid", 20}})
+        caller->put("/api/players/" + name + "/money", {{"amount", amount}});
+    server_.run([&] {
+        auto& libraries = *server_.services().libraries;
+        const auto trans = reinterpret_cast<platform::llmoney::Trans*>(
+            libraries.symbol(libraries.load("LLmoney.dll"), "LLMoneyTrans"));
+        const auto xuid = platform::PlayerInfo::getXuid("Ann");
+        EXPECT_TRUE(trans(xuid, "", 8, "fee") && trans("", xuid, 5, "prize"));
+        server_.world().setscore("Ben", "money", 12);
+    });
+    auto now = figures();
+    const std::vector<std::int64_t> seen{now["accounts"], now["circulation"], now["largest"],    now["middle"],
+                                         now["given1"],   now["taken30"],     now["score-money"]};
+    EXPECT_THAT(seen, testing::ElementsAre(3, 117, 67, 30, 5, 8, 12));
 }
 
 TEST_F(ViewsTest, MetricsAreInTheFormAndCount) {
