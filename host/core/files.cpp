@@ -20,16 +20,19 @@ namespace {
 constexpr std::size_t mostbytes = std::size_t{256} << 20;
 constexpr int mostlinks = 40;
 
-// Only plain files are read, and none of a size that cannot be meant: a pipe or a gigabyte would hold the server up.
-std::optional<std::string> readfrom(const std::optional<fs::path>& path, std::size_t most) {
+// Only plain files are read, and no more at once than can be meant: a pipe or a gigabyte would hold the server up.
+// `first` says where to begin in a file of so many bytes.
+template <class First>
+std::optional<std::string> readfrom(const std::optional<fs::path>& path, std::size_t most, First first) {
     if (!path) return std::nullopt;
     const Descriptor file(path->c_str(), O_RDONLY | O_NONBLOCK);
     struct stat status {};
     if (!file.isopen() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
     const auto size = static_cast<std::size_t>(status.st_size);
-    if (std::min(size, most) > mostbytes) return std::nullopt;
-    auto at = static_cast<off_t>(size > most ? size - most : 0);
-    std::string content(size - static_cast<std::size_t>(at), '\0');
+    const std::size_t begin = std::min<std::size_t>(first(size), size);
+    if (std::min(size - begin, most) > mostbytes) return std::nullopt;
+    auto at = static_cast<off_t>(begin);
+    std::string content(std::min(size - begin, most), '\0');
     std::size_t have = 0;
     while (have < content.size()) {
         const auto n = ::pread(file.number(), content.data() + have, content.size() - have, at);
@@ -101,11 +104,15 @@ bool DiskFiles::makeDirectory(const std::string& path) {
 }
 
 std::optional<std::string> DiskFiles::read(const std::string& path) const {
-    return readfrom(below(root_, path), std::string::npos);
+    return readfrom(below(root_, path), std::string::npos, [](std::size_t) { return 0U; });
+}
+
+std::optional<std::string> DiskFiles::readpart(const std::string& path, std::uint64_t from, std::size_t most) const {
+    return readfrom(below(root_, path), most, [from](std::size_t) { return from; });
 }
 
 std::optional<std::string> DiskFiles::readtail(const std::string& path, std::size_t most) const {
-    return readfrom(below(root_, path), most);
+    return readfrom(below(root_, path), most, [most](std::size_t size) { return size > most ? size - most : 0; });
 }
 
 bool DiskFiles::replace(const std::string& path, std::string_view content) {
@@ -125,6 +132,46 @@ bool DiskFiles::replace(const std::string& path, std::string_view content) {
     }
     flushdirectory(*target);
     return true;
+}
+
+// Beside its name until it is finished, like any other. What a killed process has left there is written over.
+class DiskFiles::Making : public platform::NewFile {
+public:
+    Making(DiskFiles& files, fs::path target, std::string path)
+        : files_(files),
+          target_(std::move(target)),
+          path_(std::move(path)),
+          beside_(namebeside(target_)),
+          file_(beside_.c_str(), O_WRONLY | O_CREAT | O_TRUNC) {}
+    ~Making() override {
+        if (file_.isopen()) ::unlink(beside_.c_str());
+    }
+    [[nodiscard]] bool isopen() const { return file_.isopen(); }
+    bool write(std::string_view piece) override { return iswritten_ = iswritten_ && file_.write(piece); }
+    bool finish() override {
+        if (!iswritten_ || ::fsync(file_.number()) != 0) return false;
+        const auto change = files_.changing(target_, path_);
+        if (::renameat2(AT_FDCWD, beside_.c_str(), AT_FDCWD, target_.c_str(), RENAME_NOREPLACE) != 0) return false;
+        file_.close();
+        flushdirectory(target_);
+        return true;
+    }
+
+private:
+    DiskFiles& files_;
+    const fs::path target_;
+    const std::string path_;
+    const fs::path beside_;
+    Descriptor file_;
+    bool iswritten_ = true;
+};
+
+std::unique_ptr<platform::NewFile> DiskFiles::make(const std::string& path) {
+    const auto named = below(root_, path);
+    std::error_code error;
+    if (!named || !named->has_filename() || fs::exists(fs::symlink_status(*named, error))) return nullptr;
+    auto made = std::make_unique<Making>(*this, *named, path);
+    return made->isopen() ? std::move(made) : nullptr;
 }
 
 bool DiskFiles::remove(const std::string& path) {

@@ -21,13 +21,17 @@ public:
     [[nodiscard]] std::optional<platform::FileStamp> stamp(const std::string& path) const override;
     bool makeDirectory(const std::string& path) override;  // with the directories above it
     [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
+    [[nodiscard]] std::optional<std::string> readpart(const std::string& path, std::uint64_t from,
+                                                      std::size_t most) const override;
     [[nodiscard]] std::optional<std::string> readtail(const std::string& path, std::size_t most) const override;
     bool replace(const std::string& path, std::string_view content) override;
+    [[nodiscard]] std::unique_ptr<platform::NewFile> make(const std::string& path) override;
     bool remove(const std::string& path) override;
     [[nodiscard]] std::vector<std::string> list(const std::string& directory) const override;
     [[nodiscard]] std::unique_ptr<platform::DirectoryWatch> watch(const std::string& directory) override;
 
 private:
+    class Making;
     [[nodiscard]] FrozenFiles::Change changing(const std::filesystem::path& file, const std::string& path);
 
     std::filesystem::path root_;

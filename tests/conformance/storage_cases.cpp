@@ -45,6 +45,27 @@ TEST_P(Conformance, FilesAreReplacedWholeReadAndListed) {
         EXPECT_TRUE(files.remove(gone)) << gone;
     EXPECT_EQ(files.list("conformance"), (Names{"b.json"}));
 
+    // Large ones, piece by piece: there is nothing of one that is not finished, and none over another.
+    {
+        const auto dropped = files.make("conformance/c.json"), kept = files.make("conformance/d.json");
+        ASSERT_TRUE(dropped && kept);
+        EXPECT_TRUE(dropped->write("nobody") && kept->write("0123") && kept->write("456789"));
+        EXPECT_FALSE(files.exists("conformance/d.json"));
+        EXPECT_TRUE(kept->finish());
+        EXPECT_EQ(files.make("conformance/d.json"), nullptr);
+        EXPECT_EQ(files.make("nowhere/d.json"), nullptr);
+        const auto late = files.make("conformance/c.json");
+        EXPECT_TRUE(late && late->write("late") && files.replace("conformance/c.json", "first"));
+        EXPECT_FALSE(late->finish());
+    }
+    EXPECT_EQ(files.readpart("conformance/d.json", 2, 3), "234");
+    EXPECT_EQ(files.readpart("conformance/d.json", 8, 99), "89");
+    EXPECT_EQ(files.readpart("conformance/d.json", 99, 1), "");
+    EXPECT_EQ(files.readpart("nowhere/d.json", 0, 1), std::nullopt);
+    EXPECT_EQ(files.read("conformance/c.json"), "first");
+    EXPECT_EQ(files.list("conformance"), (Names{"b.json", "c.json", "d.json"}));
+    for (const char* gone : {"conformance/c.json", "conformance/d.json"}) EXPECT_TRUE(files.remove(gone));
+
     const std::string contents[] = {std::string(200'000, 'a'), std::string(100'000, 'b')};
     std::vector<std::thread> writers;
     for (const auto& content : contents)
