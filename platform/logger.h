@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -51,8 +52,8 @@ public:
     // A finished message, in which braces mean nothing.
     void put(LogLevel level, std::string_view message) const;
 
-    // 0 silences the console, 1 fatal only, up to 5 everything (the start value).
-    int consolelevel = 5;
+    // 0 silences the console, 1 fatal only, up to 5 everything (the start value). Any thread.
+    std::atomic<int> consolelevel = 5;
     void setFile(const std::string& path, bool append);
     static void setDefaultFile(const std::string& path, bool append);
 

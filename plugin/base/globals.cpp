@@ -13,7 +13,7 @@ Logger debuglogger("debuglogger");
 std::int8_t moneymode = 1;
 std::int8_t tax = 0;
 std::int8_t debugmode = 0;
-bool enablesystemshopinglobalshop = false;
+std::atomic<bool> enablesystemshopinglobalshop = false;
 std::int32_t extraslotcost = 500;
 std::int32_t maxfreeslot = 36;
 std::string scoremoneyname = "money";

@@ -1,7 +1,9 @@
 // What the whole plug-in shares: its version, its three loggers, its settings. All exist from load time until process
-// end; the settings are read once at start and afterwards only moneymode changes, when the economy is bound.
+// end; the settings are read at start and again when an operator says so, on the server thread, and what other threads
+// read outside of a turn is atomic. moneymode changes once more when the economy is bound, and then never.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <unordered_set>
@@ -27,7 +29,7 @@ extern Logger debuglogger;  // "debuglogger": timing and account notes, on the c
 extern std::int8_t moneymode;  // 1 LLMoney, 0 scoreboard; before the economy is bound, what the file says
 extern std::int8_t tax;        // percent of every transfer
 extern std::int8_t debugmode;
-extern bool enablesystemshopinglobalshop;
+extern std::atomic<bool> enablesystemshopinglobalshop;
 extern std::int32_t extraslotcost;
 extern std::int32_t maxfreeslot;
 extern std::string scoremoneyname;

@@ -1,6 +1,12 @@
 // The language file is loaded at the server's first language choice, which comes before any player can read a text.
 #include "plugin/base/language.h"
 
+#include <fmt/format.h>
+
+#include <nlohmann/json.hpp>
+
+#include "platform/files.h"
+#include "platform/foreignjson.h"
 #include "platform/hook.h"
 #include "platform/host.h"
 #include "platform/network.h"
@@ -9,7 +15,7 @@
 
 namespace ordomart {
 
-I18nBase* plugintranslation = nullptr;
+std::atomic<I18nBase*> plugintranslation = nullptr;
 bool langloaded = false;
 std::string serverlanguage;
 
@@ -54,7 +60,49 @@ void hookchooselanguage() {
 std::string tr(const Player* player, const std::string& key) { return tr(player->getLanguageCode(), key); }
 
 std::string tr(const std::string& locale, const std::string& key) {
-    return plugintranslation != nullptr ? plugintranslation->get(key, locale) : builtintext(locale, key);
+    const auto* const texts = plugintranslation.load();
+    return texts != nullptr ? texts->get(key, locale) : builtintext(locale, key);
+}
+
+textsdraft drafttexts() {
+    textsdraft draft;
+    const auto fault = [&](const std::string& why) { draft.faults.push_back(paths::langs + ": " + why); };
+    const auto text = host().files->read(paths::langs);
+    if (!text) return fault("cannot be read"), draft;
+    nlohmann::json document;
+    try {
+        document = readforeignjson(*text);
+    } catch (const ForeignJsonError& e) {
+        return fault(e.what()), draft;
+    }
+    if (!document.is_object()) return fault("an object of languages was expected"), draft;
+    for (const auto& [locale, texts] : document.items()) {
+        if (!texts.is_object()) fault(fmt::format("\"{}\" must be an object of texts", locale));
+        if (!texts.is_object()) continue;
+        for (const auto& [key, value] : texts.items()) {
+            if (value.is_string())
+                draft.texts[locale][key] = value.get<std::string>();
+            else
+                fault(fmt::format("\"{}\", key \"{}\": must be a text", locale, key));
+        }
+    }
+    return draft;
+}
+
+bool takeover(const textsdraft& draft, textcount& counted) {
+    auto* const fresh = Translation::loadI18nImpl(paths::langs, defaultlocale, alllangdata());
+    if (fresh == nullptr) return false;
+    // What is not in one of the two is there as in the default language.
+    auto all = draft.texts;
+    for (const auto& [locale, texts] : alllangdata()) all[locale].insert(texts.begin(), texts.end());
+    for (const auto& [locale, texts] : all)
+        for (const auto& [key, text] : texts) {
+            ++counted.all;
+            if (fresh->get(key, locale) != tr(locale, key)) ++counted.changed;
+        }
+    plugintranslation = fresh;
+    langloaded = true;
+    return true;
 }
 
 std::string itemhovertext(const ItemStack& stack, const std::string& locale) {

@@ -2,7 +2,9 @@
 // language it holds at that moment.
 #pragma once
 
+#include <atomic>
 #include <string>
+#include <vector>
 
 #include "platform/item.h"
 #include "platform/player.h"
@@ -11,7 +13,7 @@
 
 namespace ordomart {
 
-extern I18nBase* plugintranslation;
+extern std::atomic<I18nBase*> plugintranslation;
 extern bool langloaded;
 extern std::string serverlanguage;  // the first language that the server ever chose
 
@@ -20,6 +22,19 @@ void hookchooselanguage();
 
 [[nodiscard]] std::string tr(const Player* player, const std::string& key);
 [[nodiscard]] std::string tr(const std::string& locale, const std::string& key);
+
+// The language file as it is now, checked and not in force. Any thread.
+struct textsdraft {
+    LangData texts;
+    std::vector<std::string> faults;  // file, language, key and why
+};
+[[nodiscard]] textsdraft drafttexts();
+// What a draft without faults holds is what is read from now on. Nothing is taken over, and it is false, when the file
+// cannot be loaded any more. Server thread.
+struct textcount {
+    std::size_t all = 0, changed = 0;
+};
+bool takeover(const textsdraft& draft, textcount& counted);
 
 // The item's hover text in a language, without its custom lore. Server thread, in one go.
 [[nodiscard]] std::string itemhovertext(const ItemStack& stack, const std::string& locale);

@@ -9,6 +9,7 @@ namespace ordomart {
 namespace owntext {
 inline constexpr const char* paymentrefused = "money.refused";
 inline constexpr const char* cannotsave = "market.cannotsave";
+inline constexpr const char* takingover = "market.takingover";
 inline constexpr const char* slotschanged = "recycleshop.error.slotchanged";
 inline constexpr const char* toomanypieces = "trade.error.toomany";
 inline constexpr const char* stackskept = "myrecycleshop.pickupitem.kept";  // {0}: how many
@@ -51,6 +52,25 @@ inline constexpr const char* auditbegins = "ledger.audit.begins";
 inline constexpr const char* auditruns = "ledger.audit.runs";
 inline constexpr const char* auditends = "ledger.audit.ends";  // {0}: entries, {1}: shops, {2}: differences
 inline constexpr const char* auditmore = "ledger.audit.more";  // {0}: how many lines
+// ---- settings and texts read again
+inline constexpr const char* reloadruns = "market.reload.runs";
+inline constexpr const char* reloadrefused = "market.reload.refused";
+inline constexpr const char* reloadfault = "market.reload.fault";      // {0}: file, key and why
+inline constexpr const char* reloadchanged = "market.reload.changed";  // {0}: key, {1}: before, {2}: now
+inline constexpr const char* reloadwaits = "market.reload.waits";      // {0}: key, {1}: in force, {2}: in the file
+inline constexpr const char* reloaddone = "market.reload.done";        // {0}: settings, {1} of {2} texts
+// ---- a market that is handed over; {0}: the file, {1} shops, {2} goods, {3} commissions, {4} entries of the ledger
+inline constexpr const char* handoverruns = "market.handover.runs";
+inline constexpr const char* handovername = "market.handover.name";  // {0}: as typed
+inline constexpr const char* exportbegins = "market.export.begins";  // {0}
+inline constexpr const char* exportshops = "market.export.shops";    // {0} to {3}
+inline constexpr const char* exportdone = "market.export.done";
+inline constexpr const char* exportfailed = "market.export.failed";  // {0}: why
+inline constexpr const char* importbegins = "market.import.begins";  // {0}
+inline constexpr const char* importmoney = "market.import.money";    // {0}, {1}: the money there, {2}: here
+inline constexpr const char* importchecked = "market.import.checked";
+inline constexpr const char* importdone = "market.import.done";
+inline constexpr const char* importrefused = "market.import.refused";  // {0}: why
 }  // namespace owntext
 
 // The fixed tables and these rows. Any thread.

@@ -47,7 +47,14 @@ enum searchlevel { initemname = 1, initemdesc = 2, initemtag = 4 };
 struct categorybutton {
     std::string text;
     int level;
+    std::string title, image;
 };
+
+// Nothing for an entry that only explains the format. Throws the library's errors.
+std::optional<category> readcategory(const json& entry) {
+    if (entry.contains("example") && entry["example"] == true) return std::nullopt;
+    return category{entry.at("searchtaginfo"), entry.at("searchlvl"), entry.at("titlename"), entry.at("imagepath")};
+}
 
 // Nothing when the file can neither be opened nor made; the player has been told.
 std::optional<json> readcategories(ServerPlayer* player, const categorymenu& menu) {
@@ -72,10 +79,10 @@ opresult readandopen(ServerPlayer* player, const categorymenu& menu) {
         Form::SimpleForm form(tr(player, menu.titlekey), "");
         std::vector<categorybutton> categories;
         for (const auto& entry : *entries) {
-            if (entry.contains("example") && entry["example"] == true) continue;
-            categories.push_back({entry.at("searchtaginfo"), entry.at("searchlvl")});
-            const std::string image = entry.at("imagepath");
-            form.addButton(entry.at("titlename"), image);
+            const auto one = readcategory(entry);
+            if (!one) continue;
+            categories.push_back(*one);
+            form.addButton(one->title, one->image);
         }
         sendform(player, form, {menu.place}, [categories, type = menu.searchtype](ServerPlayer* who, int button) {
             const auto& chosen = categories.at(static_cast<std::size_t>(button));
@@ -90,6 +97,29 @@ opresult readandopen(ServerPlayer* player, const categorymenu& menu) {
 }
 
 }  // namespace
+
+std::vector<std::string> categoryfaults() {
+    std::vector<std::string> faults;
+    for (const categorymenu& menu : {sellmenu, recyclemenu}) {
+        const auto path = paths::base + menu.file;
+        const auto content = host().files->read(path);
+        // One that is missing is made when it is first wanted.
+        if (!content && !host().files->exists(path)) continue;
+        std::string place;
+        try {
+            if (!content) throw std::runtime_error("cannot be read");
+            std::size_t number = 0;
+            const json entries = json::parse(*content);
+            for (const auto& entry : entries) {
+                place = fmt::format("[{}]: ", number++);
+                (void)readcategory(entry);
+            }
+        } catch (const std::exception& e) {
+            faults.push_back(fmt::format("{}: {}{}", path, place, e.what()));
+        }
+    }
+    return faults;
+}
 
 opresult readandopensellFormmenu(ServerPlayer* player) { return readandopen(player, sellmenu); }
 opresult readandopenrecycleFormmenu(ServerPlayer* player) { return readandopen(player, recyclemenu); }

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/player.h"
 #include "plugin/base/guards.h"
@@ -42,6 +43,8 @@ opresult searchbyfilter(ServerPlayer* player, int type, const std::string& text,
 opresult setbanstate(ServerPlayer* player, int type, const std::string& xuid, bool banned, const std::string& reason,
                      std::int64_t seconds);
 opresult openmanagesetstateform(ServerPlayer* player);
+// What is wrong in the files of the category menus, which are read at each opening: file, place and why. Any thread.
+[[nodiscard]] std::vector<std::string> categoryfaults();
 opresult openswitchsystemshop(ServerPlayer* player);
 
 }  // namespace ordomart
