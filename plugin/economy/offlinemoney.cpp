@@ -99,7 +99,7 @@ void getoffmoney(ServerPlayer* player, bool verbose) {
     }
     if (offline != 0) {
         if (marketopen()) return payout(player, account, current, offline);
-        return player->sendText(tr(player, owntext::cannotsave));
+        return player->sendText(tr(player, closedtext()));
     }
     if (!verbose) return;
     player->sendText(tr(player, "getoffmoney.nooffmoney") + ":0");

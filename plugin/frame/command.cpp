@@ -11,7 +11,9 @@
 #include "plugin/base/screens.h"
 #include "plugin/economy/offlinemoney.h"
 #include "plugin/forms/openers.h"
+#include "plugin/frame/handoverwords.h"
 #include "plugin/frame/ledgerwords.h"
+#include "plugin/frame/reload.h"
 #include "plugin/shopsystem/playershopstate.h"
 #include "plugin/shopsystem/shopfiles.h"
 
@@ -123,6 +125,21 @@ opresult audit(const call& c) {
     return opresult::opened;
 }
 
+opresult reload(const call& c) {
+    askreload(c.player, c.output);
+    return opresult::opened;
+}
+
+opresult exportmarket(const call& c) {
+    askexport(c.player, c.given.file, c.output);
+    return opresult::opened;
+}
+
+opresult importmarket(const call& c) {
+    askimport(c.player, c.given.file.value_or(""), c.output);
+    return opresult::opened;
+}
+
 // ---- the words, their place in the grammar, and what they do
 
 struct word {
@@ -156,6 +173,9 @@ constexpr word words[] = {
     {"pricesoperation", "prices", 17, false, &prices, ""},
     {"undooperation", "undo", 18, true, &undo, ""},
     {"auditoperation", "audit", 19, true, &audit, ""},
+    {"reloadoperation", "reload", 20, true, &reload, ""},
+    {"exportoperation", "export", 21, true, &exportmarket, ""},
+    {"importoperation", "import", 22, true, &importmarket, ""},
 };
 
 // The bare command is the main menu, with a failure text of its own.
@@ -207,6 +227,11 @@ const std::vector<std::vector<parameter>> overloads = {
      {"number", Kind::Int, "", false, &put<int, &OrdomartCommand::number>}},
     {{"audit", Kind::Enum, "auditoperation", false, putoperation},
      {"then", Kind::Enum, "auditoption", true, &put<int, &OrdomartCommand::option>}},
+    {{"reload", Kind::Enum, "reloadoperation", false, putoperation}},
+    {{"export", Kind::Enum, "exportoperation", false, putoperation},
+     {"name", Kind::String, "", true, &put<std::string, &OrdomartCommand::file>}},
+    {{"import", Kind::Enum, "importoperation", false, putoperation},
+     {"name", Kind::String, "", false, &put<std::string, &OrdomartCommand::file>}},
 };
 
 const char* const commandname = "ordomart";

@@ -26,7 +26,7 @@ public:
     std::optional<std::string> banreason;
     std::string filtertext;
     bool searchintag = false, searchindescription = false;
-    std::optional<std::string> item;
+    std::optional<std::string> item, file;
     int number = 0, option = 0;
 };
 

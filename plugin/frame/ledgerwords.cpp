@@ -9,7 +9,9 @@
 #include "plugin/base/guards.h"
 #include "plugin/base/language.h"
 #include "plugin/base/owntexts.h"
+#include "plugin/economy/marketopen.h"
 #include "plugin/formparts/formtools.h"
+#include "plugin/handover/handover.h"
 #include "plugin/ledger/audit.h"
 #include "plugin/ledger/ledger.h"
 #include "plugin/ledger/pricetext.h"
@@ -22,12 +24,7 @@ namespace {
 
 constexpr std::size_t mostlines = 10;  // on a player's screen
 
-std::atomic<bool> isauditing = false;
-
-bool hasledger(const ServerPlayer* player, CommandOutput& output) {
-    if (!ledger::isopen()) output.error(tr(player, owntext::noledger));
-    return ledger::isopen();
-}
+std::atomic<bool> audits = false;
 
 void accept(const ledger::auditresult& result) {
     std::set<std::pair<std::string, int>> shops;
@@ -51,6 +48,13 @@ void tellresult(ServerPlayer* player, const ledger::auditresult& result) {
 
 }  // namespace
 
+bool hasledger(const ServerPlayer* player, CommandOutput& output) {
+    if (!ledger::isopen()) output.error(tr(player, owntext::noledger));
+    return ledger::isopen();
+}
+
+bool isauditing() { return audits; }
+
 void askprices(ServerPlayer* player, const std::optional<std::string>& item, CommandOutput& output) {
     if (!hasledger(player, output)) return;
     if (item) {
@@ -73,7 +77,8 @@ void askundo(ServerPlayer* player, std::int64_t number, CommandOutput& output) {
 
 void askaudit(ServerPlayer* player, bool accepts, CommandOutput& output) {
     if (!hasledger(player, output)) return;
-    if (isauditing.exchange(true)) return output.error(tr(player, owntext::auditruns));
+    if (handover::istakingin()) return output.error(tr(player, closedtext()));
+    if (audits.exchange(true)) return output.error(tr(player, owntext::auditruns));
     const auto run = [xuid = player->getXuid(), accepts] {
         envelope([&] {
             auto result = ledger::audit([] { return !Background::stopping(); });
@@ -81,12 +86,12 @@ void askaudit(ServerPlayer* player, bool accepts, CommandOutput& output) {
             if (accepts && result.whole) accept(result);
             backtoplayer(xuid, "audit", [result](ServerPlayer* who) { tellresult(who, result); });
         });
-        isauditing = false;
+        audits = false;
     };
     if (envelope([&] { Background::start(run); }))
         output.success(tr(player, owntext::auditbegins));
     else
-        isauditing = false;
+        audits = false;
 }
 
 }  // namespace ordomart

@@ -9,6 +9,10 @@
 
 namespace ordomart {
 
+// False, and the player has been told, on a server without records.
+bool hasledger(const platform::ServerPlayer* player, platform::CommandOutput& output);
+[[nodiscard]] bool isauditing();
+
 // What an item was sold for; without a name, the one in his hand.
 void askprices(platform::ServerPlayer* player, const std::optional<std::string>& item, platform::CommandOutput& output);
 // Takes a trade back, or says everything that is missing.

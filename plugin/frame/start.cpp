@@ -7,6 +7,7 @@
 #include "plugin/errands/updatecheck.h"
 #include "plugin/frame/command.h"
 #include "plugin/frame/events.h"
+#include "plugin/handover/handover.h"
 #include "plugin/ledger/ledger.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/shoprecords.h"
@@ -33,12 +34,13 @@ void PluginInit() {
     RegisterCommands();
     loadconfig(paths::config);
     loadextras(paths::extras);
-    if (debugmode == 0) debuglogger.consolelevel = 0;
+    applydebugmode();
     Logger::setDefaultFile(paths::simpletrade, true);
     bindeconomy();
     envelope(&offerviews);  // before anybody counts
     bringinrecords();
     envelope(&ledger::start);
+    envelope(&handover::resume);
     Schedule::repeat([] { globalruntimeshopmanager.tick(); }, tickperiod);
     Schedule::repeat(&ledger::thin, tickperiod);
     Event::EventManager<Event::PlayerLeftEvent>::addEventListener(&onplayerleft);

@@ -114,16 +114,19 @@ private:
     // False when there is nothing more. The caller may be in a turn.
     bool readsome() {
         entries some;
+        std::vector<bool> areours;
         {
             const Turn turn;
             some = readfrom(next_, atatime);
+            for (const auto& one : some.all) areours.push_back(takenoverwith(one.number) == 0);
             if (first_) first_ = false, next_ = some.all.empty() ? nextnumber() : some.all.front().number;
             upto_ = some.next != 0 ? some.next : nextnumber();
         }
-        for (const auto& one : some.all) {
+        for (std::size_t i = 0; i < some.all.size(); ++i) {
+            const auto& one = some.all[i];
             if (one.number != next_) missing(next_, one);
             next_ = one.number + 1;
-            take(one);
+            take(one, areours[i]);
         }
         // Behind the last that can be read there may be some that cannot.
         if (next_ < upto_) tell({"", shopsystem::sell, "entry", next_, "an entry", "none"});
@@ -135,7 +138,8 @@ private:
         tell({behind.shop, behind.section(), "entry", number, "an entry", "none"});
     }
 
-    void take(const entry& one) {
+    // `isours`: its money was moved by the library that is here.
+    void take(const entry& one, bool isours) {
         ++result_.entries;
         const auto key = one.shop + "." + shopsystem::sectionkey(one.section());
         const auto found = shops_.find(key);
@@ -156,7 +160,7 @@ private:
                 if (shop.differs.insert(each.what).second) tell(each);
         }
         shop.last = one.number;
-        if (ordomart::moneymode != 1 || one.time < platform::unixseconds() - monthofseconds) return;
+        if (!isours || ordomart::moneymode != 1 || one.time < platform::unixseconds() - monthofseconds) return;
         for (const auto& money : movementsof(one))
             moved_[money.from.empty() ? money.to : money.from][money].push_back(
                 {one.time, one.number, one.shop, one.section()});

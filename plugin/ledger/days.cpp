@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
 #include <unordered_map>
 
@@ -25,31 +26,13 @@ std::unordered_map<std::string, std::shared_ptr<daysum>> known;
 
 std::string dayskey(std::int64_t day, const std::string& of) { return fmt::format("{:06}/{}", day, of); }
 
-std::string packed(const daysum& row) {
-    BinaryStream out;
-    for (const auto number : {row.trades, row.pieces, row.money, row.fees}) out.writeVarInt64(number);
-    for (std::int64_t last = 0; const auto& [price, trades] : row.at.all()) {
-        out.writeVarInt64(price - last);
-        out.writeVarInt64(trades);
-        last = price;
-    }
-    return out.bytes();
-}
-
 daysum unpacked(const std::string& key, const std::string& bytes) {
-    daysum row;
     try {
-        BinaryStream in(bytes);
-        for (auto* number : {&row.trades, &row.pieces, &row.money, &row.fees}) *number = in.getVarInt64();
-        for (std::int64_t price = 0; in.unread() != 0;) {
-            price += in.getVarInt64();
-            row.at.add(price, in.getVarInt64());
-        }
+        return decodesum(bytes);
     } catch (const platform::ReadError& e) {
         ordomart::logger.error("The sum {} of the ledger is broken, and begins anew: {}", key, e.what());
         return {};
     }
-    return row;
 }
 
 void change(const char* table, const std::string& key, const daysum& by, bool back) {
@@ -66,7 +49,7 @@ void change(const char* table, const std::string& key, const daysum& by, bool ba
     row->money += sign * by.money;
     row->fees += sign * by.fees;
     for (const auto& [price, trades] : by.at.all()) row->at.add(price, sign * trades);
-    records.put(table, key, [row = row] { return packed(*row); });
+    records.put(table, key, [row = row] { return encode(*row); });
 }
 
 std::map<std::string, daysum> read(const char* table, const std::string& from, const std::string& until,
@@ -147,6 +130,40 @@ std::map<std::string, daysum> goodsof(std::int64_t day, const std::string& named
 std::map<std::string, daysum> shopsof(std::int64_t day) {
     const auto from = dayskey(day, "");
     return read(shopstable, from, dayskey(day + 1, ""), from.size());
+}
+
+std::optional<std::int64_t> firstday() {
+    std::optional<std::int64_t> first;
+    for (const char* table : {goodstable, shopstable})
+        for (const auto& row : platform::host().records->rows(table, {}, 1))
+            first = std::min(first.value_or(INT64_MAX), static_cast<std::int64_t>(numberof(row.key)));
+    return first;
+}
+
+void takein(sumof kind, std::int64_t day, const std::string& of, const daysum& sum) {
+    change(kind == sumof::goods ? goodstable : shopstable, dayskey(day, of), sum, false);
+}
+
+std::string encode(const daysum& row) {
+    BinaryStream out;
+    for (const auto number : {row.trades, row.pieces, row.money, row.fees}) out.writeVarInt64(number);
+    for (std::int64_t last = 0; const auto& [price, trades] : row.at.all()) {
+        out.writeVarInt64(price - last);
+        out.writeVarInt64(trades);
+        last = price;
+    }
+    return out.bytes();
+}
+
+daysum decodesum(const std::string& bytes) {
+    daysum row;
+    BinaryStream in(bytes);
+    for (auto* number : {&row.trades, &row.pieces, &row.money, &row.fees}) *number = in.getVarInt64();
+    for (std::int64_t price = 0; in.unread() != 0;) {
+        price += in.getVarInt64();
+        row.at.add(price, in.getVarInt64());
+    }
+    return row;
 }
 
 bool thindays(std::int64_t before, std::size_t most) {

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,14 @@ void countday(const entry& trade, const std::vector<std::pair<variant, std::int6
 // By variant and by shop ("xuid.sell") of one day. `named` of goods: only of the item of that full name.
 [[nodiscard]] std::map<std::string, daysum> goodsof(std::int64_t day, const std::string& named = {});
 [[nodiscard]] std::map<std::string, daysum> shopsof(std::int64_t day);
+
+// The first day of which there is a row.
+[[nodiscard]] std::optional<std::int64_t> firstday();
+// A row of another market: adds it to what there is of the item (its variant's text) or of the shop.
+enum class sumof { goods, shop };
+void takein(sumof kind, std::int64_t day, const std::string& of, const daysum& sum);
+[[nodiscard]] std::string encode(const daysum& row);
+[[nodiscard]] daysum decodesum(const std::string& bytes);  // throws platform::ReadError
 
 // Erases rows of days before this one, at most so many; false when there is nothing left to do.
 bool thindays(std::int64_t before, std::size_t most);

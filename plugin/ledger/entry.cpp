@@ -138,6 +138,12 @@ const char* nameof(kind what) {
     return found != std::end(names) ? found->name : "";
 }
 
+std::optional<kind> kindof(std::string_view name) {
+    const auto* const found =
+        std::ranges::find(names, name, [](const auto& row) { return std::string_view(row.name); });
+    return found != std::end(names) ? std::optional(found->what) : std::nullopt;
+}
+
 std::int64_t rowstate::deposit() const {
     const auto whole = std::max<std::int64_t>(left * offer, 0);
     return whole - std::clamp<std::int64_t>(sponsored, 0, whole);

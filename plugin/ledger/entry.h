@@ -33,6 +33,7 @@ enum class kind : std::uint8_t {
 [[nodiscard]] constexpr bool istrade(kind what) { return what == kind::purchase || what == kind::sale; }
 [[nodiscard]] constexpr bool isundo(kind what) { return what == kind::undopurchase || what == kind::undosale; }
 [[nodiscard]] const char* nameof(kind what);  // "purchase"
+[[nodiscard]] std::optional<kind> kindof(std::string_view name);
 
 // What a record of a shop holds, as far as it can be counted: a good, or a commission.
 struct rowstate {

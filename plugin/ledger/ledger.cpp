@@ -1,9 +1,10 @@
 // Tables of the records: "ledger" by number; "ledger.tags" by hash; "ledger.undone" by the number of what was undone;
-// "ledger.openings" by shop and section.
+// "ledger.openings" by shop and section; "ledger.takenover" by the first number of what came from another market.
 #include "plugin/ledger/ledger.h"
 
 #include <fmt/format.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <unordered_map>
@@ -31,8 +32,8 @@ using platform::Records;
 namespace {
 
 constexpr const char *table = "ledger", *tagtable = "ledger.tags", *undonetable = "ledger.undone",
-                     *openingtable = "ledger.openings";
-constexpr std::size_t mostknownvariants = 100000, thinnedatatime = 200;
+                     *openingtable = "ledger.openings", *takenovertable = "ledger.takenover";
+constexpr std::size_t mostknownvariants = 100000, thinnedatatime = 200, mosttakenover = 10000;
 constexpr int secondsofrest = 60;  // with nothing to thin
 
 struct {
@@ -40,8 +41,11 @@ struct {
     std::uint64_t next = 1;
     std::unordered_set<std::string> opened;
     std::unordered_map<std::uint64_t, variant> variants;  // of tags that are in their table
+    std::map<std::uint64_t, std::uint64_t> takenover;     // from one number up to another
     int rest = 0;
 } now;
+
+std::atomic<int> thinningholders = 0;
 
 std::string hexof(std::uint64_t tag) { return fmt::format("{:016x}", tag); }
 std::string shopkey(const std::string& xuid, int section) { return xuid + "." + shopsystem::sectionkey(section); }
@@ -137,6 +141,8 @@ void start() {
     if (records == nullptr) return;
     const auto last = records->rows(table, {}, 1, true);
     now.next = last.empty() ? 1 : numberof(last.front().key) + 1;
+    for (const auto& [first, end] : records->rows(takenovertable, {}, mosttakenover))
+        now.takenover.emplace(numberof(first), numberof(end));
     now.records = records;
 }
 
@@ -215,6 +221,12 @@ std::vector<std::pair<std::string, shopbooks>> openings(const std::string& from,
     return found;
 }
 
+std::optional<shopbooks> openingof(const std::string& xuid, int section) {
+    const auto key = shopkey(xuid, section);
+    auto found = openings(key, 1);
+    return found.empty() || found.front().first != key ? std::nullopt : std::optional(std::move(found.front().second));
+}
+
 void openanew(const shopsystem::baseshop& shop) {
     if (!isopen()) return;
     auto books = booksof(shop);
@@ -223,8 +235,34 @@ void openanew(const shopsystem::baseshop& shop) {
     now.opened.insert(shopkey(shop.xuid, shop.kind()));
 }
 
+thinningheld::thinningheld() { ++thinningholders; }
+thinningheld::~thinningheld() { --thinningholders; }
+
+void takein(const entry& one) {
+    const auto key = keyof(one.number);
+    now.records->put(table, key, [bytes = encode(one)] { return bytes; });
+    if (one.undoes != 0) now.records->put(undonetable, keyof(one.undoes), [key] { return key; });
+}
+
+void takein(const std::string& tagtext) { keeptag(tagtext); }
+
+void takein(const std::string& xuid, int section, const shopbooks& opening) {
+    putbooks(shopkey(xuid, section), opening);
+    now.opened.insert(shopkey(xuid, section));
+}
+
+void notetakenover(std::uint64_t first, std::uint64_t end) {
+    now.records->put(takenovertable, keyof(first), [key = keyof(end)] { return key; });
+    now.takenover.emplace(first, end);
+}
+
+std::uint64_t takenoverwith(std::uint64_t number) {
+    auto behind = now.takenover.upper_bound(number);
+    return behind != now.takenover.begin() && (--behind)->second > number ? behind->first : 0;
+}
+
 void thin() {
-    if (!isopen() || now.rest-- > 0) return;
+    if (!isopen() || thinningholders > 0 || now.rest-- > 0) return;
     const auto before = platform::unixseconds() - ordomart::ledgerdays * 86400;
     std::map<std::string, std::optional<shopbooks>> carried;
     std::size_t gone = 0;

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "plugin/ledger/days.h"
 #include "plugin/ledger/entry.h"
 #include "plugin/ledger/replay.h"
 
@@ -54,8 +55,29 @@ struct entries {
 
 // ---- the books with which shops began
 [[nodiscard]] std::vector<std::pair<std::string, shopbooks>> openings(const std::string& from, std::size_t most);
+[[nodiscard]] std::optional<shopbooks> openingof(const std::string& xuid, int section);
 // The shop is right as it is, whatever the ledger says of it so far.
 void openanew(const shopsystem::baseshop& shop);
+
+// ---- a ledger that is written down, or taken over from another market
+// While it is held, nothing is thinned. Any thread.
+class thinningheld {
+public:
+    thinningheld();
+    ~thinningheld();
+    thinningheld(const thinningheld&) = delete;
+    thinningheld& operator=(const thinningheld&) = delete;
+};
+// One piece of it. The numbers are this ledger's already, from nextnumber() on; a sum is added to what there is of its
+// day. Until all of it is here and start() has been called, nobody may write.
+void takein(const entry& one);
+void takein(const std::string& tagtext);
+void takein(const std::string& xuid, int section, const shopbooks& opening);
+// Entries from one number on, up to another, are another market's: their money was moved by another library, and their
+// times may be earlier than those of entries before them.
+void notetakenover(std::uint64_t first, std::uint64_t end);
+// The first number of the part that an entry was taken over with; 0 for one of this market's own.
+[[nodiscard]] std::uint64_t takenoverwith(std::uint64_t number);
 
 // Each second, on the server thread: entries and sums older than the settings ask for go, a few at a time. The books of
 // the shops are carried on over what goes.

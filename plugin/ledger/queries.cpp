@@ -91,7 +91,11 @@ tradepage latesttrades(const tradefilter& filter, std::size_t most, std::uint64_
         patience -= std::min(patience, entriesatatime);
         page.before = some.next;
         for (auto& one : some.all) {
-            if (one.time < filter.from) return page.before = 0, page;
+            if (one.time < filter.from) {
+                // Before what was taken over from another market there may be later ones.
+                page.before = takenoverwith(one.number);
+                break;
+            }
             if (!isasked(one, filter)) continue;
             const auto number = one.number;
             page.lines.push_back(lineof(std::move(one)));

@@ -276,7 +276,7 @@ undoresult undo(const ServerPlayer& by, std::uint64_t number) {
     const auto no = [&](const char* key, const auto&... values) {
         return undoresult{0, {filled(tr(&by, key), values...)}, {}};
     };
-    if (!ordomart::marketopen()) return no(owntext::cannotsave);
+    if (!ordomart::marketopen()) return no(ordomart::closedtext());
     const auto trade = find(number);
     if (!trade) return no(owntext::undonone, number);
     if (!istrade(trade->what)) return no(owntext::undonotrade, number, nameof(trade->what));

@@ -18,6 +18,7 @@ struct freshshop {
     Shop shop;
     bool isnewfile;
     std::uint64_t stamp;  // of its file; 0: nobody knows
+    bool isofrecord = false;
 };
 
 template <class Shop>
@@ -32,7 +33,7 @@ template <class Shop>
 freshshop<Shop> readshop(const std::string& xuid) {
     if (const auto left = leftrecord(xuid, sectionof<Shop>)) {
         try {
-            freshshop<Shop> fresh{shopof<Shop>(xuid, *left), false, 0};
+            freshshop<Shop> fresh{shopof<Shop>(xuid, *left), false, 0, true};
             fresh.shop.isdirty = true;  // its file does not have it
             return fresh;
         } catch (const shopfileerror& e) {
@@ -69,10 +70,16 @@ public:
             const Turn turn;
             if (touch(xuid) != nullptr) return;
         }
-        auto fresh = readshop<Shop>(xuid);
-        const Turn turn;
-        // Another thread may have been faster, and its object may have changed since.
-        if (touch(xuid) == nullptr) enter(xuid, std::move(fresh));
+        for (;;) {
+            auto fresh = readshop<Shop>(xuid);
+            const Turn turn;
+            // Another thread may have been faster, and its object may have changed since.
+            if (touch(xuid) != nullptr) return;
+            // And a record may have been put meanwhile, which is more than the file.
+            if (!fresh.isofrecord && hasleftrecord(xuid, sectionof<Shop>)) continue;
+            enter(xuid, std::move(fresh));
+            return;
+        }
     }
 
     void glance(const std::string& xuid, const std::function<void(baseshop&)>& use) {

@@ -10,6 +10,7 @@
 #include "platform/records.h"
 #include "platform/turn.h"
 #include "plugin/base/guards.h"
+#include "plugin/shopsystem/catalogue.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
 namespace shopsystem {
@@ -86,6 +87,21 @@ void putrecord(baseshop& shop) {
     records->put(table, keyof(shop.xuid, kind), [&shop] { return bytesof(shop); });
 }
 
+void putsection(const std::string& xuid, int kind, const json& section) {
+    if (auto* const shop = globalruntimeshopmanager.cached(xuid, kind)) {
+        namingsection(xuid, kind, [&] { shop->loadfromjson(section); });
+        return shop->markshopchanged();
+    }
+    std::string bytes;
+    json::to_msgpack(section, bytes);
+    host().records->put(table, keyof(xuid, kind), [bytes = std::move(bytes)] { return bytes; });
+    {
+        const std::lock_guard alone(left.mutex);
+        left.all.emplace(xuid, kind);
+    }
+    catalogueof(kind).changed(xuid);
+}
+
 void eraserecord(const std::string& xuid, int kind) {
     if (Records* const records = host().records) records->erase(table, keyof(xuid, kind));
 }
@@ -118,6 +134,13 @@ void bringinrecords() {
 bool hasleftrecord(const std::string& xuid, int kind) {
     const std::lock_guard alone(left.mutex);
     return left.all.contains({xuid, kind});
+}
+
+std::vector<std::pair<std::string, int>> leftrecords(std::size_t most) {
+    const std::lock_guard alone(left.mutex);
+    auto end = left.all.begin();
+    for (; most > 0 && end != left.all.end(); --most) ++end;
+    return {left.all.begin(), end};
 }
 
 std::optional<json> leftrecord(const std::string& xuid, int kind) {

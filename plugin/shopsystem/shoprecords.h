@@ -6,11 +6,16 @@
 
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "plugin/shopsystem/baseshop.h"
 
 namespace shopsystem {
 
+// In a turn: the section is the shop from this pass on, whatever its file says. A shop that is not in the cache is
+// brought in from its record when it is next asked for.
+void putsection(const std::string& xuid, int kind, const json& section);
 // In a turn. The shop is looked at when the pass is written.
 void putrecord(baseshop& shop);
 void eraserecord(const std::string& xuid, int kind);
@@ -24,6 +29,8 @@ void bringinrecords();
 // put aside. Any thread; not while a mutex is held that is taken in a turn.
 [[nodiscard]] std::optional<json> leftrecord(const std::string& xuid, int kind);
 [[nodiscard]] bool hasleftrecord(const std::string& xuid, int kind);
+// Owners and kinds of the first ones, at most so many.
+[[nodiscard]] std::vector<std::pair<std::string, int>> leftrecords(std::size_t most);
 // One that is broken: it is named and kept in the table "shops.broken", and the file stands.
 void setasideleftrecord(const std::string& xuid, int kind, const std::string& why);
 // The shop is in the cache.

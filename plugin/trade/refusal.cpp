@@ -1,8 +1,9 @@
-// One row for each reason.
+// One row for each reason, but for the one that says itself why.
 #include "plugin/trade/refusal.h"
 
 #include "plugin/base/language.h"
 #include "plugin/base/owntexts.h"
+#include "plugin/economy/marketopen.h"
 
 namespace shopsystem {
 
@@ -14,7 +15,6 @@ constexpr struct {
     refusal why;
     const char* key;
 } texts[] = {
-    {refusal::marketclosed, owntext::cannotsave},
     {refusal::badquantity, "sellshop.error.invalid"},
     {refusal::toomany, owntext::toomanypieces},
     {refusal::badnumbers, "myshop.error.invalidprice"},
@@ -33,6 +33,7 @@ constexpr struct {
 }  // namespace
 
 std::string refusaltext(refusal why, const std::string& language) {
+    if (why == refusal::marketclosed) return tr(language, closedtext());
     for (const auto& text : texts)
         if (text.why == why) return tr(language, text.key);
     return {};

@@ -35,14 +35,16 @@ TEST(Command, Grammar) {
                             "/ordomart <manages: manageoption> [playerxuid|playername: string]",
                             "/ordomart <prices: pricesoperation> [item: string]",
                             "/ordomart <undo: undooperation> <number: int>",
-                            "/ordomart <audit: auditoperation> [then: auditoption]"));
+                            "/ordomart <audit: auditoperation> [then: auditoption]",
+                            "/ordomart <reload: reloadoperation>", "/ordomart <export: exportoperation> [name: string]",
+                            "/ordomart <import: importoperation> <name: string>"));
     std::vector<std::string> words;
     for (const auto& completion :
          stage.server().commands().complete("ordomart ", platform::CommandPermissionLevel::Any))
         words.push_back(completion.text);
     EXPECT_THAT(words, ElementsAre("recycle", "buy", "myshop", "myreshop", "filter", "mainmenu", "ordomenu", "formmenu",
                                    "getoffscores", "buybyshop", "rebyshop", "search", "ban", "unban", "manage",
-                                   "resetmanage", "prices", "undo", "audit"));
+                                   "resetmanage", "prices", "undo", "audit", "reload", "export", "import"));
 }
 
 TEST(Command, WhoMayUseWhat) {

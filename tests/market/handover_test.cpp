@@ -1,0 +1,576 @@
+// A market that is handed over, seen by the operator: a random one comes out of a file as it went in, what is wrong in
+// a file is named and nothing of it taken in, and a kill at any point leaves all of it or nothing. And settings and
+// texts that are read again.
+#include <fmt/format.h>
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+#include "host/world/items.h"
+#include "host/world/worldparts.h"
+#include "plugin/handover/checking.h"
+#include "plugin/handover/exporting.h"
+#include "plugin/ledger/audit.h"
+#include "tests/market/forms_stage.h"
+#include "tests/market/shophost.h"
+#include "tests/story/operations.h"
+
+using namespace forms;
+using testing::HasSubstr;
+
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+std::string filenamed(const std::string& name) { return "plugins/Ordomart/exports/" + name + ".jsonl"; }
+
+Lines linesof(const std::string& text) {
+    Lines lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+}
+std::string textof(const Lines& lines) {
+    std::string text;
+    for (const auto& line : lines) text += line + "\n";
+    return text;
+}
+
+// All that two exports of the same market have alike: revisions belong to a run.
+Lines lasting(const std::string& text) {
+    auto lines = linesof(text);
+    lines.erase(lines.begin());
+    if (!lines.empty()) lines.pop_back();
+    for (auto& line : lines)
+        if (line.starts_with(R"({"shop":)")) {
+            auto shop = json::parse(line);
+            shop["shop"].erase("revision");
+            line = shop.dump();
+        }
+    return lines;
+}
+
+// What the operator is told, until nothing moves any more.
+std::string told(Stage& stage, Actor& who, const std::string& line) {
+    who.forgets().types(line);
+    stage.ticks(60);
+    return who.replies() + "\n" + who.chat();
+}
+
+// A server that a market is handed over to, and an operator of it.
+struct Target {
+    explicit Target(const std::string& content, stage::Setting setting = {})
+        : stage(with(std::move(setting), content)) {
+        joins();
+    }
+    static stage::Setting with(stage::Setting setting, const std::string& content) {
+        if (setting.config.is_null()) setting.config = {{"moneymode", 1}};
+        setting.files.emplace_back(filenamed("full"), content);
+        return setting;
+    }
+    void joins() { olga = &stage.join("Olga", "2535400000000999", "en_US", desktop, 1); }
+    std::string imports() { return told(stage, *olga, "ordomart import full"); }
+    std::string audits() { return told(stage, *olga, "ordomart audit"); }
+    std::string exports(const std::string& name) {
+        EXPECT_THAT(told(stage, *olga, "ordomart export " + name), HasSubstr("is complete"));
+        return stage.file(filenamed(name));
+    }
+    [[nodiscard]] bool isempty() {
+        return exports(fmt::format("look{}", looks++)).find(R"("shop":{)") == std::string::npos;
+    }
+
+    Stage stage;
+    Actor* olga = nullptr;
+    int looks = 0;
+};
+
+// A name that a look notes is saved with the next change.
+json lastingsection(const json& section) { return story::lasting(section, INT64_MAX); }
+
+const char* const nodifferences = ", 0 differences.";
+
+// A market that has been traded in at random, and its shop files.
+struct randommarket {
+    std::string exported;
+    std::map<std::string, json> files;
+};
+randommarket tradedatrandom(bool llmoney, std::uint64_t seed) {
+    story::World world(llmoney);
+    std::mt19937_64 random(seed);
+    std::vector<const story::operation*> choices;
+    for (const auto& o : story::operations()) choices.insert(choices.end(), o.weight, &o);
+    for (int step = 0; step < 400; ++step) {
+        const auto& o = *choices[random() % choices.size()];
+        const std::size_t who = random() % story::players;
+        story::Dice dice(static_cast<std::uint32_t>(random()));
+        if (!world.ishere(who) && o.behind == story::holds::books) continue;
+        world.begins();
+        o.run(world, who, dice);
+    }
+    if (!world.ishere(story::theoperator)) world.comesorgoes(story::theoperator);
+    auto& stage = world.stage();
+    auto& olga = world.actor(story::theoperator).dismisses().may(1);
+    EXPECT_THAT(told(stage, olga, "ordomart export full"), HasSubstr("is complete"));
+    randommarket made{stage.file(filenamed("full")), {}};
+    for (std::size_t who = 0; who < story::parties; ++who)
+        made.files[story::World::xuid(who)] = stage.shopfile(story::World::xuid(who));
+    EXPECT_THAT(told(stage, olga, "ordomart export full"), HasSubstr("is there already"));
+    return made;
+}
+
+}  // namespace
+
+TEST(Handover, ARandomMarketComesOutAsItWentIn) {
+    for (const bool llmoney : {true, false}) {
+        SCOPED_TRACE(llmoney);
+        auto market = tradedatrandom(llmoney, llmoney ? 11 : 12);
+        Target target(market.exported, {.config = {{"moneymode", llmoney ? 1 : 0}}, .llmoney = llmoney});
+        EXPECT_THAT(target.imports(), HasSubstr("full.jsonl is taken in: 10 shops, "));
+        EXPECT_THAT(target.audits(), HasSubstr(nodifferences));
+        for (const auto& [xuid, file] : market.files)
+            for (const char* section : {"sell", "recycles"})
+                EXPECT_EQ(lastingsection(target.stage.shopfile(xuid)[section]), lastingsection(file[section])) << xuid;
+        EXPECT_EQ(lasting(target.exports("again")), lasting(market.exported));
+        EXPECT_GT(lasting(market.exported).size(), 40U);
+        EXPECT_NE(formrows(*target.olga, "Selling shops (form)"), "") << "the lists have it";
+        EXPECT_THAT(target.imports(), HasSubstr(" shops are here and not empty: 2535400000000100"));
+        target.stage.restart();
+        target.joins();
+        EXPECT_THAT(target.audits(), HasSubstr(nodifferences));
+        EXPECT_EQ(lasting(target.exports("behind")), lasting(market.exported));
+    }
+}
+
+namespace {
+
+// The lines of a small market by hand, in which every kind stands: 0 market, 1 shop, 2 good, 3 discount, 4 opening,
+// 5 recycle shop, 6 commission, 7 opening, 8 item, 9 item, and entries and sums behind them.
+Lines smallmarket(int purchases) {
+    using namespace ledger;
+    // Texts of items, without a server.
+    platform::Host services;
+    services.items = &host::itemtable();
+    platform::installhost(&services);
+    const auto apple = stage::snbt("apple"), stone = stage::snbt("stone");
+    const auto line = [](const char* kind, json value) { return json{{kind, std::move(value)}}.dump(); };
+    auto file = stage::shopfileof(ada, {good("apple", 10, 5)}, {commission("stone", 3, 8)});
+    auto& sells = file["sell"];
+    auto& recycles = file["recycles"];
+    sells["sellcount"] = purchases;
+    sells["salesvolume"] = purchases * 10;
+    const auto head = [&](shopsystem::shoptype section, json about, std::int64_t discounts) {
+        handover::shopline of{ada,       section,         0, static_cast<std::uint64_t>(purchases) + 2, 1,
+                              discounts, std::move(about)};
+        for (const char* key : {"items", "recycleitems", "shopdiscount"}) of.about.erase(key);
+        return line("shop", handover::written(of));
+    };
+    const auto books = [](std::string tag, std::int64_t left, std::int64_t offer) {
+        return handover::written(shopbooks{1, 0, 0, {{hashof(tag), left, 0, offer}}});
+    };
+    Lines lines{line("market", {{"format", "ordomart-market"}, {"version", 1}, {"money", "LLMoney"}})};
+    lines.push_back(head(shopsystem::sell, sells, 1));
+    lines.push_back(line("good", sells["items"][0]));
+    lines.push_back(line("discount", {{"shopitemtag", "t"}, {"discount", "%50"}, {"timeend", 99}}));
+    lines.push_back(line("opening", books(apple, 5 + purchases, 0)));
+    lines.push_back(head(shopsystem::recycle, recycles, -1));
+    lines.push_back(line("commission", {{"record", recycles["recycleitems"][0]}, {"deposit", 24}}));
+    lines.push_back(line("opening", books(stone, 8, 3)));
+    for (const auto& text : {apple, stone})
+        lines.push_back(line("item", {{"tag", handover::hexof(hashof(text))}, {"nbt", text}}));
+    const auto today = host::ServerOptions().manualclock / 86400000;
+    daysum goods, shops;
+    for (int i = 1; i <= purchases + 1; ++i) {
+        entry one{
+            .number = static_cast<std::uint64_t>(i), .time = today * 86400, .shop = ada, .actor = bob, .pieces = 1};
+        one.tag = hashof(apple);
+        one.price = one.paid = 10;
+        one.count = i;
+        one.volume = 10 * i;
+        one.before = rowstate{one.tag, 6 + purchases - i};
+        one.after = rowstate{one.tag, 5 + purchases - i};
+        if (i == purchases + 1) {  // the last one is undone, and the stock stands
+            one.what = kind::undopurchase;
+            one.count = purchases - 1;
+            one.volume = 10 * one.count;
+            one.before = rowstate{one.tag, 5};
+            one.after = rowstate{one.tag, 6};
+            one.undoes = static_cast<std::uint64_t>(purchases);
+            one.undoneby = bob;
+        }
+        lines.push_back(line("entry", handover::written(one)));
+    }
+    const auto trades = purchases - 1;
+    goods = {trades, trades, 10 * trades, 0, {}};
+    goods.at.add(10, trades);
+    shops = {trades, trades, 10 * trades, 0, {}};
+    lines.push_back(line("day", handover::written(handover::sumline{sumof::goods, today, "minecraft:apple:0", goods})));
+    lines.push_back(line("day", handover::written(handover::sumline{sumof::shop, today, ada + ".sell", shops})));
+    // Behind the undo.
+    auto shop = json::parse(lines[1]);
+    shop["shop"]["about"]["sellcount"] = trades;
+    shop["shop"]["about"]["salesvolume"] = 10 * trades;
+    lines[1] = shop.dump();
+    auto stock = json::parse(lines[2]);
+    stock["good"]["shopitemleftnum"] = 6;
+    lines[2] = stock.dump();
+    lines.push_back(line("end", {{"lines",
+                                  {{"shop", 2},
+                                   {"good", 1},
+                                   {"discount", 1},
+                                   {"commission", 1},
+                                   {"opening", 2},
+                                   {"item", 2},
+                                   {"entry", purchases + 1},
+                                   {"day", 2}}}}));
+    platform::installhost(nullptr);
+    return lines;
+}
+
+// One value changed in a line.
+std::function<void(Lines&)> sets(std::size_t at, const char* pointer, json value) {
+    return [=](Lines& lines) {
+        auto line = json::parse(lines[at]);
+        line[json::json_pointer(pointer)] = value;
+        lines[at] = line.dump();
+    };
+}
+std::function<void(Lines&)> drops(std::size_t at, const std::string& pointer) {
+    return [=](Lines& lines) {
+        auto line = json::parse(lines[at]);
+        const auto cut = pointer.rfind('/');
+        line[json::json_pointer(pointer.substr(0, cut))].erase(pointer.substr(cut + 1));
+        lines[at] = line.dump();
+    };
+}
+
+}  // namespace
+
+TEST(Handover, WhatIsWrongInAFileIsNamedAndNothingTakenIn) {
+    const auto whole = smallmarket(3);
+    const struct {
+        const char* what;
+        std::function<void(Lines&)> change;
+        std::string told;
+    } faults[] = {
+        {"empty", [](Lines& l) { l.clear(); }, "line 1: the file ends here"},
+        {"truncated", [](Lines& l) { l.pop_back(); }, "line 16: the file ends here, and its last line is missing"},
+        {"a torn line", [](Lines& l) { l[13].resize(20); }, "line 14: the line is no JSON"},
+        {"a line twice", [](Lines& l) { l.insert(l.begin() + 11, l[10]); },
+         "line 12: key \"entry.number\": 1 stands behind 1"},
+        {"an entry lost", [](Lines& l) { l.erase(l.begin() + 11); },
+         "line 12: 2535400000000001.sell, entry 3: counter 2"},
+        {"a sum lost", [](Lines& l) { l.erase(l.begin() + 14); }, "line 16: key \"end.lines\""},
+        {"a good lost", [](Lines& l) { l.erase(l.begin() + 2); }, "line 3: key \"discount\": cannot stand before"},
+        {"a discount lost", [](Lines& l) { l.erase(l.begin() + 3); },
+         "line 4: the shop 2535400000000001.sell lacks 0 goods"},
+        {"a shop twice",
+         [](Lines& l) {
+             l.insert(l.begin() + 5, {l[1], l[2], l[3]});
+         },
+         "line 6: key \"shop.owner\": the shop 2535400000000001.sell is there twice"},
+        {"something behind the end", [](Lines& l) { l.push_back(l.back()); }, "line 18: \"end\" cannot stand here"},
+        {"an order", [](Lines& l) { std::swap(l[10], l[14]); }, "\"entry\" cannot stand here"},
+        {"format", sets(0, "/market/format", "other"), "line 1: key \"market.format\": is another"},
+        {"version", sets(0, "/market/version", 2), "line 1: key \"market.version\": 2 is not 1"},
+        {"kind", [](Lines& l) { l[2] = "{\"gold\":{}}"; }, "line 3: \"gold\" is no kind of line"},
+        {"owner", sets(1, "/shop/owner", "../../x"), "line 2: key \"shop.owner\": is no owner's key"},
+        {"counter", sets(1, "/shop/about/sellcount", 7),
+         "line 2: 2535400000000001.sell, entry 4: counter 2 in the ledger, 7"},
+        {"counter type", sets(1, "/shop/about/sellcount", "7"),
+         "line 2: key \"shop.about.sellcount\": must be a whole"},
+        {"key", sets(1, "/shop/about/gold", 7), "about.gold\": is no key of a shop"},
+        {"key gone", drops(1, "/shop/about/shopname"), "about.shopname\": is missing"},
+        {"price", sets(2, "/good/price", -1), "line 3: key \"good.price\": -1 is below 0"},
+        {"price gone", drops(2, "/good/price"), "line 3: key \"good.price\": is missing"},
+        {"large price", sets(2, "/good/price", 4294967296),
+         "line 3: key \"good.price\": must be a whole number of 32 bits"},
+        {"stock", sets(2, "/good/shopitemleftnum", 7),
+         "line 2: 2535400000000001.sell, entry 4: stock 6 in the ledger, 7"},
+        {"item", sets(2, "/good/itemnbt", "{Name:\"minecraft:gold\",Count:1b}"),
+         "this server knows no item \"minecraft:gold\""},
+        {"discount", sets(3, "/discount/timeend", "x"), "line 4: key \"discount.timeend\": must be a whole number"},
+        {"deposit", sets(6, "/commission/deposit", 25),
+         "line 7: key \"commission.record.deposit\": 25 is written, and"},
+        {"offer", sets(6, "/commission/record/offer", 4), "24 is written, and what is wanted at its price comes to 32"},
+        {"stored", sets(6, "/commission/record/nowhasrecyclenum", 1), "1 pieces are counted, and 0 are stored"},
+        {"promised", sets(6, "/commission/record/sponsored", 25), "sponsored\": 25 is not between 0 and 24"},
+        {"opening", sets(7, "/opening/rows/0/left", 9),
+         "line 6: 2535400000000001.recycles, no entry: commission 9 wanted"},
+        {"opening's key", sets(7, "/opening/gold", 9), "line 8: key \"opening.gold\": is no key of this line"},
+        {"tag", sets(8, "/item/nbt", "{}"), "line 9: key \"item.tag\": is not that of the text"},
+        {"tag gone", [](Lines& l) { l.erase(l.begin() + 8); }, "line 10: key \"entry.tag\": is no item above"},
+        {"shop of an entry", sets(10, "/entry/shop", "77"), "line 11: key \"entry.shop\": 77 has no such shop"},
+        {"what", sets(10, "/entry/what", "theft"), "line 11: key \"entry.what\": is unknown: \"theft\""},
+        {"volume", sets(11, "/entry/volume", 21),
+         "line 12: 2535400000000001.sell, entry 2: volume 20 in the ledger, 21"},
+        {"before", sets(11, "/entry/before/left", 9), "line 12: 2535400000000001.sell, entry 2: stock 7"},
+        {"undoes", sets(13, "/entry/undoes", 4), "line 14: key \"entry.undoes\": is no entry above"},
+        {"day", sets(14, "/day/prices", json{{10, 1}, {10, 1}}), "line 15: key \"day.prices\": must rise"},
+        {"days", [](Lines& l) { std::swap(l[14], l[15]); },
+         "line 16: key \"day.of\": is there twice, or not in its order"},
+        {"sum", sets(16, "/end/sum", "0000000000000000"), "line 17: key \"end.sum\": does not fit"},
+    };
+    Target target(textof(whole));
+    for (const auto& fault : faults) {
+        auto lines = whole;
+        fault.change(lines);
+        target.stage.write(filenamed("full"), textof(lines));
+        const auto said = target.imports();
+        EXPECT_THAT(said, HasSubstr("Nothing has been taken in: ")) << fault.what;
+        EXPECT_THAT(said, HasSubstr(fault.told)) << fault.what;
+    }
+    EXPECT_TRUE(target.isempty());
+    for (const char* name : {"../full", "a/b", "\"\"", ".hidden", "x.json"})
+        EXPECT_THAT(told(target.stage, *target.olga, std::string("ordomart import ") + name),
+                    HasSubstr("is no name for a file"));
+    EXPECT_THAT(told(target.stage, *target.olga, "ordomart import nothing"),
+                HasSubstr("line 1: the file cannot be read"));
+    target.stage.write(filenamed("full"), textof(whole));
+    EXPECT_THAT(target.imports(), HasSubstr("is taken in: 2 shops, 1 goods, 1 commissions, 4 entries"));
+    EXPECT_THAT(target.audits(), HasSubstr("4 entries, 2 shops" + std::string(nodifferences)));
+}
+
+TEST(Handover, BesideALedgerThatHasEntriesNumbersAreGivenAnew) {
+    Target target(textof(smallmarket(3)));
+    const std::string other = "2535400000000005";
+    target.stage.writeshop(other, {good("bread", 7, 5, "Rolls")});
+    Actor& carl = target.stage.join("Carl", bob);
+    carl.setmoney(100)
+        .types("ordomart formmenu")
+        .presses("Selling shops (form)")
+        .presses("Rolls")
+        .fills({{"quantity", "1"}})
+        .dismisses();
+    carl.gives(0, "apple", 1);
+    target.stage.join("Alice", ada)
+        .setmoney(100)
+        .types("ordomart myshop")
+        .closes();  // she has looked at her empty shop
+    EXPECT_THAT(target.imports(), HasSubstr("is taken in"));
+    EXPECT_THAT(target.audits(), HasSubstr("5 entries, 3 shops" + std::string(nodifferences)));
+    EXPECT_THAT(told(target.stage, *target.olga, "ordomart undo 4"),
+                HasSubstr("Trade 4 is undone already, by entry 5."));
+    EXPECT_THAT(told(target.stage, *target.olga, "ordomart undo 3"), HasSubstr("Trade 3 is undone, as entry 6"));
+    EXPECT_THAT(target.audits(), HasSubstr(nodifferences));
+    target.stage.restart();
+    target.joins();
+    EXPECT_THAT(target.audits(), HasSubstr("6 entries, 3 shops" + std::string(nodifferences)));
+    EXPECT_THAT(target.imports(), HasSubstr("1 shops are here and not empty: Alice"));
+}
+
+// A copy of the directory behind each pass that is written is what a kill there would leave.
+TEST(Handover, AKillAtAnyPointLeavesAllOrNothing) {
+    const auto content = textof(smallmarket(2500));
+    const auto copies = fs::temp_directory_path() / fmt::format("ordomart-handover-{}", ::getpid());
+    fs::remove_all(copies);
+    const auto directory = copies / "server";
+    fs::create_directories(directory);
+    int killed = 0;
+    std::string exported;
+    {
+        Target target(content, {.directory = directory});
+        target.stage.server().world().parts().atwrite = [&](std::string_view at) {
+            if (at == "committed") fs::copy(directory, copies / std::to_string(killed++), fs::copy_options::recursive);
+        };
+        EXPECT_THAT(target.imports(), HasSubstr("is taken in"));
+        target.stage.server().world().parts().atwrite = [](std::string_view) {};
+        EXPECT_THAT(target.audits(), HasSubstr("2501 entries, 2 shops" + std::string(nodifferences)));
+        exported = target.exports("all");
+    }
+    EXPECT_GT(killed, 8);
+    int nothing = 0, all = 0, wereunderway = 0;
+    for (int kill = 0; kill < killed; ++kill) {
+        SCOPED_TRACE(kill);
+        Target target(content, {.directory = copies / std::to_string(kill)});
+        wereunderway += target.stage.log().find("goes on with it") != std::string::npos ? 1 : 0;
+        target.stage.ticks(60);
+        EXPECT_THAT(target.audits(), HasSubstr(nodifferences));
+        if (target.isempty()) {
+            ++nothing;
+            EXPECT_THAT(target.imports(), HasSubstr("is taken in")) << "it can be done again";
+        } else {
+            ++all;
+        }
+        EXPECT_EQ(lasting(target.exports("behind")), lasting(exported));
+    }
+    fs::remove_all(copies);
+    EXPECT_GT(nothing, 2);
+    EXPECT_GT(all, wereunderway);
+    EXPECT_GT(wereunderway, 2);
+}
+
+namespace {
+
+// What a file holds, added up.
+struct addedup : handover::linetaker {
+    using sums = std::map<std::string, std::vector<std::int64_t>>;  // by day, kind and what of
+    sums ofentries, ofdays;
+    std::map<std::uint64_t, ledger::entry> entries;
+    std::map<std::uint64_t, std::string> texts;
+
+    void shop(const handover::shopline&, const json&) override {}
+    void opening(const handover::shopline&, const ledger::shopbooks&) override {}
+    void item(const std::string& text) override { texts[ledger::hashof(text)] = text; }
+    void entry(const ledger::entry& one) override {
+        entries[one.number] = one;
+        const auto& trade = ledger::isundo(one.what) ? entries.at(one.undoes) : one;
+        const std::int64_t sign = ledger::isundo(one.what) ? -1 : 1;
+        const auto day = trade.time / 86400;
+        add(ofentries, fmt::format("{} {}", day, ledger::variantof(texts.at(trade.tag)).text()), sign * trade.pieces,
+            sign * trade.pieces * trade.price);
+        add(ofentries, fmt::format("{} {}.sell", day, trade.shop), sign * trade.pieces, sign * trade.paid);
+    }
+    void sum(const handover::sumline& one) override {
+        add(ofdays, fmt::format("{} {}", one.day, one.of), one.sum.pieces, one.sum.money);
+    }
+    static void add(sums& to, const std::string& of, std::int64_t pieces, std::int64_t money) {
+        auto& sum = to[of];
+        sum.resize(2);
+        sum[0] += pieces;
+        sum[1] += money;
+        if (sum[0] == 0 && sum[1] == 0) to.erase(of);
+    }
+};
+
+}  // namespace
+
+TEST(Handover, WhatIsTradedWhileItIsWrittenFits) {
+    using namespace market_tests;
+    ShopHost host;
+    const auto apple = stage::snbt("apple");
+    for (const char* id : {"1", "2", "3"}) host.put(id, {{"items", {good("apple", 7, 100000)}}});
+    ledger::start();
+    std::mt19937 random(3);
+    std::vector<ledger::entry> open;
+    const auto trades = [&] {
+        const std::string id(1, static_cast<char>('1' + random() % 3));
+        auto& shop = sells(id);
+        const bool undoes = !open.empty() && random() % 3 == 0;
+        const auto trade = undoes ? open[random() % open.size()] : ledger::entry();
+        auto& of = undoes ? sells(trade.shop) : shop;
+        const auto sign = undoes ? 1 : -1;
+        const std::int64_t pieces = undoes ? trade.pieces : 1 + random() % 5;
+        auto row = of.getshopitem(0);
+        ledger::happening what{.what = undoes ? ledger::kind::undopurchase : ledger::kind::purchase, .actor = "9"};
+        what.itemnbt = apple;
+        what.pieces = pieces;
+        what.price = 7;
+        what.paid = 7 * pieces;
+        what.before = ledger::stateof(row);
+        row.shopitemleftnum += static_cast<std::int32_t>(sign * pieces);
+        what.after = ledger::stateof(row);
+        shopsystem::tojson(row, of.items[0]);
+        shopsystem::countup(of.sellcount, -sign * pieces);
+        shopsystem::countup(of.salesvolume, -sign * pieces * 7);
+        if (undoes) what.undoes = &trade;
+        of.markshopchanged();
+        const auto number = ledger::write(of, what);
+        host.records.endpass();
+        if (undoes)
+            std::erase_if(open, [&](const auto& each) { return each.number == trade.number; });
+        else
+            open.push_back(ledger::find(number).value());
+    };
+    for (int i = 0; i < 500; ++i) {
+        trades();
+        host.clock.seconds += 600;
+    }
+    const auto path = handover::pathof("busy");
+    int asked = 0;
+    handover::exportmarket(
+        path, [&] { return trades(), trades(), ++asked; }, [](const auto&) {});
+    EXPECT_GT(asked, 8);
+    EXPECT_EQ(handover::checkfile(path, [] { return true; }).counts.at("shop"), 6) << "shops and entries fit";
+    addedup file;
+    for (handover::filewalk walk(path, file); walk.step();) {
+    }
+    EXPECT_EQ(file.ofdays, file.ofentries);
+    EXPECT_LT(file.entries.size(), ledger::nextnumber() - 1) << "something was left out";
+    EXPECT_THAT(fault([&] {
+                    handover::exportmarket(
+                        handover::pathof("ends"), [] { return false; }, [](const auto&) {});
+                }),
+                HasSubstr("the server stops"));
+    EXPECT_FALSE(host.disk.contents.contains(handover::pathof("ends")));
+    host.put("4", {{"items", {{{"price", "x"}}}}});
+    EXPECT_THAT(fault([&] {
+                    handover::exportmarket(
+                        handover::pathof("broken"), [] { return true; }, [](const auto&) {});
+                }),
+                HasSubstr("data/4.json: sell.items[0].price: must be a whole number"));
+}
+
+TEST(Reload, SettingsAndTextsChangeWholeOrNotAtAll) {
+    const std::string base = "plugins/Ordomart/", config = base + "config.json", extras = base + "extras.json",
+                      langs = base + "langs.json", sellform = base + "sellform.json";
+    Stage stage({.config = {{"moneymode", 1}, {"tax", 10}}});
+    stage.writeshop(ada, {good("apple", 10, 10, "Red apples")});
+    Actor& olga = stage.join("Olga", "2535400000000999", "en_US", desktop, 1);
+    Actor& carl = stage.join("Carl", bob);
+    const auto reloads = [&] { return told(stage, olga, "ordomart reload"); };
+    const auto change = [&](const std::string& path, const std::function<void(json&)>& how) {
+        auto content = json::parse(stage.file(path));
+        how(content);
+        stage.write(path, content.dump());
+    };
+    const auto all = json::parse(stage.file(langs));
+    const auto texts = all["en_US"].size() + all["zh_CN"].size();
+    const auto nothing = fmt::format("read again: 0 settings and 0 of {} texts are new.", texts);
+    EXPECT_THAT(reloads(), HasSubstr(nothing));
+    EXPECT_EQ(carl.types("ordomart reload").replies(), "permission denied");
+
+    change(config, [](json& c) {
+        c.update({{"tax", 50}, {"moneymode", 0}, {"banshopitem", {"minecraft:bread"}}, {"scoremoneyname", "gold"}});
+        c.erase("maxfreeslot");
+    });
+    change(extras, [](json& c) { c["ledgerdays"] = 30; });
+    change(langs, [](json& c) {
+        c["en_US"]["ledger.prices.empty"] = "Show something";
+        c["zh_CN"].erase("ledger.prices.empty");
+    });
+    const json changed = {json::parse(stage.file(config)), json::parse(stage.file(extras))};
+    const auto before = stage.file(config);
+    // Each of these is in the way of all of it.
+    const struct {
+        std::string path, content, told;
+    } faults[] = {
+        {config, "{\"tax\": 5,}", config + ": [json.exception.parse_error"},
+        {config, "{\"tax\": \"5\", \"maxfreeslot\": []}",
+         config + ": key \"tax\": [json.exception.type_error.302] type must be number, but is string\n" + config +
+             ": key \"maxfreeslot\": [json.exception.type_error"},
+        {config, "{\"scoremoneyname\": \"金钱\"}", config + ": key \"scoremoneyname\": must be ASCII"},
+        {extras, "{\"ledgerdays\": 0}", extras + ": key \"ledgerdays\": 0 is not between 1 and 36500"},
+        {extras, "[]", extras + ": the settings must be an object, but they are array"},
+        {langs, "{\"en_US\": {\"a\": 1}}", langs + ": \"en_US\", key \"a\": must be a text"},
+        {langs, "{\"en_US\"", langs + ": is no JSON"},
+        {sellform, "[{\"titlename\": \"x\"}]", sellform + ": [0]: [json.exception.out_of_range"},
+    };
+    for (const auto& [path, content, why] : faults) {
+        const auto was = stage.file(path);
+        stage.write(path, content);
+        const auto said = reloads();
+        EXPECT_THAT(said, HasSubstr("Nothing has changed, since something is wrong in the files:\n" + why));
+        EXPECT_EQ(stage.file(path), content);
+        stage.write(path, was.empty() ? "[]" : was);
+        EXPECT_THAT(carl.forgets().types("ordomart prices").replies(), HasSubstr("Take an item in your hand"));
+    }
+    const auto said = reloads();
+    for (const std::string line : {"tax: 10 -> 50\n", "banshopitem: [\"minecraft:clock\"] -> [\"minecraft:bread\"]\n",
+                                   "ledgerdays: 400 -> 30\n", "moneymode: 1 -> 0 takes effect at the next start.\n",
+                                   "scoremoneyname: \"money\" -> \"gold\" takes effect at the next start.\n"})
+        EXPECT_THAT(said, HasSubstr(line));
+    EXPECT_THAT(said, HasSubstr(fmt::format("read again: 3 settings and 1 of {} texts are new.", texts)));
+    EXPECT_EQ(stage.file(config), before);
+    EXPECT_EQ(carl.forgets().types("ordomart prices").replies(), "Show something");
+    EXPECT_THAT(reloads(), HasSubstr("moneymode: 1 -> 0 takes effect"));
+    // The fee of a trade is the new one, and the money still the library's.
+    carl.setmoney(100)
+        .types("ordomart formmenu")
+        .presses("Selling shops (form)")
+        .presses("Red apples")
+        .fills({{"quantity", "1"}})
+        .dismisses();
+    EXPECT_EQ(stage.money(ada), 5);
+    EXPECT_EQ(carl.money(), 90);
+}
