@@ -11,6 +11,7 @@
 #include "host/core/views.h"
 #include "host/world/world.h"
 #include "platform/level.h"
+#include "platform/library.h"
 #include "platform/llmoney.h"
 #include "platform/views.h"
 #include "tests/host/apiserver.h"
