@@ -9,7 +9,6 @@
 #include "plugin/base/guards.h"
 #include "plugin/base/language.h"
 #include "plugin/base/owntexts.h"
-#include "plugin/economy/marketopen.h"
 #include "plugin/formparts/formtools.h"
 #include "plugin/handover/handover.h"
 #include "plugin/ledger/audit.h"
@@ -77,7 +76,7 @@ void askundo(ServerPlayer* player, std::int64_t number, CommandOutput& output) {
 
 void askaudit(ServerPlayer* player, bool accepts, CommandOutput& output) {
     if (!hasledger(player, output)) return;
-    if (handover::istakingin()) return output.error(tr(player, closedtext()));
+    if (handover::istakingin()) return output.error(tr(player, owntext::handoverruns));
     if (audits.exchange(true)) return output.error(tr(player, owntext::auditruns));
     const auto run = [xuid = player->getXuid(), accepts] {
         envelope([&] {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 #include <unordered_map>
 #include <unordered_set>
@@ -11,6 +12,7 @@
 #include "platform/turn.h"
 #include "plugin/handover/linefile.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
+#include "plugin/shopsystem/shoprecords.h"
 
 namespace handover {
 
@@ -90,7 +92,11 @@ private:
 
     void addshops() {
         std::vector<std::string> broken;
-        for (const auto& xuid : shopfilekeys())
+        // Of a shop that was taken in or traded in just now the records may be ahead, without a file.
+        std::set<std::string> owners;
+        for (auto& key : shopfilekeys()) owners.insert(std::move(key));
+        for (auto& [owner, kind] : leftrecords(SIZE_MAX)) owners.insert(std::move(owner));
+        for (const auto& xuid : owners)
             for (const int kind : {shoptype::sell, shoptype::recycle}) {
                 goon();
                 if (xuid.empty()) continue;
