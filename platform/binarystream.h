@@ -35,9 +35,9 @@ public:
     void writeFloat(float v);
     void writeUnsignedVarInt(std::uint32_t v);  // LEB128
     void writeUnsignedVarInt64(std::uint64_t v);
-    void writeVarInt(std::int32_t v);           // zigzag
-    void writeVarInt64(std::int64_t v);         // zigzag
-    void writeString(std::string_view v);       // varint length and the bytes
+    void writeVarInt(std::int32_t v);      // zigzag
+    void writeVarInt64(std::int64_t v);    // zigzag
+    void writeString(std::string_view v);  // varint length and the bytes
     void writeRaw(std::string_view v);
     void writeCompoundTag(const CompoundTag& v);  // network form
     void writeFixedTag(const CompoundTag& v);     // little-endian form

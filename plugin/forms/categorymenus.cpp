@@ -53,7 +53,8 @@ struct categorybutton {
 // Nothing for an entry that only explains the format. Throws the library's errors.
 std::optional<categorybutton> readcategory(const json& entry) {
     if (entry.contains("example") && entry["example"] == true) return std::nullopt;
-    return categorybutton{entry.at("searchtaginfo"), entry.at("searchlvl"), entry.at("titlename"), entry.at("imagepath")};
+    return categorybutton{entry.at("searchtaginfo"), entry.at("searchlvl"), entry.at("titlename"),
+                          entry.at("imagepath")};
 }
 
 // Nothing when the file can neither be opened nor made; the player has been told.

@@ -13,6 +13,7 @@
 #include "platform/level.h"
 #include "platform/library.h"
 #include "platform/llmoney.h"
+#include "platform/scoreboard.h"
 #include "platform/views.h"
 #include "tests/host/apiserver.h"
 
@@ -199,7 +200,10 @@ TEST_F(ViewsTest, MoneyOfAllAccountsIsSummed) {
     const auto figures = [&] {
         std::map<std::string, std::int64_t> all;
         caller->post("/api/ticks", {{"count", 1}});
-        for (const auto& row : caller->get("/api/views/money").body["rows"]) all[row["name"]] = row["value"];
+        caller->post("/api/ticks", {{"count", 1}});
+        const auto answer = caller->get("/api/views/money");
+        EXPECT_EQ(answer.status, 200) << answer.body;
+        for (const auto& row : answer.body["rows"]) all[row["name"]] = row["value"];
         return all;
     };
     EXPECT_EQ(figures()["circulation"], 0);
@@ -211,6 +215,7 @@ TEST_F(ViewsTest, MoneyOfAllAccountsIsSummed) {
             libraries.symbol(libraries.load("LLmoney.dll"), "LLMoneyTrans"));
         const auto xuid = platform::PlayerInfo::getXuid("Ann");
         EXPECT_TRUE(trans(xuid, "", 8, "fee") && trans("", xuid, 5, "prize"));
+        server_.world().scoreboard().newObjective("money", "coins");
         server_.world().setscore("Ben", "money", 12);
     });
     auto now = figures();

@@ -66,8 +66,9 @@ TEST(LangTables, TheOwnTextsStandBesideThem) {
     }
     EXPECT_FALSE(own[0].empty());
     for (const auto& [key, text] : own[0]) {
-        if (!key.starts_with("ledger.") && !key.starts_with("market."))
+        if (!key.starts_with("ledger.") && !key.starts_with("market.")) {
             EXPECT_EQ(placeholders(text), key == ordomart::owntext::stackskept ? "{0}" : "") << key;
+        }
         EXPECT_EQ(placeholders(text), placeholders(own[1][key])) << key;
     }
     EXPECT_EQ(own[0].size(), own[1].size());
