@@ -43,10 +43,13 @@ export async function freeport() {
 }
 
 export class Stage {
-  // `binary` and `door` are the programs, `spawned` what else they are started with.
-  static async starts({ server = ["--offline"], gateway = ["--offline"], binary = program, door = path.join(root, "gateway/main.js"), spawned = {} } = {}) {
+  binary = program;
+  door = path.join(root, "gateway/main.js");
+  spawned = {};  // what else both are started with
+
+  static async starts({ server = ["--offline"], gateway = ["--offline"], ...others } = {}) {
     const stage = new Stage();
-    Object.assign(stage, { binary, door, spawned, serverwords: server, gatewaywords: gateway, port: await freeport() });
+    Object.assign(stage, { serverwords: server, gatewaywords: gateway, port: await freeport(), ...others });
     stage.folder = await mkdtemp(path.join(tmpdir(), "ordomart-network-"));
     stage.directory = path.join(stage.folder, "server");
     await stage.startserver();
