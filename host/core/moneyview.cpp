@@ -50,9 +50,9 @@ private:
         for (const int days : {1, 7, 30}) {
             const auto since = platform::unixseconds() - days * daylength;
             const auto day = std::to_string(days);
-            add("given" + day, "money", "Given out by the server, " + day + " d", day + "天内由服务器发放",
-                moved("payer", since));
-            add("taken" + day, "money", "Paid to the server, " + day + " d (deposits, fees)",
+            add("given" + day, "money", "From the server in " + day + " d (deposits paid out)",
+                day + "天内由服务器付出（含押金支付）", moved("payer", since));
+            add("taken" + day, "money", "To the server in " + day + " d (deposits, fees)",
                 day + "天内付给服务器（押金、手续费）", moved("payee", since));
         }
     }
