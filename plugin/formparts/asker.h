@@ -3,6 +3,8 @@
 #pragma once
 
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "platform/host.h"
@@ -22,15 +24,24 @@ public:
     template <class... A>
     void tell(LogLevel level, const char* key, const A&... values) const {
         logger.put(level, filled(tr(std::string(), key), values...));
-        const auto send = [xuid = xuid_, key, values...] {
+        const auto send = [xuid = xuid_, key, ... kept = owned(values)] {
             auto* const level_ = host().level;
             auto* const to = level_ != nullptr ? level_->getPlayerByXuid(xuid) : nullptr;
-            if (to != nullptr) to->sendText(filled(tr(to, key), values...));
+            if (to != nullptr) to->sendText(filled(tr(to, key), kept...));
         };
         Schedule::delay([send] { envelope(send); }, 0);
     }
 
 private:
+    // A text is kept, since what() of an exception is gone by the time that it is told.
+    template <class T>
+    [[nodiscard]] static auto owned(const T& value) {
+        if constexpr (std::is_convertible_v<const T&, std::string_view>)
+            return std::string(value);
+        else
+            return value;
+    }
+
     std::string xuid_;
 };
 
