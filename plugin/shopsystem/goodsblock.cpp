@@ -14,14 +14,13 @@ struct tagtable {
     std::uint32_t ids = 0;
 };
 
-// Never destroyed: blocks may outlive it at the end of the process.
-tagtable& tagsinuse() {
-    static auto* const table = new tagtable;
-    return *table;
+// Each tag holds it as well, since blocks may outlive what is static here.
+const std::shared_ptr<tagtable>& tagsinuse() {
+    static const auto table = std::make_shared<tagtable>();
+    return table;
 }
 
-void forget(const goodstag* tag) {
-    auto& table = tagsinuse();
+void forget(tagtable& table, const goodstag* tag) {
     {
         const std::lock_guard alone(table.mutex);
         // Somebody may have asked for it meanwhile and got a new one under a key of its own.
@@ -36,14 +35,15 @@ void forget(const goodstag* tag) {
 }  // namespace
 
 taghandle knowntag(std::string_view text) {
-    auto& table = tagsinuse();
+    auto& table = *tagsinuse();
     const std::lock_guard alone(table.mutex);
     const auto found = table.known.find(text);
     return found == table.known.end() ? nullptr : found->second.lock();
 }
 
 taghandle interntag(std::string_view text) {
-    auto& table = tagsinuse();
+    const auto& kept = tagsinuse();
+    auto& table = *kept;
     std::unique_lock alone(table.mutex);
     if (const auto found = table.known.find(text); found != table.known.end()) {
         if (auto tag = found->second.lock()) return tag;
@@ -56,7 +56,7 @@ taghandle interntag(std::string_view text) {
         id = table.freeids.back();
         table.freeids.pop_back();
     }
-    taghandle tag(new goodstag{std::string(text), id}, &forget);
+    taghandle tag(new goodstag{std::string(text), id}, [kept](const goodstag* gone) { forget(*kept, gone); });
     table.known.emplace(tag->text, tag);
     return tag;
 }
