@@ -93,7 +93,10 @@ BackupReport Server::backup(const std::string& file) {
 }
 
 void Server::settle() {
-    manually([](Parts& parts) { parts.settle(); });
+    if (options_.manual) return manually([](Parts& parts) { parts.settle(); });
+    // A pass does work first and reads packets then: they have been read when there is work in the pass behind it.
+    run([] {});
+    run([] {});
 }
 
 void Server::ticks(int n) {

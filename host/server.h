@@ -90,8 +90,8 @@ public:
     // does the work; the server thread only marks the instant. Throws BackupError that names the file.
     BackupReport backup(const std::string& file);
 
-    // Manual mode: passes until nothing is left to do without a tick: posted work, packets, tasks of 0 ticks,
-    // background bodies and the plug-in's queue.
+    // Packets that came in before the call are dealt with, and answered, when it returns. In manual mode so is all that
+    // can be done without a tick: posted work, tasks of 0 ticks, background bodies and the plug-in's queue.
     void settle();
     // Manual mode: n ticks of 50 ms of the manual clock, settled before, between and after.
     void ticks(int n);

@@ -40,6 +40,7 @@ export class View {
 
   show() {
     clearInterval(this.timer);
+    this.outcome.tell("", false);
     if (this.isready()) this.refresh();
     else this.outcome.tell(t("deskfill"), false);
     const { refresh } = this.description;
@@ -55,23 +56,27 @@ export class View {
 
   ask(values) {
     this.asked = values;
+    this.outcome.tell("", false);
     return this.refresh();
   }
 
-  // The newest question is the one that is answered.
+  // The newest question is the one that is answered. What came of an action stays to be read while the view goes on.
   async refresh() {
     const number = (this.number = (this.number ?? 0) + 1);
     try {
       const answer = await api.view(this.description.name, this.asked);
       if (number !== this.number) return;
-      this.outcome.tell("", false);
+      if (this.refused) this.outcome.tell("", false);
+      this.refused = false;
       const text = JSON.stringify(answer);
       if (text === this.text) return;
       this.text = text;
       this.answer = answer;
       this.draw();
     } catch (error) {
-      if (number === this.number) this.outcome.tell(error.message, true);
+      if (number !== this.number) return;
+      this.refused = true;
+      this.outcome.tell(error.message, true);
     }
   }
 
@@ -137,6 +142,7 @@ export class View {
       await api.command(name, line);
       const heard = (await api.heard(name, before)).filter(({ kind }) => kind === "reply");
       await this.refresh();
+      this.refused = false;
       this.outcome.tell(heard.map(({ text }) => text.replace(/§./g, "")).join("\n") || t("deskdone"), heard.some(({ success }) => !success));
     } catch (error) {
       this.outcome.tell(error.message, true);

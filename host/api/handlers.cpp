@@ -26,13 +26,6 @@ const json done = {{"ok", true}};
 // Lines that a look shows of what he heard, unless it says after which number.
 constexpr std::size_t usuallyheard = 300;
 
-void settle(ApiCall& call) {
-    if (call.server.options().manual)
-        call.server.settle();
-    else
-        call.server.run([] {});
-}
-
 void demandjoined(ApiCall& call) {
     if (!call.clients.has(call.player))
         throw ApiError(404, fmt::format("no player \"{}\" is joined here", call.player));
@@ -41,7 +34,7 @@ void demandjoined(ApiCall& call) {
 json act(ApiCall& call, const std::function<void(client::ModelClient&)>& step) {
     demandjoined(call);
     call.clients.with(call.player, step);
-    settle(call);
+    call.server.settle();
     // What he does himself, closing a form for one, may bring no packet.
     call.streams.changed(call.player);
     return done;
@@ -107,7 +100,7 @@ json join(ApiCall& call) {
     if (device != "desktop" && device != "touch") throw ApiError(400, "\"device\" is desktop or touch");
     who.devicetype = device == "touch" ? 2 : 7;
     call.clients.join(who);
-    settle(call);
+    call.server.settle();
     call.streams.changed(who.name);
     return {{"name", who.name}, {"xuid", who.xuid}};
 }
@@ -115,7 +108,7 @@ json join(ApiCall& call) {
 json leave(ApiCall& call) {
     demandjoined(call);
     call.clients.leave(call.player);
-    settle(call);
+    call.server.settle();
     call.streams.changed(call.player);
     return done;
 }
@@ -201,7 +194,7 @@ json putinventory(ApiCall& call) {
     const int slot = call.body.at("slot");
     if (slot < 0 || slot > 40) throw ApiError(400, "\"slot\" is 0 to 40: inventory 0-35, armour 36-39, offhand 40");
     call.server.run([&] { call.server.world().setitem(call.player, slot, stack); });
-    settle(call);
+    call.server.settle();
     return done;
 }
 
@@ -275,7 +268,7 @@ json ticks(ApiCall& call) {
 json clock(ApiCall& call) {
     manualonly(call);
     call.server.advanceclock(call.body.at("milliseconds"));
-    settle(call);
+    call.server.settle();
     return done;
 }
 

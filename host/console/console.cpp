@@ -140,13 +140,6 @@ void Console::stand(const std::string& name) {
     print(fmt::format("{} has {} in front; he {}", name, text, can(name)));
 }
 
-void Console::settle() {
-    if (server_.options().manual)
-        server_.settle();
-    else
-        server_.run([] {});
-}
-
 void Console::help(const std::vector<std::string>&, const std::string&) {
     // A usage that is wider than its column has a line of its own.
     constexpr std::size_t column = 36;
@@ -187,14 +180,14 @@ void Console::join(const std::vector<std::string>& words, const std::string&) {
     if (who.xuid.empty()) who.xuid = defaultxuid(server_, who.name);
     clients_.join(who);
     server_.run([&] { told_[who.name].own = true; });
-    settle();
+    server_.settle();
     print(fmt::format("{} joined (xuid {}, {}, {})", who.name, who.xuid, who.language,
                       who.devicetype == 7 ? "desktop" : "touch"));
 }
 
 void Console::leave(const std::vector<std::string>&, const std::string& rest) {
     clients_.leave(rest);
-    settle();
+    server_.settle();
     print(fmt::format("{} left", rest));
 }
 
@@ -226,7 +219,7 @@ void Console::give(const std::vector<std::string>& words, const std::string&) {
         former = server_.world().item(name, slot);
         server_.world().setitem(name, slot, platform::ItemStack::create(words[2], count));
     });
-    settle();
+    server_.settle();
     print(fmt::format(
         "{} has {} \u00d7{} in slot {}{}", name, one.getTypeName(), count, slot,
         former.isNull() ? "" : fmt::format(", instead of {} \u00d7{}", former.getTypeName(), former.getCount())));
@@ -319,7 +312,7 @@ void Console::answer(const std::vector<std::string>& words, const std::string& r
         if (c.forms().empty()) throw std::runtime_error(fmt::format("{} has no form to answer", words[0]));
         c.answer(typedanswer(nlohmann::json::parse(c.forms().front().json), rest).dump());
     });
-    settle();
+    server_.settle();
     // What waited behind it is in front now, though the server has sent nothing.
     server_.run([&] { tell(words[0]); });
 }
@@ -333,17 +326,17 @@ void Console::click(const std::vector<std::string>& words, const std::string&) {
         if (words[1] == "drop") c.drop(container, slot);
         if (words[1] == "swap") c.swapwithcursor(container, slot);
     });
-    settle();
+    server_.settle();
 }
 
 void Console::close(const std::vector<std::string>& words, const std::string&) {
     clients_.with(words.at(0), [](client::ModelClient& c) { c.close(); });
-    settle();
+    server_.settle();
 }
 
 void Console::command(const std::string& name, const std::string& text) {
     clients_.with(name, [&](client::ModelClient& c) { c.command(text); });
-    settle();
+    server_.settle();
 }
 
 // A form in front is told once: drawn for whoever was joined here, named for players of the page. One that comes behind

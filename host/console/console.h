@@ -64,7 +64,6 @@ private:
     void stand(const std::string& name);  // what he has in front
     void setalive(const std::string& name, bool alive);
     void command(const std::string& name, const std::string& text);
-    void settle();
     struct Told {
         std::uint64_t chat = 0, toasts = 0, replies = 0, sounds = 0;
         std::uint32_t front = 0, last = 0;  // forms

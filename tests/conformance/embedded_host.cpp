@@ -2,7 +2,7 @@
 #include "host/network/network.h"
 #include "platform/packets/codec.h"
 #include "tests/conformance/conformance.h"
-#include "tests/host/manualserver.h"
+#include "tests/host/servertest.h"
 
 namespace conformance {
 

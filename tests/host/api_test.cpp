@@ -2,12 +2,15 @@
 #include <gmock/gmock.h>
 
 #include <condition_variable>
+#include <semaphore>
 #include <thread>
 
+#include "host/core/commands.h"
 #include "tests/host/apiserver.h"
 
 namespace {
 
+using coretests::ApiCaller;
 using coretests::ApiTest;
 using nlohmann::json;
 using testing::ElementsAre;
@@ -281,6 +284,42 @@ TEST_F(ApiTest, LinesAreToldOnceEach) {
     EXPECT_EQ(caller->get("/api/players/Alice?heard=0").body["heard"].size(), 4999U);
     says({"one more"});
     EXPECT_TRUE(caller->get("/api/players/Bob").body["heard"].empty()) << "5000 of all together";
+}
+
+// A command that takes its time, on a server that nobody drives.
+class SlowCommand : public platform::Command {
+public:
+    explicit SlowCommand(std::counting_semaphore<>& begun) : begun_(begun) {}
+    void execute(const platform::CommandOrigin&, platform::CommandOutput& output) override {
+        begun_.release();
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+        output.success("done slowly");
+    }
+
+private:
+    std::counting_semaphore<>& begun_;
+};
+
+class RunningApi : public ApiTest {
+protected:
+    RunningApi() : ApiTest(false) {}
+    std::counting_semaphore<> begun{0};
+};
+
+TEST_F(RunningApi, ACommandIsAnsweredWhenItsReplyIsThere) {
+    server->run([this] {
+        server->commands().registerCommand("slow", "waits", platform::CommandPermissionLevel::Any, 0, 128);
+        server->commands().registerOverload("slow", [this] { return std::make_unique<SlowCommand>(begun); }, {});
+    });
+    joins("Alice");
+    joins("Bob");
+    // Bob's command runs when Alice's comes in, so that hers is read behind the work of the next pass.
+    std::jthread other([this] {
+        ApiCaller(api.port(), api.token()).post("/api/players/Bob/command", {{"line", "slow"}});
+    });
+    begun.acquire();
+    EXPECT_EQ(caller->post("/api/players/Alice/command", {{"line", "slow"}}).status, 200);
+    EXPECT_THAT(heard("reply"), ElementsAre("done slowly"));
 }
 
 }  // namespace

@@ -10,13 +10,13 @@
 #include "host/clients.h"
 #include "platform/level.h"
 #include "tests/host/apicaller.h"
-#include "tests/host/manualserver.h"
+#include "tests/host/servertest.h"
 
 namespace coretests {
 
-class ApiTest : public ManualServer {
+class ApiTest : public ServerTest {
 protected:
-    ApiTest() {
+    explicit ApiTest(bool manual = true) : ServerTest(manual) {
         api.start();
         caller = std::make_unique<ApiCaller>(api.port(), api.token());
     }

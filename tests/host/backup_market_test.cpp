@@ -17,8 +17,8 @@
 #include "host/world/world.h"
 #include "platform/scoreboard.h"
 #include "tests/host/apicaller.h"
-#include "tests/host/manualserver.h"
 #include "tests/host/serverprocess.h"
+#include "tests/host/servertest.h"
 
 namespace {
 
@@ -281,7 +281,7 @@ TEST_F(BackupMarket, TheProgramBacksUpADirectoryAndRestoresIt) {
     runs({path("back")}, "a restore was cut short here", 1);
 }
 
-using BackupLines = coretests::ManualServer;
+using BackupLines = coretests::ServerTest;
 
 TEST_F(BackupLines, StandInTheConsoleAndOneIsUnderWayAtATime) {
     host::Clients clients(*server);

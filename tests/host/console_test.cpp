@@ -13,7 +13,7 @@
 #include "host/clients.h"
 #include "host/console/colours.h"
 #include "host/demo/demo.h"
-#include "tests/host/manualserver.h"
+#include "tests/host/servertest.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-class ConsoleTest : public coretests::ManualServer {
+class ConsoleTest : public coretests::ServerTest {
 protected:
     // What the line makes the console print.
     std::string typed(const std::string& line) {

@@ -25,7 +25,7 @@
 #include "host/console/output.h"
 #include "host/console/terminal.h"
 #include "host/console/typedlines.h"
-#include "tests/host/manualserver.h"
+#include "tests/host/servertest.h"
 
 namespace {
 
@@ -112,7 +112,7 @@ TEST(Output, ATerminalThatIsHeldGoesOnWhereItStood) {
 }
 
 // A person at a terminal of his own.
-class TypingTest : public coretests::ManualServer {
+class TypingTest : public coretests::ServerTest {
 protected:
     TypingTest() {
         ::setenv("TERM", "xterm", 1);

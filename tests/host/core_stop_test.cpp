@@ -8,7 +8,7 @@
 #include "platform/background.h"
 #include "platform/event.h"
 #include "platform/schedule.h"
-#include "tests/host/manualserver.h"
+#include "tests/host/servertest.h"
 
 namespace {
 

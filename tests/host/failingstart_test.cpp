@@ -7,8 +7,8 @@
 
 #include "host/network/network.h"
 #include "host/world/world.h"
-#include "tests/host/manualserver.h"
 #include "tests/host/serverprocess.h"
+#include "tests/host/servertest.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "platform/packets/containers.h"
 #include "platform/packets/messages.h"
 #include "tests/host/gatewayclient.h"
-#include "tests/host/manualserver.h"
+#include "tests/host/servertest.h"
 
 namespace {
 

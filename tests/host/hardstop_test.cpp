@@ -14,8 +14,8 @@
 #include "host/world/world.h"
 #include "platform/scoreboard.h"
 #include "tests/host/apicaller.h"
-#include "tests/host/manualserver.h"
 #include "tests/host/serverprocess.h"
+#include "tests/host/servertest.h"
 
 namespace {
 

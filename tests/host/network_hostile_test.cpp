@@ -16,7 +16,7 @@
 #include "platform/packets/containers.h"
 #include "platform/packets/forms.h"
 #include "platform/packets/messages.h"
-#include "tests/host/manualserver.h"
+#include "tests/host/servertest.h"
 #include "tests/platform/values.h"
 
 namespace {
@@ -30,7 +30,7 @@ std::string sealed(const Packet& packet) { return platform::sealpacket(packet); 
 std::string sealed(PacketId id, const std::string& body) { return platform::sealpacket(Packet(id, body)); }
 Packet command(std::string line) { return topacket(platform::CommandRequestPacket{std::move(line)}); }
 
-class Wire : public coretests::ManualServer {
+class Wire : public coretests::ServerTest {
 protected:
     struct Client {
         host::ConnectionId connection = 0;

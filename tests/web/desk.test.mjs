@@ -67,10 +67,15 @@ test("a trade is seen, found, drawn and undone", async () => {
   const undo = trades.getByRole("button", { name: "Undo" });
   await undo.click();
   await page.getByRole("alertdialog").getByRole("button", { name: "Cancel" }).click();
-  await undo.click();
+  await opens("now");
+  await feed.getByRole("button", { name: "Undo" }).click();
   await page.getByRole("alertdialog").getByText("Lena runs: ordomart undo").waitFor();
   await page.getByRole("alertdialog").getByRole("button", { name: "Undo" }).click();
-  await trades.locator(".outcome", { hasText: /Trade \d+ is undone/ }).waitFor();
+  const told = feed.locator(".outcome", { hasText: /Trade \d+ is undone/ });
+  await told.waitFor();
+  for (let asked = 0; asked < 2; asked++) await page.waitForResponse(/views\/now/);
+  assert.ok(await told.isVisible(), "it stays while the feed goes on");
+  await opens("trades");
   await undo.waitFor({ state: "detached" });
   await page.getByRole("button", { name: "Desk", exact: true }).click();
   await money(lena, purse);

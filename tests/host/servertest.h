@@ -1,4 +1,4 @@
-// A server in manual mode with the market in it, in a directory of its own.
+// A server with the market in it, in manual mode unless its test wants another, in a directory of its own.
 #pragma once
 
 #include <functional>
@@ -21,13 +21,18 @@ namespace coretests {
     return options;
 }
 
-class ManualServer : public testing::Test {
+class ServerTest : public testing::Test {
 protected:
-    ManualServer() { server->start(); }
-    ~ManualServer() override { server->stop(); }
+    explicit ServerTest(bool manual = true) {
+        auto options = manually(directory);
+        options.manual = manual;
+        server = std::make_unique<host::Server>(std::move(options));
+        server->start();
+    }
+    ~ServerTest() override { server->stop(); }
 
     Directory directory;
-    std::unique_ptr<host::Server> server = std::make_unique<host::Server>(manually(directory));
+    std::unique_ptr<host::Server> server;
 };
 
 }  // namespace coretests
