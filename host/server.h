@@ -90,14 +90,16 @@ public:
     // does the work; the server thread only marks the instant. Throws BackupError that names the file.
     BackupReport backup(const std::string& file);
 
-    // Packets that came in before the call are dealt with, and answered, when it returns. In manual mode so is all that
-    // can be done without a tick: posted work, tasks of 0 ticks, background bodies and the plug-in's queue.
+    // Packets that came in before the call are dealt with, and answered, when it returns, unless the server is paused.
+    // In manual mode so is all that can be done without a tick: posted work, tasks of 0 ticks, background bodies and
+    // the plug-in's queue.
     void settle();
     // Manual mode: n ticks of 50 ms of the manual clock, settled before, between and after.
     void ticks(int n);
     // Manual mode: moves the clock without ticking.
     void advanceclock(std::int64_t milliseconds);
-    // Real time: ticks per second (default 20) and pause, for the operator's side of the page.
+    // Real time: ticks per second (default 20) and pause, for the operator's side of the page. While it is paused there
+    // are no ticks and packets wait; posted work is done.
     void setspeed(double tickspersecond);
     void setpaused(bool paused);
     [[nodiscard]] double speed() const;

@@ -140,10 +140,11 @@ export class View {
     try {
       const before = Math.max(0, ...(await api.look(name)).heard.map((one) => one.number));
       await api.command(name, line);
-      const heard = (await api.heard(name, before)).filter(({ kind }) => kind === "reply");
+      const replies = (await api.heard(name, before)).filter(({ kind }) => kind === "reply");
       await this.refresh();
       this.refused = false;
-      this.outcome.tell(heard.map(({ text }) => text.replace(/§./g, "")).join("\n") || t("deskdone"), heard.some(({ success }) => !success));
+      const told = replies.map(({ text }) => text.replace(/§./g, "")).join("\n");
+      this.outcome.tell(told || t((await api.server()).paused ? "allwaits" : "deskdone"), replies.some(({ success }) => !success));
     } catch (error) {
       this.outcome.tell(error.message, true);
     }

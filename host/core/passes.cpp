@@ -39,7 +39,9 @@ bool Server::Parts::pass(bool tick) {
     const platform::Turn held;
     const auto began = std::chrono::steady_clock::now();
     bool did = dowork();
-    guarded(complain, "Packets could not be handled", [&] { did |= network->process(); });
+    // A paused server takes everything in and answers when it goes on.
+    if (options.manual || !pacer.paused())
+        guarded(complain, "Packets could not be handled", [&] { did |= network->process(); });
     if (tick) {
         ++tickcount;
         playersonline = world->level().getAllPlayers().size();

@@ -35,8 +35,15 @@ inline constexpr const char* pricesoffer = "ledger.prices.offer";      // {0}: p
 inline constexpr const char* pricesunknown = "ledger.prices.unknown";  // {0}: as typed
 inline constexpr const char* pricesempty = "ledger.prices.empty";
 inline constexpr const char* noledger = "ledger.missing";
-inline constexpr const char* undoaway = "ledger.undo.away";      // {0}: player
-inline constexpr const char* undopieces = "ledger.undo.pieces";  // {0}: player, {1} of {2} pieces, {3}: item
+inline constexpr const char* tradestitle = "ledger.trades.title";
+inline constexpr const char* tradesnone = "ledger.trades.none";
+// {0}: number, {1}: time, {2}: who, {3}: pieces, {4}: item, {5}: whose shop, {6}: money, {7}: its name
+inline constexpr const char* tradesbought = "ledger.trades.bought";
+inline constexpr const char* tradessold = "ledger.trades.sold";
+inline constexpr const char* tradesundo = "ledger.trades.undo";      // {0}: number, {1}: time, {2}: the trade's number
+inline constexpr const char* tradesundone = "ledger.trades.undone";  // {0}: its line, {1}: number of what undid it
+inline constexpr const char* undoaway = "ledger.undo.away";          // {0}: player
+inline constexpr const char* undopieces = "ledger.undo.pieces";      // {0}: player, {1} of {2} pieces, {3}: item
 inline constexpr const char* undomoney = "ledger.undo.money";    // {0}: player, has {1} of {2}, {3}: the money's name
 inline constexpr const char* undostored = "ledger.undo.stored";  // {0}: owner, {1} of {2} pieces, {3}: item
 inline constexpr const char* undocommission = "ledger.undo.commission";  // {0}: item, {1}: offer

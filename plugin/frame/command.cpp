@@ -113,6 +113,11 @@ opresult prices(const call& c) {
     return opresult::opened;
 }
 
+opresult trades(const call& c) {
+    asktrades(c.player, c.given.target.value_or(""), c.output);
+    return opresult::opened;
+}
+
 opresult undo(const call& c) {
     askundo(c.player, c.given.number, c.output);
     return opresult::opened;
@@ -176,6 +181,7 @@ constexpr word words[] = {
     {"reloadoperation", "reload", 20, true, &reload, ""},
     {"exportoperation", "export", 21, true, &exportmarket, ""},
     {"importoperation", "import", 22, true, &importmarket, ""},
+    {"tradesoperation", "trades", 23, true, &trades, ""},
 };
 
 // The bare command is the main menu, with a failure text of its own.
@@ -232,6 +238,8 @@ const std::vector<std::vector<parameter>> overloads = {
      {"name", Kind::String, "", true, &put<std::string, &OrdomartCommand::file>}},
     {{"import", Kind::Enum, "importoperation", false, putoperation},
      {"name", Kind::String, "", false, &put<std::string, &OrdomartCommand::file>}},
+    {{"trades", Kind::Enum, "tradesoperation", false, putoperation},
+     {"playerxuid|playername", Kind::String, "", true, puttarget}},
 };
 
 const char* const commandname = "ordomart";

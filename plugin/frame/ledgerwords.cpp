@@ -5,6 +5,7 @@
 #include <set>
 
 #include "platform/background.h"
+#include "platform/level.h"
 #include "platform/turn.h"
 #include "plugin/base/guards.h"
 #include "plugin/base/language.h"
@@ -14,6 +15,7 @@
 #include "plugin/ledger/audit.h"
 #include "plugin/ledger/ledger.h"
 #include "plugin/ledger/pricetext.h"
+#include "plugin/ledger/tradetext.h"
 #include "plugin/ledger/undo.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
 
@@ -65,6 +67,15 @@ void askprices(ServerPlayer* player, const std::optional<std::string>& item, Com
     if (held.isNull()) return output.error(tr(player, owntext::pricesempty));
     const auto what = ledger::variantof(itemtosnbt(held));
     ledger::tellprices(*player, what.name, what);
+}
+
+void asktrades(ServerPlayer* player, const std::string& party, CommandOutput& output) {
+    if (!hasledger(player, output)) return;
+    const auto xuid = platform::PlayerInfo::getXuid(party);
+    const bool isknown =
+        party.empty() || party == "systemshop" || !xuid.empty() || !platform::PlayerInfo::fromXuid(party).empty();
+    if (!isknown) return output.error("failed to find playerinfo:" + party);
+    ledger::telltrades(*player, xuid.empty() ? party : xuid);
 }
 
 void askundo(ServerPlayer* player, std::int64_t number, CommandOutput& output) {

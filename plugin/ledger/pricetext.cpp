@@ -88,13 +88,6 @@ std::string pictureof(const pricedays& of) {
     return picture;
 }
 
-std::string nameof(const variant& what, const std::string& language) {
-    const auto stack = platform::ItemStack::create(what.name, 1, static_cast<std::int16_t>(what.aux));
-    std::string name = stack.isNull() ? what.name : ordomart::itemlocalname(stack, language);
-    if (what.aux != 0) name += fmt::format(":{}", what.aux);
-    return what.enchanted ? filled(tr(language, owntext::enchantedname), name) : name;
-}
-
 std::string periodline(const pricedays& of, int days, const std::string& language) {
     const auto line = of.over(days);
     const auto label = filled(tr(language, owntext::pricesdays), days);
@@ -137,6 +130,13 @@ std::string lowercase(std::string text) {
 }
 
 }  // namespace
+
+std::string nameof(const variant& what, const std::string& language) {
+    const auto stack = platform::ItemStack::create(what.name, 1, static_cast<std::int16_t>(what.aux));
+    std::string name = stack.isNull() ? what.name : ordomart::itemlocalname(stack, language);
+    if (what.aux != 0) name += fmt::format(":{}", what.aux);
+    return what.enchanted ? filled(tr(language, owntext::enchantedname), name) : name;
+}
 
 std::optional<std::string> itemnamed(const std::string& text, const std::string& language) {
     const auto asked = lowercase(text);

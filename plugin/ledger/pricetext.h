@@ -13,6 +13,9 @@ namespace ledger {
 // The item that somebody means: by its full or short name, or as it is called in a language. Server thread.
 [[nodiscard]] std::optional<std::string> itemnamed(const std::string& text, const std::string& language);
 
+// As a player calls it: "Wool:14", "Diamond Sword (enchanted)". Server thread.
+[[nodiscard]] std::string nameof(const variant& what, const std::string& language);
+
 // Gathers it beside the server and tells the player. `exact`: this variant alone. Server thread.
 void tellprices(const platform::ServerPlayer& player, const std::string& item, const std::optional<variant>& exact);
 

@@ -322,4 +322,15 @@ TEST_F(RunningApi, ACommandIsAnsweredWhenItsReplyIsThere) {
     EXPECT_THAT(heard("reply"), ElementsAre("done slowly"));
 }
 
+TEST_F(RunningApi, APausedServerAnswersWhenItGoesOn) {
+    joins("Alice");
+    caller->post("/api/speed", {{"paused", true}});
+    EXPECT_EQ(caller->post("/api/players/Alice/command", {{"line", "first"}}).status, 200);
+    joins("Bob");
+    EXPECT_THAT(heard("reply"), testing::IsEmpty());
+    caller->post("/api/speed", {{"paused", false}});
+    caller->post("/api/players/Alice/command", {{"line", "second"}});
+    EXPECT_THAT(heard("reply"), ElementsAre(HasSubstr("first"), HasSubstr("second")));
+}
+
 }  // namespace

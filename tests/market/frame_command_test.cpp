@@ -37,14 +37,15 @@ TEST(Command, Grammar) {
                             "/ordomart <undo: undooperation> <number: int>",
                             "/ordomart <audit: auditoperation> [then: auditoption]",
                             "/ordomart <reload: reloadoperation>", "/ordomart <export: exportoperation> [name: string]",
-                            "/ordomart <import: importoperation> <name: string>"));
+                            "/ordomart <import: importoperation> <name: string>",
+                            "/ordomart <trades: tradesoperation> [playerxuid|playername: string]"));
     std::vector<std::string> words;
     for (const auto& completion :
          stage.server().commands().complete("ordomart ", platform::CommandPermissionLevel::Any))
         words.push_back(completion.text);
     EXPECT_THAT(words, ElementsAre("recycle", "buy", "myshop", "myreshop", "filter", "mainmenu", "ordomenu", "formmenu",
                                    "getoffscores", "buybyshop", "rebyshop", "search", "ban", "unban", "manage",
-                                   "resetmanage", "prices", "undo", "audit", "reload", "export", "import"));
+                                   "resetmanage", "prices", "undo", "audit", "reload", "export", "import", "trades"));
 }
 
 TEST(Command, WhoMayUseWhat) {

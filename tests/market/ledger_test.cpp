@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <chrono>
+#include <regex>
 
 #include "platform/records.h"
 #include "plugin/ledger/audit.h"
@@ -163,9 +164,24 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
             ++number;
         }
         EXPECT_EQ(m.audit(), "");
+        const auto told = [&](const std::string& who) {
+            m.olga->forgets().types("ordomart trades" + who);
+            m.stage.ticks(2);
+            const std::regex times(R"(§7\d{4}-\d\d-\d\d \d\d:\d\d§r |§.)");
+            return std::regex_replace(m.olga->chat() + m.olga->replies(), times, "");
+        };
+        const std::string title = "The newest trades, by their numbers:\n";
+        EXPECT_THAT(told(""),
+                    testing::StartsWith(title + "10 trade 9 was undone\n9 Carl bought 10 x Apple from Alice "));
+        EXPECT_THAT(told(" Olga"),
+                    testing::StartsWith(title + "8 trade 7 was undone\n7 Carl sold 1 x Apple to Olga for "));
+        EXPECT_EQ(told(" Olga"), told(" " + std::string(root)));
+        EXPECT_EQ(told(" systemshop"), "There is no such trade in the ledger.");
+        EXPECT_EQ(told(" Nobody"), "failed to find playerinfo:Nobody");
         EXPECT_EQ(m.undo(99), "There is no entry 99 in the ledger.");
         EXPECT_EQ(m.bob->forgets().types("ordomart undo 1").replies(), "permission denied");
-        EXPECT_EQ(m.bob->types("ordomart audit").replies(), "permission denied\npermission denied");
+        EXPECT_EQ(m.bob->types("ordomart audit").types("ordomart trades").replies(),
+                  "permission denied\npermission denied\npermission denied");
     }
 }
 

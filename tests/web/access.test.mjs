@@ -129,7 +129,7 @@ for (const [name, viewport] of Object.entries(windows))
   test(`axe finds nothing, and edges are seen, in a ${name} window`, { timeout: 180000 }, async () => {
     await play.page.close();  // it would complain of the server that is away
     const { server } = play, context = await play.browser.newContext({ viewport, locale: "en-GB", reducedMotion: "reduce" });
-    context.setDefaultTimeout(15000);
+    context.setDefaultTimeout(30000);
     await context.addInitScript(axe);
     const page = await context.newPage(), found = [];
     await page.goto(server.address);

@@ -21,7 +21,7 @@ test("a player looks for goods on his phone", async () => {
   const errors = [];
   for (const colorScheme of ["light", "dark"]) {
     const context = await browser.newContext({ locale: "en-GB", colorScheme, reducedMotion: "reduce", hasTouch: true, isMobile: true, viewport: { width: 390, height: 844 } });
-    context.setDefaultTimeout(15000);
+    context.setDefaultTimeout(30000);
     const page = await context.newPage();
     page.on("pageerror", (error) => errors.push(error.message));
     page.on("console", (message) => message.type() === "error" && errors.push(message.text()));

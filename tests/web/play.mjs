@@ -24,7 +24,7 @@ async function watched(context) {
 // One more page beside the test's own, in a browser that speaks `locale`.
 export async function opens({ locale }) {
   const context = await play.browser.newContext({ locale, reducedMotion: "reduce", viewport: { width: 800, height: 600 } });
-  context.setDefaultTimeout(15000);
+  context.setDefaultTimeout(30000);
   return watched(context);
 }
 
@@ -39,7 +39,7 @@ export function onpages(serverarguments = []) {
   });
   beforeEach(async () => {
     play.context = await play.browser.newContext({ locale: "en-GB", viewport: { width: 1400, height: 1000 } });
-    play.context.setDefaultTimeout(15000);
+    play.context.setDefaultTimeout(30000);
     play.errors = [];
     play.page = await watched(play.context);
   });

@@ -7,7 +7,7 @@ import { lastmenu, outside } from "./menus.mjs";
 // Texts that are keys for everybody, until an operator gives them words.
 const barekeys = ["managemenu", "command.reload.success", "sellshop.zerostate"];
 const unfilled = /undefined|\bNaN\b|\[object|\{\d*\}|\{[a-z]+\}|§$/;
-const patience = 8000, ticksatonce = 5;
+const patience = 15000, ticksatonce = 5;
 const mostlost = 3;  // clicks of a walk that meet a picture which is just being painted anew, and count for nothing
 const coolness = 2000;  // after which the market opens the next menu
 
@@ -103,10 +103,16 @@ export class Walk {
     await this.server.call("POST", "/api/clock", { milliseconds: coolness });
     await this.press(door, this.now);
     this.untried.get(from).delete(door);
-    if (from !== to && !await this.comes(to) && this.difference(from, this.now) === null && ++this.lost <= mostlost) await this.press(door, this.now);
+    if (from !== to && !await this.comes(to) && await this.waslost(from) && ++this.lost <= mostlost) await this.press(door, this.now);
     await this.arrived(to, how);
     this.at = to;
     if (this.menus[to].ismenu) this.last = to;
+  }
+
+  // The page stands as it stood, and the market has not been heard since: it heard of no click either.
+  async waslost(from) {
+    const { heard } = await this.server.call("GET", `/api/players/${encodeURIComponent(this.player.name)}?heard=${this.heard}`);
+    return heard.length === 0 && this.difference(from, this.now) === null;
   }
 
   async press(door, { form, slots }) {
