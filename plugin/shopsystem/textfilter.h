@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "plugin/shopsystem/textgrams.h"
+
 namespace shopsystem {
 
 struct alternative {
@@ -49,14 +51,22 @@ public:
     // the word n / 64; two threads that mark into one row must not share a word.
     void mark(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits,
               std::size_t first) const;
+    // The same for the texts of a kind, and without a look at what they are known not to hold.
+    void mark(const rowtexts& texts, rowtexts::kind of, std::span<std::uint64_t> bits, std::size_t first) const;
 
 private:
     struct part {
         std::string text;
         bool whole;
         std::size_t rare, second;  // where its two rarest bytes stand; one place if it is a single byte
+        std::vector<textgrams::gram> grams;
     };
     class stretch;
+
+    // `where(part, text)` has bit i for the i-th 64 texts from there on when they have to be looked at.
+    template <class Where>
+    void mark(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits,
+              std::size_t first, const Where& where) const;
 
     std::vector<part> parts_;
     bool isset_;
