@@ -214,35 +214,38 @@ bool textfilter::passes(std::string_view source) const {
     });
 }
 
+// What stands nearly everywhere is looked for everywhere: to be told so, table by table, costs more than it spares.
+textgrams::rows textfilter::part::where(const textgrams& known, rowtexts::kind of, textgrams::rows among) const {
+    constexpr std::size_t enough = 16 * textgrams::rowsoftable, worthwhile = 5;
+    if (asked >= enough && spared * worthwhile < asked) return among;
+    const auto there = known.where(grams, of, among.begin);
+    asked += among.end - among.begin;
+    spared += among.end - among.begin - (there.begin < there.end ? there.end - there.begin : 0);
+    return there;
+}
+
 template <class Where>
 void textfilter::mark(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits,
                       std::size_t first, const Where& where) const {
     const std::size_t count = offsets.size() - 1;
     for (std::size_t text = 0; text < count; text += stretch::texts)
         for (const part& one : parts_) {
-            unsigned left = where(one, text);
-            while (left != 0) {
-                const auto from = std::countr_zero(left), to = from + std::countr_one(left >> from);
-                left &= ~0U << to;
-                const auto begin = text + static_cast<std::size_t>(from) * textgrams::rowsofbit;
-                const auto end = std::min(count, text + static_cast<std::size_t>(to) * textgrams::rowsofbit);
-                if (begin >= end) break;
-                stretch(bytes, offsets.subspan(begin, end - begin + 1), bits, first + begin).mark(one);
-            }
+            const auto [begin, end] = where(one, textgrams::rows{text, std::min(text + stretch::texts, count)});
+            if (begin < end) stretch(bytes, offsets.subspan(begin, end - begin + 1), bits, first + begin).mark(one);
         }
 }
 
 void textfilter::mark(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits,
                       std::size_t first) const {
-    mark(bytes, offsets, bits, first, [](const part&, std::size_t) { return 0xffU; });
+    mark(bytes, offsets, bits, first, [](const part&, textgrams::rows all) { return all; });
 }
 
 void textfilter::mark(const rowtexts& texts, rowtexts::kind of, std::span<std::uint64_t> bits,
                       std::size_t first) const {
-    const auto* const grams = of == rowtexts::stack ? nullptr : texts.grams();
-    mark(texts.bytes(), texts.offsets(of), bits, first, [&](const part& one, std::size_t text) {
-        return grams == nullptr ? 0xffU : grams->where(one.grams, of, text);
-    });
+    const auto* const known = of == rowtexts::stack ? nullptr : texts.grams();
+    if (known == nullptr) return mark(texts.bytes(), texts.offsets(of), bits, first);
+    mark(texts.bytes(), texts.offsets(of), bits, first,
+         [&](const part& one, textgrams::rows all) { return one.where(*known, of, all); });
 }
 
 }  // namespace shopsystem

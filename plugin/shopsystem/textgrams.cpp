@@ -1,6 +1,7 @@
 #include "plugin/shopsystem/textgrams.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace shopsystem {
 
@@ -36,12 +37,16 @@ textgrams::textgrams(const rowtexts& of) : tables_(of.rows() * bytesofrow) {
     }
 }
 
-std::uint8_t textgrams::where(std::span<const gram> all, rowtexts::kind in, std::size_t first) const {
+// From the first bit to the last, since one long look costs less than some short ones.
+textgrams::rows textgrams::where(std::span<const gram> all, rowtexts::kind in, std::size_t first) const {
     const auto begin = first * bytesofrow, places = std::min(rowsoftable * bytesofrow, tables_.size() - begin);
-    std::uint8_t holding = 0xff;
-    for (auto each = all.begin(); each != all.end() && holding != 0; ++each)
-        holding &= tables_[begin + placeof(*each, in, places)];
-    return holding;
+    unsigned there = 0xff;
+    for (auto each = all.begin(); each != all.end() && there != 0; ++each)
+        there &= tables_[begin + placeof(*each, in, places)];
+    const auto row = [&](int bit) {
+        return first + std::min(places / bytesofrow, rowsofbit * static_cast<std::size_t>(bit));
+    };
+    return {row(std::countr_zero(there)), row(static_cast<int>(std::bit_width(there)))};
 }
 
 std::vector<textgrams::gram> textgrams::of(std::string_view text) {

@@ -19,11 +19,15 @@ class textgrams {
 public:
     using gram = std::uint32_t;
     static constexpr std::size_t rowsofbit = 64, rowsoftable = 8 * rowsofbit;
+    struct rows {
+        std::size_t begin, end;
+        bool operator==(const rows&) const = default;
+    };
 
     explicit textgrams(const rowtexts& of);
-    // Bit i is clear when none of the 64 rows from first + 64 i on has them all in its text of that kind, which is not
-    // the stack. A table begins with the first row.
-    [[nodiscard]] std::uint8_t where(std::span<const gram> all, rowtexts::kind in, std::size_t first) const;
+    // Of the rows of the table that begins with `first`, those outside which no text of the kind (any but stacks) has
+    // them all; the end is not behind the beginning where there are none.
+    [[nodiscard]] rows where(std::span<const gram> all, rowtexts::kind in, std::size_t first) const;
 
     [[nodiscard]] static std::vector<gram> of(std::string_view text);
 

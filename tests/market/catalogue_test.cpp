@@ -76,8 +76,8 @@ struct World : market_tests::ShopHost {
         return of[below(of.size())];
     }
     std::string text() {
-        static const std::vector<std::string> pieces = {"apple", "app", "sword", "red ", "苹",
-                                                        "果",    "\0"s, "$",     "é",    "le"};
+        static const std::vector<std::string> pieces = {"apple", "app", "sword", "red ", "苹",   "果",
+                                                        "\0"s,   "$",   "é",     "le",   "Apple"};
         std::string made;
         for (auto n = below(4); n > 0; --n) made += any(pieces);
         return made;
@@ -306,7 +306,12 @@ struct World : market_tests::ShopHost {
         }
         fronts.clear();
         const auto now = catalogueof(Rows::type).uptodate([] { return true; });
-        for (const auto& shelf : now->all) fronts.push_back(shelf->firstkey());
+        for (const auto& shelf : now->all) {
+            fronts.push_back(shelf->firstkey());
+            const bool issearched = oneof(2);
+            for (const auto& texts : shelf->texts())
+                if (issearched) market_tests::searchoften(*texts);
+        }
         mostshelves = std::max(mostshelves, fronts.size());
         auto& [held, heldrows] = std::get<heldlist<Rows>>(holding);
         ASSERT_NO_FATAL_FAILURE(compare<Rows>(held, heldrows)) << "as it was when it was made";
