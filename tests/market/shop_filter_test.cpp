@@ -165,8 +165,8 @@ TEST(TextGrams, SayNearWhichRowsATextCanStand) {
             const auto where = [&](const char* text, rowtexts::kind in = rowtexts::name) {
                 return grams.where(textgrams::of(text), in, first);
             };
-            const auto holds = [&](const textgrams::rows& rows) { return rows.begin <= row && row < rows.end; };
-            const auto isempty = [](const textgrams::rows& rows) { return rows.begin >= rows.end; };
+            const auto holds = [&](const textgrams::rows& in) { return in.begin <= row && row < in.end; };
+            const auto isempty = [](const textgrams::rows& in) { return in.begin >= in.end; };
             const bool isthere = row / 512 == first / 512;
             const textgrams::rows near{row / 64 * 64, std::min<std::size_t>(row / 64 * 64 + 64, 1100)};
             for (const char* const text : {"Lantern", "Lan", "a Lan"}) {
