@@ -284,6 +284,11 @@ struct World : market_tests::ShopHost {
         ordomart::enablesystemshopinglobalshop = oneof(2);
         auto& list = state.*Rows::list;
         list.clear();
+        if (oneof(2)) {
+            const auto searched = catalogueof(Rows::type).uptodate([] { return true; });
+            for (const auto& shelf : searched->all)
+                for (const auto& texts : shelf->texts()) market_tests::searchoften(*texts);
+        }
 
         const bool searching = state.searchmode && what != listof::single;
         if (what == listof::every)
@@ -306,12 +311,7 @@ struct World : market_tests::ShopHost {
         }
         fronts.clear();
         const auto now = catalogueof(Rows::type).uptodate([] { return true; });
-        for (const auto& shelf : now->all) {
-            fronts.push_back(shelf->firstkey());
-            const bool issearched = oneof(2);
-            for (const auto& texts : shelf->texts())
-                if (issearched) market_tests::searchoften(*texts);
-        }
+        for (const auto& shelf : now->all) fronts.push_back(shelf->firstkey());
         mostshelves = std::max(mostshelves, fronts.size());
         auto& [held, heldrows] = std::get<heldlist<Rows>>(holding);
         ASSERT_NO_FATAL_FAILURE(compare<Rows>(held, heldrows)) << "as it was when it was made";

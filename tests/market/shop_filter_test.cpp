@@ -177,6 +177,17 @@ TEST(TextGrams, SayNearWhichRowsATextCanStand) {
             EXPECT_EQ(holds(where("La")), isthere) << "too short to tell";
             EXPECT_FALSE(isempty(where("苹", rowtexts::describe)));
         }
+        // What is nearly everywhere is no longer asked for after some thousands of rows, and found all the same.
+        const textfilter common("an apple"), rare("Lantern");
+        for (int again = 0; again < 9; ++again) {
+            std::vector<std::uint64_t> bits(18), others(18);
+            common.mark(*texts, rowtexts::name, bits, 0);
+            rare.mark(*texts, rowtexts::name, others, 0);
+            for (std::size_t i = 0; i < 1100; ++i) {
+                ASSERT_EQ(bits[i / 64] >> i % 64 & 1, i == row ? 0U : 1U) << again << ' ' << i;
+                ASSERT_EQ(others[i / 64] >> i % 64 & 1, i == row ? 1U : 0U) << again << ' ' << i;
+            }
+        }
     }
 }
 
