@@ -43,7 +43,7 @@ double load() {
 
 enum class Kind { none, known, fresh, items };
 
-std::string pathof(Kind kind, std::minstd_rand& chance) {
+std::string pathof(Kind kind, std::minstd_rand& chance, int number) {
     if (kind == Kind::known) {
         const auto& words = listgoods::thirtieth;
         return "/api/goods?sort=price&text=" + httplib::detail::encode_query_param(words[chance() % words.size()]);
@@ -53,7 +53,7 @@ std::string pathof(Kind kind, std::minstd_rand& chance) {
         return fmt::format("/api/goods?item=minecraft:{}&sort=price&page={}", items[chance() % items.size()],
                            1 + chance() % 40);
     }
-    return fmt::format("/api/goods?sort=price&text=no.%20{}", chance() % 100000);
+    return fmt::format("/api/goods?sort=price&text=no.%20{}", std::int64_t{number} * 7919 % 100000);
 }
 
 // Counts answers in a process that does nothing else, and tells them through the pipe.
@@ -71,8 +71,8 @@ long calls(int port, Kind kind, int seconds) {
                 http.set_keep_alive(true);
                 http.set_tcp_nodelay(true);
                 std::minstd_rand chance(static_cast<unsigned>(number) + 1);
-                while (Clock::now() < end) {
-                    const auto answer = http.Get(pathof(kind, chance));
+                for (int asked = number; Clock::now() < end; asked += callers) {
+                    const auto answer = http.Get(pathof(kind, chance, asked));
                     if (answer && answer->status == 200) ++counts[static_cast<std::size_t>(number)];
                 }
             });

@@ -66,7 +66,7 @@ namespace {
 template <class Row>
 void readcommon(const goodsblock& block, const goodsblock::row& row, Row& into) {
     readshop(block, into);
-    into.index = row.place;
+    into.index = static_cast<std::int32_t>(row.place);
     into.isopshop = block.shop.isopshop;
     into.allowbesearched = (row.flags & goodsblock::isprivate) == 0;
 }
@@ -100,17 +100,23 @@ void readrow(const goodsrow& of, globalrecycleshopitem& into) {
     into.filteritemnbt = (row.flags & goodsblock::bynbt) != 0;
 }
 
+namespace {
+
+constexpr unsigned flagif(bool isset, goodsblock::flag which) { return isset ? unsigned{which} : 0; }
+
+}  // namespace
+
 void blockbuilder::add(const globalsellshopitem& row) {
-    add({row.index, row.price, static_cast<std::uint8_t>(row.allowbesearched ? 0 : goodsblock::isprivate)},
-        row.shopitemleftnum, row.realprice, row.shopitemtag);
+    const auto flags = flagif(!row.allowbesearched, goodsblock::isprivate);
+    add({static_cast<std::uint32_t>(row.index), flags, row.price}, row.shopitemleftnum, row.realprice, row.shopitemtag);
     texts_.add(row.shopitemname, row.shopitemdescribe, row.itemnbt);
 }
 
 void blockbuilder::add(const globalrecycleshopitem& row) {
-    const int flags = (row.allowbesearched ? 0 : goodsblock::isprivate) |
-                      (row.filterauxordamage ? goodsblock::byauxordamage : 0) |
-                      (row.filterench ? goodsblock::byench : 0) | (row.filteritemnbt ? goodsblock::bynbt : 0);
-    add({row.index, row.nowhasrecyclenum, static_cast<std::uint8_t>(flags)}, row.recycleitemleftwanna, row.offer,
+    const auto flags = flagif(!row.allowbesearched, goodsblock::isprivate) |
+                       flagif(row.filterauxordamage, goodsblock::byauxordamage) |
+                       flagif(row.filterench, goodsblock::byench) | flagif(row.filteritemnbt, goodsblock::bynbt);
+    add({static_cast<std::uint32_t>(row.index), flags, row.nowhasrecyclenum}, row.recycleitemleftwanna, row.offer,
         row.recycleitemtag);
     texts_.add(row.recycleitemname, row.recycleitemdescribe, row.itemnbt);
 }

@@ -41,9 +41,8 @@ struct goodsblock {
         [[nodiscard]] bool holdsat(std::int64_t now) const { return since < now && now <= until; }
     };
     struct row {
-        std::int32_t place;
+        std::uint32_t place : 28, flags : 4;
         std::int32_t other;  // list price of goods; pieces taken in of a commission
-        std::uint8_t flags;
         bool operator==(const row&) const = default;
     };
 

@@ -29,6 +29,9 @@ public:
         }
     }
     void set(std::size_t i) { words_[i / 64] |= bit(i); }
+    [[nodiscard]] bool isempty() const {
+        return std::ranges::all_of(words_, [](auto word) { return word == 0; });
+    }
     [[nodiscard]] bool has(std::size_t i) const { return (words_[i / 64] & bit(i)) != 0; }
     [[nodiscard]] std::span<std::uint64_t> words() { return words_; }
     // What is marked, ascending.
@@ -55,10 +58,8 @@ private:
 };
 
 void marktexts(const shelf& on, rowtexts::kind text, const textfilter& filter, rowmarks& rows) {
-    for (std::size_t piece = 0; piece < on.texts().size(); ++piece) {
-        const auto& texts = *on.texts()[piece];
-        filter.mark(texts.bytes(), texts.offsets(text), rows.words(), on.firstoftexts(piece));
-    }
+    for (std::size_t piece = 0; piece < on.texts().size(); ++piece)
+        filter.mark(*on.texts()[piece], text, rows.words(), on.firstoftexts(piece));
 }
 
 // A filter record, read once. Fields of the shop and of the row are held against it in whichever way is meant.
@@ -104,14 +105,18 @@ public:
             marktexts(on, text, filterof(text), passing);
             rows &= passing;
         }
-        if (tag_.isset()) rows &= tagged(on);
+        if (tag_.isset()) {
+            rowmarks passing(on.size());
+            marktagged(on, passing);
+            rows &= passing;
+        }
     }
     // Marks the rows that pass in any field.
     void collect(const shelf& on, rowmarks& rows) const {
         if (asksofshops()) markshops(on, rows, &readfilter::anyof);
         for (const auto text : {rowtexts::name, rowtexts::describe})
             if (filterof(text).isset()) marktexts(on, text, filterof(text), rows);
-        if (tag_.isset()) rows |= tagged(on);
+        if (tag_.isset()) marktagged(on, rows);
     }
 
 private:
@@ -125,7 +130,7 @@ private:
                 for (auto row = on.firstof(b); row < on.firstof(b + 1); ++row) rows.set(row);
     }
 
-    [[nodiscard]] rowmarks tagged(const shelf& on) const {
+    void marktagged(const shelf& on, rowmarks& rows) const {
         std::vector<std::uint8_t> passes;  // by rank
         for (const auto& tag : on.tags()) {
             if (tag->id >= tags_.size()) tags_.resize(tag->id + 1);
@@ -133,7 +138,8 @@ private:
             if (!known) known = tag_.passes(tag->text);
             passes.push_back(*known ? 1 : 0);
         }
-        return {on.size(), [&](std::size_t row) { return passes[on.ranks()[row]]; }};
+        if (std::ranges::find(passes, 1) == passes.end()) return;
+        rows |= {on.size(), [&](std::size_t row) { return passes[on.ranks()[row]]; }};
     }
 
     textfilter ownername_, shopdesc_, name_, describe_, tag_;
@@ -182,16 +188,18 @@ public:
         return passing(on, 0, on.size());
     }
     [[nodiscard]] std::shared_ptr<const shelf::rows> passing(const shelf& on, rowno first, rowno end) const {
+        static const auto none = std::make_shared<const shelf::rows>();
+        rowmarks hits(on.size());
+        if (query_.searching) {
+            search_.collect(on, hits);
+            if (hits.isempty()) return none;
+        }
         const auto shown = on.shown();
         rowmarks marks(on.size(), [&](std::size_t row) -> std::uint8_t {
             return row >= first && row < end && (!query_.publicrows || shown[row] != 0) ? 1 : 0;
         });
+        if (query_.searching) marks &= hits;
         standing_.narrow(on, marks);
-        if (query_.searching) {
-            rowmarks hits(on.size());
-            search_.collect(on, hits);
-            marks &= hits;
-        }
         if (item_.isset()) {
             rowmarks named(on.size());
             marktexts(on, rowtexts::stack, item_, named);

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "plugin/shopsystem/textfilter.h"
+#include "plugin/shopsystem/textgrams.h"
 
 namespace shopsystem {
 
@@ -34,6 +35,16 @@ std::shared_ptr<const rowtexts> rowtexts::joined(std::span<const stretch> pieces
             at += length;
         }
     return made;
+}
+
+const textgrams* rowtexts::grams() const {
+    constexpr std::uint32_t often = 16;
+    if (searched_.load(std::memory_order_relaxed) < often) {
+        searched_.fetch_add(1, std::memory_order_relaxed);
+        return nullptr;
+    }
+    std::call_once(making_, [this] { grams_ = std::make_unique<const textgrams>(*this); });
+    return grams_.get();
 }
 
 void textbuilder::add(std::string_view name, std::string_view describe, std::string_view stack) {

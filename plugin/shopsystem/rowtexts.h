@@ -1,16 +1,21 @@
 // The texts of some rows: all names, then all descriptions, then all stacks, each kind end to end, so that a search
-// goes through them in one piece however short the shops are. Never changed, and reached from any thread.
+// goes through them in one piece however short the shops are. Never changed, and reached from any thread; with what
+// they cannot hold beside them once they are searched often.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace shopsystem {
+
+class textgrams;
 
 class rowtexts {
 public:
@@ -33,6 +38,9 @@ public:
     [[nodiscard]] std::span<const std::uint32_t> offsets(kind of) const {
         return std::span(offsets_).subspan(of * rows(), rows() + 1);
     }
+    // To be asked for by each search of names or descriptions. Null until they were searched so often that the making,
+    // which costs as much as some ten searches, is worth it: texts beside a shop that changes all the time never are.
+    [[nodiscard]] const textgrams* grams() const;
 
 private:
     friend class textbuilder;
@@ -40,6 +48,9 @@ private:
 
     std::unique_ptr<char[]> bytes_;
     std::vector<std::uint32_t> offsets_;  // of all kinds; each begins where the one before ends
+    mutable std::atomic<std::uint32_t> searched_ = 0;
+    mutable std::once_flag making_;
+    mutable std::unique_ptr<const textgrams> grams_;
 };
 
 // Puts texts together, row by row.

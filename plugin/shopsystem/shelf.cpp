@@ -7,12 +7,15 @@
 #include <unordered_map>
 #include <utility>
 
+#include "plugin/shopsystem/textgrams.h"
+
 namespace shopsystem {
 
 namespace {
 
-// Texts are joined until they are of so many rows, and then left alone until one of their shops changes.
-constexpr std::size_t rowsofjoined = 512, rowsleftalone = 256;
+// Texts are joined while they are of so many rows, for which they have one table of what they cannot hold, and left
+// alone from so many on until one of their shops changes.
+constexpr std::size_t mostjoined = textgrams::rowsoftable, rowsleftalone = mostjoined / 2;
 
 // Byte i of a file's name; -1 behind its end.
 int byteat(std::string_view key, std::size_t i) {
@@ -126,12 +129,12 @@ void shelf::jointexts(const std::vector<shop>& shops) {
         const bool iswhole = count == texts->rows() && count >= rowsleftalone;
         if (iswhole) join();
         for (; number < end; ++number) {
+            const auto& each = shops[number];
+            if (!iswhole && openrows + each.rows > mostjoined) join();
             textsof_[number] = static_cast<std::uint16_t>(texts_.size());
             if (iswhole) continue;
-            const auto& each = shops[number];
             open.push_back({each.goods.texts.get(), each.goods.firsttext, each.rows});
             openrows += each.rows;
-            if (openrows >= rowsofjoined) join();
         }
         if (iswhole) add(texts);
     }

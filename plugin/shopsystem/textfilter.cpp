@@ -141,7 +141,7 @@ std::optional<alternative> alternatives::next() {
 // Texts that are searched for every alternative before the next ones are: few enough to stay in the nearest cache.
 class textfilter::stretch {
 public:
-    static constexpr std::size_t texts = 512;
+    static constexpr std::size_t texts = textgrams::rowsoftable;
 
     stretch(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits, std::size_t first)
         : bytes_(bytes), offsets_(offsets), bits_(bits), first_(first) {}
@@ -204,7 +204,7 @@ textfilter::textfilter(const std::string& mfilter) : isset_(!mfilter.empty()) {
     alternatives filter(mfilter);
     while (const auto read = filter.next()) {
         const auto [rare, second] = rarest(read->text);
-        parts_.push_back({std::string(read->text), read->whole, rare, second});
+        parts_.push_back({std::string(read->text), read->whole, rare, second, textgrams::of(read->text)});
     }
 }
 
@@ -214,13 +214,38 @@ bool textfilter::passes(std::string_view source) const {
     });
 }
 
+// What stands nearly everywhere is looked for everywhere: to be told so, table by table, costs more than it spares.
+textgrams::rows textfilter::part::where(const textgrams& known, rowtexts::kind of, textgrams::rows among) const {
+    constexpr std::size_t enough = 16 * textgrams::rowsoftable, worthwhile = 5;
+    if (asked >= enough && spared * worthwhile < asked) return among;
+    const auto there = known.where(grams, of, among.begin);
+    asked += among.end - among.begin;
+    spared += among.end - among.begin - (there.begin < there.end ? there.end - there.begin : 0);
+    return there;
+}
+
+template <class Where>
+void textfilter::mark(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits,
+                      std::size_t first, const Where& where) const {
+    const std::size_t count = offsets.size() - 1;
+    for (std::size_t text = 0; text < count; text += stretch::texts)
+        for (const part& one : parts_) {
+            const auto [begin, end] = where(one, textgrams::rows{text, std::min(text + stretch::texts, count)});
+            if (begin < end) stretch(bytes, offsets.subspan(begin, end - begin + 1), bits, first + begin).mark(one);
+        }
+}
+
 void textfilter::mark(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits,
                       std::size_t first) const {
-    for (std::size_t text = 0; text + 1 < offsets.size(); text += stretch::texts) {
-        const std::size_t count = std::min(stretch::texts, offsets.size() - 1 - text);
-        const stretch near(bytes, offsets.subspan(text, count + 1), bits, first + text);
-        for (const part& one : parts_) near.mark(one);
-    }
+    mark(bytes, offsets, bits, first, [](const part&, textgrams::rows all) { return all; });
+}
+
+void textfilter::mark(const rowtexts& texts, rowtexts::kind of, std::span<std::uint64_t> bits,
+                      std::size_t first) const {
+    const auto* const known = of == rowtexts::stack ? nullptr : texts.grams();
+    if (known == nullptr) return mark(texts.bytes(), texts.offsets(of), bits, first);
+    mark(texts.bytes(), texts.offsets(of), bits, first,
+         [&](const part& one, textgrams::rows all) { return one.where(*known, of, all); });
 }
 
 }  // namespace shopsystem

@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+#include "plugin/shopsystem/textgrams.h"
+
 namespace shopsystem {
 
 struct alternative {
@@ -49,14 +51,25 @@ public:
     // the word n / 64; two threads that mark into one row must not share a word.
     void mark(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits,
               std::size_t first) const;
+    // The same for the texts of a kind, and without a look at what they are known not to hold. Not by two threads at
+    // once: it sees whether that spares anything.
+    void mark(const rowtexts& texts, rowtexts::kind of, std::span<std::uint64_t> bits, std::size_t first) const;
 
 private:
     struct part {
         std::string text;
         bool whole;
         std::size_t rare, second;  // where its two rarest bytes stand; one place if it is a single byte
+        std::vector<textgrams::gram> grams;
+        mutable std::size_t asked = 0, spared = 0;  // texts of which was asked what they cannot hold
+
+        [[nodiscard]] textgrams::rows where(const textgrams& known, rowtexts::kind of, textgrams::rows among) const;
     };
     class stretch;
+
+    template <class Where>
+    void mark(const char* bytes, std::span<const std::uint32_t> offsets, std::span<std::uint64_t> bits,
+              std::size_t first, const Where& where) const;
 
     std::vector<part> parts_;
     bool isset_;

@@ -12,6 +12,7 @@
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/shopfilter.h"
 #include "plugin/shopsystem/shoprows.h"
+#include "plugin/shopsystem/textfilter.h"
 #include "tests/market/shophost.h"
 
 using namespace shopsystem;
@@ -51,6 +52,7 @@ struct World : market_tests::ShopHost {
                                      "a--", "-",   "a_b", "a!",  "b",  "B",  "2535"};
     shopfilter standing, search;
     std::vector<std::string> fronts;  // where shelves begin
+    std::string written;              // the name or the description of the last good
     std::size_t compared = 0, shown = 0, longest, mostshelves = 0;
     const int crowded;  // the kind with the longest shops
 
@@ -76,14 +78,16 @@ struct World : market_tests::ShopHost {
         return of[below(of.size())];
     }
     std::string text() {
-        static const std::vector<std::string> pieces = {"apple", "app", "sword", "red ", "苹",
-                                                        "果",    "\0"s, "$",     "é",    "le"};
+        static const std::vector<std::string> pieces = {"apple", "app", "sword", "red ", "苹",   "果",
+                                                        "\0"s,   "$",   "é",     "le",   "Apple"};
         std::string made;
         for (auto n = below(4); n > 0; --n) made += any(pieces);
+        if (oneof(3)) made += "w" + std::to_string(10 + below(90));  // rare enough for rows to be skipped
         return made;
     }
     std::string tag() { return any<std::string>({"", "food", "tool", "食物", "foo", "t\0l"s, "é"}); }
-    std::string wanted(const std::string& part) {
+    std::string wanted(std::string part) {
+        if (oneof(3) && !written.empty()) part = written.substr(below(written.size()));
         return part + any<std::string>({"", "", "$", "{||}", "{||}sword", "${||}苹果$", "{||}果"});
     }
 
@@ -91,13 +95,14 @@ struct World : market_tests::ShopHost {
         const bool searchable = !oneof(9);
         const int left = any<int>({-1, 0, 1, 1, 2, 5, 64}), price = static_cast<int>(below(oneof(2) ? 5 : 1000));
         if (oneof(50)) return {{"price", 3.7}, {"offer", "broken"}};
+        const auto name = text(), about = text();
+        written = oneof(2) ? name : about;
         if (kind == sell)
-            return {{"shopitemtag", tag()},         {"shopitemname", text()},
-                    {"shopitemdescribe", text()},   {"itemnbt", text()},
-                    {"shopitemleftnum", left},      {"price", price},
-                    {"allowbesearched", searchable}};
-        return {{"recycleitemtag", tag()},       {"recycleitemname", text()},
-                {"recycleitemdescribe", text()}, {"itemnbt", text()},
+            return {
+                {"shopitemtag", tag()},    {"shopitemname", name}, {"shopitemdescribe", about},    {"itemnbt", text()},
+                {"shopitemleftnum", left}, {"price", price},       {"allowbesearched", searchable}};
+        return {{"recycleitemtag", tag()},       {"recycleitemname", name},
+                {"recycleitemdescribe", about},  {"itemnbt", text()},
                 {"recycleitemleftwanna", left},  {"offer", price},
                 {"nowhasrecyclenum", below(3)},  {"allowbesearched", searchable},
                 {"filterauxordamage", oneof(2)}, {"filterench", oneof(2)},
@@ -284,6 +289,9 @@ struct World : market_tests::ShopHost {
         ordomart::enablesystemshopinglobalshop = oneof(2);
         auto& list = state.*Rows::list;
         list.clear();
+        if (oneof(2)) {
+            ASSERT_NO_FATAL_FAILURE(searchtexts(*catalogueof(Rows::type).uptodate([] { return true; })));
+        }
 
         const bool searching = state.searchmode && what != listof::single;
         if (what == listof::every)
@@ -315,6 +323,26 @@ struct World : market_tests::ShopHost {
         if (list.order() != asread) sortplain<Rows>(heldrows, list.order());
         if (oneof(4)) {
             ASSERT_NO_FATAL_FAILURE(lookatshops<Rows>(viewer));
+        }
+    }
+    // Searched so often that rows are skipped which cannot hold the text.
+    void searchtexts(const shelves& among) {
+        for (const auto& on : among.all) {
+            for (const auto& texts : on->texts()) market_tests::searchoften(*texts);
+            for (int n = 0; n < 6; ++n) {
+                const auto kind = oneof(2) ? rowtexts::name : rowtexts::describe;
+                const auto filter = wanted(text());
+                const textfilter read(filter);
+                std::vector<std::uint64_t> bits(on->size() / 64 + 1);
+                for (std::size_t piece = 0; piece < on->texts().size(); ++piece)
+                    read.mark(*on->texts()[piece], kind, bits, on->firstoftexts(piece));
+                for (shelf::rowno row = 0; read.isset() && row < on->size(); ++row) {
+                    const auto at = on->at(row);
+                    const auto source = at.texts.at(kind, at.text);
+                    ASSERT_EQ((bits[row / 64] >> row % 64 & 1) != 0, filterstring(filter, std::string(source)))
+                        << filter << " : " << source << " of " << at.block.shop.xuid;
+                }
+            }
         }
     }
     template <class Rows>

@@ -7,6 +7,7 @@
 #include "plugin/shopsystem/runtimeshopmanager.h"
 #include "plugin/shopsystem/shopfilter.h"
 #include "plugin/shopsystem/textfilter.h"
+#include "plugin/shopsystem/textgrams.h"
 #include "tests/market/shophost.h"
 
 using namespace shopsystem;
@@ -86,7 +87,8 @@ TEST(TextFilter, SaysWhatTheDefinitionSays_OneByOneAndManyAtOnce) {
     std::size_t hits = 0, misses = 0;
     for (int round = 0; round < 100'000; ++round) {
         const std::string filter = write(9);
-        std::vector<std::string> texts(round % 1000 == 0 ? 1100 + below(100) : below(9));
+        const bool ismany = round % 400 == 0;
+        std::vector<std::string> texts(ismany ? 1000 + below(200) : below(9));
         std::string bytes = write(3);
         std::vector<std::uint32_t> offsets{static_cast<std::uint32_t>(bytes.size())};
         for (auto& text : texts) {
@@ -101,12 +103,19 @@ TEST(TextFilter, SaysWhatTheDefinitionSays_OneByOneAndManyAtOnce) {
         for (std::size_t i = 0; i < textfilter::slack; ++i)
             store.push_back(filter.empty() ? 'a' : filter[i % filter.size()]);
 
+        const auto kind = below(2) == 0 ? rowtexts::name : rowtexts::describe;
+        textbuilder rows;
+        for (const auto& text : texts)
+            kind == rowtexts::name ? rows.add(text, filter, filter) : rows.add(filter, text, filter);
+        const auto piece = rows.finish();
+        if (below(2) == 0) market_tests::searchoften(*piece);
+
         const textfilter read(filter);
         ASSERT_EQ(read.isset(), !filter.empty());
         const std::size_t first = below(130);
         std::vector<std::uint64_t> marked((first + texts.size()) / 64 + 2);
         for (auto& word : marked) word = random() & random();
-        auto expected = marked;
+        auto expected = marked, skipping = marked;
         for (std::size_t i = 0; i < texts.size(); ++i) {
             const bool wanted = bydefinition(filter, texts[i]);
             ++(wanted ? hits : misses);
@@ -116,6 +125,8 @@ TEST(TextFilter, SaysWhatTheDefinitionSays_OneByOneAndManyAtOnce) {
         }
         read.mark(store.data(), offsets, marked, first);
         ASSERT_EQ(marked, expected) << filter << " : " << bytes << " (round " << round << ")";
+        read.mark(*piece, kind, skipping, first);
+        ASSERT_EQ(skipping, expected) << filter << " : " << bytes << " (round " << round << ")";
     }
     EXPECT_GT(hits, 100'000u);
     EXPECT_GT(misses, 100'000u);
@@ -136,6 +147,45 @@ TEST(TextFilter, FindsAMatchAtEveryPlaceAndNoneAcrossABorder) {
                 std::uint64_t bits = 0;
                 read.mark(store.data(), offsets, {&bits, 1}, 0);
                 ASSERT_EQ(bits, (cut == match.size() ? 1u : 0u) | (cut == 0 ? 2u : 0u)) << match << place << ' ' << cut;
+            }
+        }
+    }
+}
+
+// A text in one of 1,100 rows has to be looked for near that row alone, once the texts are searched often.
+TEST(TextGrams, SayNearWhichRowsATextCanStand) {
+    for (const std::size_t row : {0U, 63U, 64U, 511U, 512U, 1023U, 1099U}) {
+        textbuilder rows;
+        for (std::size_t i = 0; i < 1100; ++i) rows.add(i == row ? "a Lantern" : "an apple", "苹果", "");
+        const auto texts = rows.finish();
+        EXPECT_EQ(texts->grams(), nullptr) << "nothing is made for the first search";
+        market_tests::searchoften(*texts);
+        const auto& grams = *texts->grams();
+        for (const std::size_t first : {0U, 512U, 1024U}) {
+            const auto where = [&](const char* text, rowtexts::kind in = rowtexts::name) {
+                return grams.where(textgrams::of(text), in, first);
+            };
+            const auto holds = [&](const textgrams::rows& in) { return in.begin <= row && row < in.end; };
+            const auto isempty = [](const textgrams::rows& in) { return in.begin >= in.end; };
+            const bool isthere = row / 512 == first / 512;
+            const textgrams::rows near{row / 64 * 64, std::min<std::size_t>(row / 64 * 64 + 64, 1100)};
+            for (const char* const text : {"Lantern", "Lan", "a Lan"}) {
+                EXPECT_TRUE(isthere ? where(text) == near : isempty(where(text))) << text << row << ' ' << first;
+                EXPECT_TRUE(isempty(where(text, rowtexts::describe))) << text;
+            }
+            EXPECT_TRUE(isempty(where("lantern"))) << "case and all";
+            EXPECT_EQ(holds(where("La")), isthere) << "too short to tell";
+            EXPECT_FALSE(isempty(where("苹", rowtexts::describe)));
+        }
+        // What is nearly everywhere is no longer asked for after some thousands of rows, and found all the same.
+        const textfilter common("an apple"), rare("Lantern");
+        for (int again = 0; again < 9; ++again) {
+            std::vector<std::uint64_t> bits(18), others(18);
+            common.mark(*texts, rowtexts::name, bits, 0);
+            rare.mark(*texts, rowtexts::name, others, 0);
+            for (std::size_t i = 0; i < 1100; ++i) {
+                ASSERT_EQ(bits[i / 64] >> i % 64 & 1, i == row ? 0U : 1U) << again << ' ' << i;
+                ASSERT_EQ(others[i / 64] >> i % 64 & 1, i == row ? 1U : 0U) << again << ' ' << i;
             }
         }
     }
