@@ -144,86 +144,64 @@ TEST(Handover, ARandomMarketComesOutAsItWentIn) {
 
 namespace {
 
-// The lines of a small market by hand, in which every kind stands: 0 market, 1 shop, 2 good, 3 discount, 4 opening,
-// 5 recycle shop, 6 commission, 7 opening, 8 item, 9 item, and entries and sums behind them.
-Lines smallmarket(int purchases) {
-    using namespace ledger;
-    // Texts of items, without a server.
-    platform::Host services;
-    services.items = &host::itemtable();
-    platform::installhost(&services);
-    const auto apple = stage::snbt("apple"), stone = stage::snbt("stone");
-    const auto line = [](const char* kind, json value) { return json{{kind, std::move(value)}}.dump(); };
-    auto file = stage::shopfileof(ada, {good("apple", 10, 5)}, {commission("stone", 3, 8)});
-    auto& sells = file["sell"];
-    auto& recycles = file["recycles"];
-    sells["sellcount"] = purchases;
-    sells["salesvolume"] = purchases * 10;
-    const auto head = [&](shopsystem::shoptype section, json about, std::int64_t discounts) {
-        handover::shopline of{ada,       section,         0, static_cast<std::uint64_t>(purchases) + 2, 1,
-                              discounts, std::move(about)};
-        for (const char* key : {"items", "recycleitems", "shopdiscount"}) of.about.erase(key);
-        return line("shop", handover::written(of));
-    };
-    const auto books = [](std::string tag, std::int64_t left, std::int64_t offer) {
-        return handover::written(shopbooks{1, 0, 0, {{hashof(tag), left, 0, offer}}});
-    };
-    Lines lines{line("market", {{"format", "ordomart-market"}, {"version", 1}, {"money", "LLMoney"}})};
-    lines.push_back(head(shopsystem::sell, sells, 1));
-    lines.push_back(line("good", sells["items"][0]));
-    lines.push_back(line("discount", {{"shopitemtag", "t"}, {"discount", "%50"}, {"timeend", 99}}));
-    lines.push_back(line("opening", books(apple, 5 + purchases, 0)));
-    lines.push_back(head(shopsystem::recycle, recycles, -1));
-    lines.push_back(line("commission", {{"record", recycles["recycleitems"][0]}, {"deposit", 24}}));
-    lines.push_back(line("opening", books(stone, 8, 3)));
-    for (const auto& text : {apple, stone})
-        lines.push_back(line("item", {{"tag", handover::hexof(hashof(text))}, {"nbt", text}}));
-    const auto today = host::ServerOptions().manualclock / 86400000;
-    daysum goods, shops;
-    for (int i = 1; i <= purchases + 1; ++i) {
-        entry one{
-            .number = static_cast<std::uint64_t>(i), .time = today * 86400, .shop = ada, .actor = bob, .pieces = 1};
-        one.tag = hashof(apple);
-        one.price = one.paid = 10;
-        one.count = i;
-        one.volume = 10 * i;
-        one.before = rowstate{one.tag, 6 + purchases - i};
-        one.after = rowstate{one.tag, 5 + purchases - i};
-        if (i == purchases + 1) {  // the last one is undone, and the stock stands
-            one.what = kind::undopurchase;
-            one.count = purchases - 1;
-            one.volume = 10 * one.count;
-            one.before = rowstate{one.tag, 5};
-            one.after = rowstate{one.tag, 6};
-            one.undoes = static_cast<std::uint64_t>(purchases);
-            one.undoneby = bob;
-        }
-        lines.push_back(line("entry", handover::written(one)));
+// A market without a server, in which one good is bought and taken back, and which is written down.
+struct Writing : market_tests::ShopHost {
+    Writing() {
+        services.items = &host::itemtable();
+        clock.seconds = host::ServerOptions().manualclock / 1000;
+        ledger::start();
     }
-    const auto trades = purchases - 1;
-    goods = {trades, trades, 10 * trades, 0, {}};
-    goods.at.add(10, trades);
-    shops = {trades, trades, 10 * trades, 0, {}};
-    lines.push_back(line("day", handover::written(handover::sumline{sumof::goods, today, "minecraft:apple:0", goods})));
-    lines.push_back(line("day", handover::written(handover::sumline{sumof::shop, today, ada + ".sell", shops})));
-    // Behind the undo.
-    auto shop = json::parse(lines[1]);
-    shop["shop"]["about"]["sellcount"] = trades;
-    shop["shop"]["about"]["salesvolume"] = 10 * trades;
-    lines[1] = shop.dump();
-    auto stock = json::parse(lines[2]);
-    stock["good"]["shopitemleftnum"] = 6;
-    lines[2] = stock.dump();
-    lines.push_back(line("end", {{"lines",
-                                  {{"shop", 2},
-                                   {"good", 1},
-                                   {"discount", 1},
-                                   {"commission", 1},
-                                   {"opening", 2},
-                                   {"item", 2},
-                                   {"entry", purchases + 1},
-                                   {"day", 2}}}}));
-    platform::installhost(nullptr);
+    // Behind its pass.
+    std::uint64_t trades(const std::string& id, std::int64_t pieces, const ledger::entry* undoes = nullptr) {
+        auto& shop = market_tests::sells(id);
+        auto row = shop.getshopitem(0);
+        const auto before = ledger::stateof(row);
+        const auto sign = undoes != nullptr ? 1 : -1;
+        row.shopitemleftnum += static_cast<std::int32_t>(sign * pieces);
+        shopsystem::tojson(row, shop.items[0]);
+        shopsystem::countup(shop.sellcount, -sign * pieces);
+        shopsystem::countup(shop.salesvolume, -sign * pieces * row.price);
+        shop.markshopchanged();
+        const auto number =
+            ledger::write(shop, {.what = undoes != nullptr ? ledger::kind::undopurchase : ledger::kind::purchase,
+                                 .actor = bob,
+                                 .itemnbt = row.itemnbt,
+                                 .pieces = pieces,
+                                 .price = row.price,
+                                 .paid = pieces * row.price,
+                                 .before = before,
+                                 .after = ledger::stateof(row),
+                                 .undoes = undoes,
+                                 .undoneby = undoes != nullptr ? bob : ""});
+        records.endpass();
+        return number;
+    }
+    const std::string& writes(
+        const std::string& name, const std::function<bool()>& goeson = [] { return true; }) {
+        const auto path = handover::pathof(name);
+        handover::exportmarket(path, goeson, [](const auto&) {});
+        return disk.contents.at(path);
+    }
+};
+
+// A small market in which every kind of line stands: 0 market, 1 shop, 2 good, 3 discount, 4 opening, 5 recycle shop,
+// 6 commission, 7 opening, 8 item, from 9 on entries, of which the last undoes the one before, two sums and the end.
+Lines smallmarket(int purchases) {
+    Writing market;
+    market.disk.contents[Writing::path(ada)] =
+        stage::shopfileof(ada, good("apple", 10, 5 + purchases), commission("stone", 3, 8),
+                          {{"shopdiscount", {{{"shopitemtag", "t"}, {"discount", "%50"}, {"timeend", 99}}}}})
+            .dump();
+    ledger::openanew(market_tests::buys(ada));
+    market.records.endpass();
+    std::uint64_t last = 0;
+    for (int i = 0; i < purchases; ++i) last = market.trades(ada, 1);
+    const auto undone = ledger::find(last).value();
+    market.trades(ada, 1, &undone);
+    auto lines = linesof(market.writes("small"));
+    auto end = json::parse(lines.back());
+    end["end"].erase("sum");  // so that it can be changed
+    lines.back() = end.dump();
     return lines;
 }
 
@@ -254,13 +232,13 @@ TEST(Handover, WhatIsWrongInAFileIsNamedAndNothingTakenIn) {
         std::string told;
     } faults[] = {
         {"empty", [](Lines& l) { l.clear(); }, "line 1: the file ends here"},
-        {"truncated", [](Lines& l) { l.pop_back(); }, "line 16: the file ends here, and its last line is missing"},
-        {"a torn line", [](Lines& l) { l[13].resize(20); }, "line 14: the line is no JSON"},
-        {"a line twice", [](Lines& l) { l.insert(l.begin() + 11, l[10]); },
-         "line 12: key \"entry.number\": 1 stands behind 1"},
-        {"an entry lost", [](Lines& l) { l.erase(l.begin() + 11); },
-         "line 12: 2535400000000001.sell, entry 3: counter 2"},
-        {"a sum lost", [](Lines& l) { l.erase(l.begin() + 14); }, "line 16: key \"end.lines\""},
+        {"truncated", [](Lines& l) { l.pop_back(); }, "line 15: the file ends here, and its last line is missing"},
+        {"a torn line", [](Lines& l) { l[12].resize(20); }, "line 13: the line is no JSON"},
+        {"a line twice", [](Lines& l) { l.insert(l.begin() + 10, l[9]); },
+         "line 11: key \"entry.number\": 1 stands behind 1"},
+        {"an entry lost", [](Lines& l) { l.erase(l.begin() + 10); },
+         "line 11: 2535400000000001.sell, entry 3: counter 2"},
+        {"a sum lost", [](Lines& l) { l.erase(l.begin() + 13); }, "line 15: key \"end.lines\""},
         {"a good lost", [](Lines& l) { l.erase(l.begin() + 2); }, "line 3: key \"discount\": cannot stand before"},
         {"a discount lost", [](Lines& l) { l.erase(l.begin() + 3); },
          "line 4: the shop 2535400000000001.sell lacks 0 goods"},
@@ -269,8 +247,8 @@ TEST(Handover, WhatIsWrongInAFileIsNamedAndNothingTakenIn) {
              l.insert(l.begin() + 5, {l[1], l[2], l[3]});
          },
          "line 6: key \"shop.owner\": the shop 2535400000000001.sell is there twice"},
-        {"something behind the end", [](Lines& l) { l.push_back(l.back()); }, "line 18: \"end\" cannot stand here"},
-        {"an order", [](Lines& l) { std::swap(l[10], l[14]); }, "\"entry\" cannot stand here"},
+        {"something behind the end", [](Lines& l) { l.push_back(l.back()); }, "line 17: \"end\" cannot stand here"},
+        {"an order", [](Lines& l) { std::swap(l[9], l[13]); }, "\"entry\" cannot stand here"},
         {"format", sets(0, "/market/format", "other"), "line 1: key \"market.format\": is another"},
         {"version", sets(0, "/market/version", 2), "line 1: key \"market.version\": 2 is not 1"},
         {"kind", [](Lines& l) { l[2] = "{\"gold\":{}}"; }, "line 3: \"gold\" is no kind of line"},
@@ -299,17 +277,17 @@ TEST(Handover, WhatIsWrongInAFileIsNamedAndNothingTakenIn) {
          "line 6: 2535400000000001.recycles, no entry: commission 9 wanted"},
         {"opening's key", sets(7, "/opening/gold", 9), "line 8: key \"opening.gold\": is no key of this line"},
         {"tag", sets(8, "/item/nbt", "{}"), "line 9: key \"item.tag\": is not that of the text"},
-        {"tag gone", [](Lines& l) { l.erase(l.begin() + 8); }, "line 10: key \"entry.tag\": is no item above"},
-        {"shop of an entry", sets(10, "/entry/shop", "77"), "line 11: key \"entry.shop\": 77 has no such shop"},
-        {"what", sets(10, "/entry/what", "theft"), "line 11: key \"entry.what\": is unknown: \"theft\""},
-        {"volume", sets(11, "/entry/volume", 21),
-         "line 12: 2535400000000001.sell, entry 2: volume 20 in the ledger, 21"},
-        {"before", sets(11, "/entry/before/left", 9), "line 12: 2535400000000001.sell, entry 2: stock 7"},
-        {"undoes", sets(13, "/entry/undoes", 4), "line 14: key \"entry.undoes\": is no entry above"},
-        {"day", sets(14, "/day/prices", json{{10, 1}, {10, 1}}), "line 15: key \"day.prices\": must rise"},
-        {"days", [](Lines& l) { std::swap(l[14], l[15]); },
-         "line 16: key \"day.of\": is there twice, or not in its order"},
-        {"sum", sets(16, "/end/sum", "0000000000000000"), "line 17: key \"end.sum\": does not fit"},
+        {"tag gone", [](Lines& l) { l.erase(l.begin() + 8); }, "line 9: key \"entry.tag\": is no item above"},
+        {"shop of an entry", sets(9, "/entry/shop", "77"), "line 10: key \"entry.shop\": 77 has no such shop"},
+        {"what", sets(9, "/entry/what", "theft"), "line 10: key \"entry.what\": is unknown: \"theft\""},
+        {"volume", sets(10, "/entry/volume", 21),
+         "line 11: 2535400000000001.sell, entry 2: volume 20 in the ledger, 21"},
+        {"before", sets(10, "/entry/before/left", 9), "line 11: 2535400000000001.sell, entry 2: stock 7"},
+        {"undoes", sets(12, "/entry/undoes", 4), "line 13: key \"entry.undoes\": is no entry above"},
+        {"day", sets(13, "/day/prices", json{{10, 1}, {10, 1}}), "line 14: key \"day.prices\": must rise"},
+        {"days", [](Lines& l) { std::swap(l[13], l[14]); },
+         "line 15: key \"day.of\": is there twice, or not in its order"},
+        {"sum", sets(15, "/end/sum", "0000000000000000"), "line 16: key \"end.sum\": does not fit"},
     };
     Target target(textof(whole));
     for (const auto& fault : faults) {
@@ -436,70 +414,42 @@ struct addedup : handover::linetaker {
 }  // namespace
 
 TEST(Handover, WhatIsTradedWhileItIsWrittenFits) {
-    using namespace market_tests;
-    ShopHost host;
-    const auto apple = stage::snbt("apple");
-    for (const char* id : {"1", "2", "3"}) host.put(id, {{"items", {good("apple", 7, 100000)}}});
-    ledger::start();
+    Writing market;
+    for (const char* id : {"1", "2", "3"}) market.put(id, {{"items", {good("apple", 7, 100000)}}});
     std::mt19937 random(3);
     std::vector<ledger::entry> open;
     const auto trades = [&] {
         const std::string id(1, static_cast<char>('1' + random() % 3));
-        auto& shop = sells(id);
-        const bool undoes = !open.empty() && random() % 3 == 0;
-        const auto trade = undoes ? open[random() % open.size()] : ledger::entry();
-        auto& of = undoes ? sells(trade.shop) : shop;
-        const auto sign = undoes ? 1 : -1;
-        const std::int64_t pieces = undoes ? trade.pieces : 1 + random() % 5;
-        auto row = of.getshopitem(0);
-        ledger::happening what{.what = undoes ? ledger::kind::undopurchase : ledger::kind::purchase, .actor = "9"};
-        what.itemnbt = apple;
-        what.pieces = pieces;
-        what.price = 7;
-        what.paid = 7 * pieces;
-        what.before = ledger::stateof(row);
-        row.shopitemleftnum += static_cast<std::int32_t>(sign * pieces);
-        what.after = ledger::stateof(row);
-        shopsystem::tojson(row, of.items[0]);
-        shopsystem::countup(of.sellcount, -sign * pieces);
-        shopsystem::countup(of.salesvolume, -sign * pieces * 7);
-        if (undoes) what.undoes = &trade;
-        of.markshopchanged();
-        const auto number = ledger::write(of, what);
-        host.records.endpass();
-        if (undoes)
-            std::erase_if(open, [&](const auto& each) { return each.number == trade.number; });
-        else
-            open.push_back(ledger::find(number).value());
+        if (open.empty() || random() % 3 != 0) {
+            open.push_back(ledger::find(market.trades(id, 1 + random() % 5)).value());
+        } else {
+            const auto place = open.begin() + static_cast<std::ptrdiff_t>(random() % open.size());
+            market.trades(place->shop, place->pieces, &*place);
+            open.erase(place);
+        }
     };
     for (int i = 0; i < 500; ++i) {
         trades();
-        host.clock.seconds += 600;
+        market.clock.seconds += 600;
     }
     // Taken in just now, and its file is not there yet.
     shopsystem::putsection("5", shopsystem::sell, {{"items", {good("apple", 7, 1)}}});
-    host.records.endpass();
-    const auto path = handover::pathof("busy");
+    market.records.endpass();
     int asked = 0;
-    handover::exportmarket(
-        path, [&] { return trades(), trades(), ++asked; }, [](const auto&) {});
+    market.writes("busy", [&] { return trades(), trades(), ++asked; });
     EXPECT_GT(asked, 8);
+    const auto path = handover::pathof("busy");
     EXPECT_EQ(handover::checkfile(path, [] { return true; }).counts.at("shop"), 8) << "shops and entries fit";
     addedup file;
     for (handover::filewalk walk(path, file); walk.step();) {
     }
     EXPECT_EQ(file.ofdays, file.ofentries);
     EXPECT_LT(file.entries.size(), ledger::nextnumber() - 1) << "something was left out";
-    EXPECT_THAT(fault([&] {
-                    handover::exportmarket(
-                        handover::pathof("ends"), [] { return false; }, [](const auto&) {});
-                }),
-                HasSubstr("the server stops"));
-    EXPECT_FALSE(host.disk.contents.contains(handover::pathof("ends")));
-    host.put("4", {{"items", {{{"price", "x"}}}}});
-    EXPECT_THAT(fault([&] {
-                    handover::exportmarket(
-                        handover::pathof("broken"), [] { return true; }, [](const auto&) {});
-                }),
-                HasSubstr("data/4.json: sell.items[0].price: must be a whole number"));
+    const auto fault = [&](const char* name, bool goeson) {
+        return market_tests::fault([&] { market.writes(name, [goeson] { return goeson; }); });
+    };
+    EXPECT_THAT(fault("ends", false), HasSubstr("the server stops"));
+    EXPECT_FALSE(market.disk.contents.contains(handover::pathof("ends")));
+    market.put("4", {{"items", {{{"price", "x"}}}}});
+    EXPECT_THAT(fault("broken", true), HasSubstr("data/4.json: sell.items[0].price: must be a whole number"));
 }
