@@ -20,8 +20,16 @@ using market_tests::json;
 
 namespace {
 
-// A file that did not change is not told of, so that nothing is found by looking at everything again.
+// A file that did not change is not told of, so that nothing is found by looking at everything again; or else each time
+// all may have changed, and whatever has gone is found by looking alone.
 struct StampedFiles : market_tests::ListedFiles {
+    struct Lost : platform::DirectoryWatch {
+        Changes take() override { return {.all = true}; }
+    };
+    bool islost = false;
+    std::unique_ptr<platform::DirectoryWatch> watch(const std::string&) override {
+        return islost ? std::make_unique<Lost>() : nullptr;
+    }
     std::optional<platform::FileStamp> stamp(const std::string& path) const override {
         const auto found = contents.find(path);
         if (found == contents.end()) return std::nullopt;
@@ -57,6 +65,7 @@ struct World : market_tests::ShopHost {
     World(unsigned seed, std::size_t shops, std::size_t rows)
         : random(seed), longest(rows), crowded(static_cast<int>(seed % 2)) {
         services.files = &store;
+        store.islost = seed % 4 == 3;
         store.directories = disk.directories;
         store.contents[ordomart::paths::data + "readme.txt"] = "no shop";
         for (std::size_t i = keys.size(); i < shops; ++i) keys.push_back("k" + std::to_string(below(1000)));
@@ -90,7 +99,6 @@ struct World : market_tests::ShopHost {
     json good(int kind) {
         const bool searchable = !oneof(9);
         const int left = any<int>({-1, 0, 1, 1, 2, 5, 64}), price = static_cast<int>(below(oneof(2) ? 5 : 1000));
-        if (oneof(50)) return {{"price", 3.7}, {"offer", "broken"}};
         if (kind == sell)
             return {{"shopitemtag", tag()},         {"shopitemname", text()},
                     {"shopitemdescribe", text()},   {"itemnbt", text()},
@@ -103,12 +111,17 @@ struct World : market_tests::ShopHost {
                 {"filterauxordamage", oneof(2)}, {"filterench", oneof(2)},
                 {"filteritemnbt", oneof(2)}};
     }
+    // Beyond 32 bits.
+    static json large(json row) {
+        row["price"] = row["offer"] = (std::int64_t{1} << 32) + 5;
+        return row;
+    }
     std::int64_t soon() { return clock.seconds + static_cast<std::int64_t>(below(5)); }
     json discounts() {
         json all = json::array();
         for (auto n = below(4); n > 0; --n)
             all.push_back({{"shopitemtag", tag()},
-                           {"discount", any<std::string>({"%50", "-3", "%99", ""})},
+                           {"discount", oneof(20) ? "" : any<std::string>({"%50", "-3", "%99"})},
                            {"timeend", soon()}});
         return all;
     }
@@ -116,36 +129,52 @@ struct World : market_tests::ShopHost {
         json rows = json::array();
         const auto most = kind == crowded ? longest : longest / 8;
         for (auto n = oneof(6) ? 0 : below(most + 1); n > 0; --n) rows.push_back(good(kind));
-        json made = {
-            {"ownername", text()},         {"describe", text()},
-            {"shopname", text()},          {"isopshop", oneof(4)},
-            {"shopdiscount", discounts()}, {"sellcount", below(4)},
-            {"salesvolume", below(4)},     {"recycleamount", below(4)},
-            {"recyclecost", below(4)},     {kind == sell ? "items" : "recycleitems", oneof(20) ? json() : rows}};
+        if (oneof(6)) rows.push_back(oneof(2) ? json{{"price", 3.7}, {"offer", 3.7}} : large(good(kind)));
+        json made = {{"ownername", text()},     {"describe", text()},          {"shopname", text()},
+                     {"isopshop", oneof(4)},    {"shopdiscount", discounts()}, {"sellcount", below(4)},
+                     {"salesvolume", below(4)}, {"recycleamount", below(4)},   {"recyclecost", below(4)}};
+        if (!oneof(20)) made[kind == sell ? "items" : "recycleitems"] = oneof(20) ? json() : rows;
         if (oneof(4))
             made["shopstate"] = {{"isbaned", true}, {"bantimeend", oneof(2) ? -1 : soon()}, {"banreason", "r"}};
         return made;
     }
     void writefile(const std::string& key) {
-        store.contents[path(key)] = json({{"sell", section(sell)}, {"recycles", section(recycle)}}).dump();
+        auto& text = store.contents[path(key)];
+        const auto doubled = [&](const std::string& name, const std::string& value) {
+            if (const auto at = text.find(name + ":"); oneof(6) && at != text.npos)
+                text.insert(at, name + ":" + value + ",");
+        };
+        // At times but one thing in it is another.
+        const auto part = any<std::string>(
+            {R"("price":)", R"("offer":)", R"("shopitemdescribe":")", R"("shopitemtag":")", R"("recycleitemtag":")"});
+        if (const auto at = text.rfind(part); oneof(2) && at != text.npos) {
+            text.insert(at + part.size(), "1");
+        } else {
+            text = json({{"sell", section(sell)}, {"recycles", section(recycle)}}).dump();
+            doubled("\"sell\"", section(sell).dump());
+            doubled("\"offer\"", "2");
+        }
     }
 
     void change() {
         const auto key = fronts.size() < 2 || oneof(3) ? any(keys) : fronts.back();
-        const int kind = static_cast<int>(below(2)), what = static_cast<int>(below(12));
-        if (what == 0) {
+        const int kind = static_cast<int>(below(2)), what = static_cast<int>(below(15)) - 2;
+        if (what <= 0) {
             clock.seconds += static_cast<std::int64_t>(below(5)) - 1;
             // Whoever sees that a ban is over takes it off, and no list need know that it held a second ago.
             for (const auto& each : keys)
                 for (const int of : {sell, recycle})
                     if (auto* shop = globalruntimeshopmanager.cached(each, of))
-                        if (!shop->isbanned()) catalogueof(of).changed(each);
+                        if (shop->isbaned && !shop->isbanned()) catalogueof(of).changed(each);
         } else if (what == 1) {
             if (oneof(2)) ticks(2);
+            if (oneof(3)) store.behindtheread = [] { throw std::runtime_error("the disk has gone"); };
             (void)catalogueof(kind).uptodate([this] { return !oneof(3); }, oneof(3) ? key : ""s);
+            store.behindtheread = nullptr;
         } else if (what == 2) {
             forget();
         } else if (what == 3) {
+            if (oneof(2)) forget();
             oneof(3) ? (void)store.contents.erase(path(key)) : writefile(key);
             if (oneof(9)) store.contents[path(key)] = "{";
         } else if (market_tests::fault([&] { changeshop(globalruntimeshopmanager.getshop(key, kind), what); }) ==
@@ -156,9 +185,11 @@ struct World : market_tests::ShopHost {
     // Not the ones that the ticks before have seen asked for.
     void forget() {
         ticks(2);
-        for (auto n = below(keys.size()); n > 0; --n)
-            if (auto* shop = globalruntimeshopmanager.cached(any(keys), static_cast<int>(below(2))))
-                shop->idleticks = maxidleticks + 1;
+        const bool all = oneof(2);
+        for (const auto& key : keys)
+            for (const int kind : {sell, recycle})
+                if (auto* shop = globalruntimeshopmanager.cached(key, kind); shop != nullptr && (all || oneof(3)))
+                    shop->idleticks = maxidleticks + 1;
         ticks(4);
     }
     void changeshop(baseshop& shop, int what) {
@@ -211,6 +242,7 @@ struct World : market_tests::ShopHost {
         std::int64_t now = -1;
     };
     std::tuple<std::map<std::string, readrows<sellrows>>, std::map<std::string, readrows<recyclerows>>> known;
+    std::map<std::tuple<int, std::string, std::uint32_t>, json> atrevision;  // what a form of it may have shown
     // Row by row, until something changes: a revision never comes back, and prices hold for a second.
     template <class Rows>
     const std::vector<typename Rows::row>& rowsof(const std::string& key) {
@@ -219,6 +251,7 @@ struct World : market_tests::ShopHost {
         if (here.now == clock.seconds && here.revision == shop.revision) return here.rows;
         here = {{}, shop.revision, clock.seconds};
         const json& goods = shop.*Rows::records;
+        EXPECT_EQ(atrevision.try_emplace({Rows::type, key, shop.revision}, goods).first->second, goods) << key;
         for (int i = 0; goods.is_array() && i < static_cast<int>(goods.size()); ++i)
             (void)market_tests::fault([&] { here.rows.push_back(Rows::at(shop, i)); });
         return here.rows;
