@@ -8,6 +8,7 @@
 #include <set>
 
 #include "host/board/answercache.h"
+#include "host/core/views.h"
 #include "tests/stage/stage.h"
 
 using namespace stage;
@@ -110,10 +111,10 @@ TEST_F(BoardTest, ListsAreThoseOfTheGame) {
     std::string text = "Coal%201";
     for (const char* more : {"Coal%202", "Coal%203", "Coal%204", "Coal%205", "Coal%206", "x", "y"})
         text += std::string("%7B%7C%7C%7D") + more;
-    const auto just = ask("/api/goods?text=" + text);
+    json just = ask("/api/goods?text=" + text);
     EXPECT_EQ(just["count"], 26);
     EXPECT_FALSE(just.contains("next"));
-    const auto cheaper = ask("/api/goods?text=diamond")["rows"][0];
+    json cheaper = ask("/api/goods?text=diamond")["rows"][0];
     EXPECT_EQ(cheaper["price"], 450);
     EXPECT_EQ(cheaper["before"], 900);
     const auto row = ask("/api/goods?text=apple")["rows"][0];
@@ -164,6 +165,61 @@ TEST_F(BoardTest, ShowsNothingPrivateAndNobodysKey) {
     EXPECT_EQ(today["median"], 7);
     EXPECT_EQ(today["day"], host::ServerOptions().manualclock / 86400'000 * 86400);
     EXPECT_EQ(ask("/api/prices?item=apple&variant=minecraft:apple:3")["rows"], json::array());
+}
+
+TEST_F(BoardTest, OperatorsSeeEveryShopAndTrade) {
+    const auto answer = [&](const char* view, const json& query) {
+        return json::parse(stage.server().views().ask(view, query.dump()));
+    };
+    const auto names = [&](const json& query) {
+        std::vector<std::string> all;
+        const json shops = answer("shops", query);
+        for (const auto& row : shops["rows"]) all.push_back(row["name"]);
+        return all;
+    };
+    const std::string cids = cid + "'s shop", bobs = bob + "'s shop", wishes = bob + "'s recycleshop";
+    const struct {
+        json query;
+        std::vector<std::string> names;
+        bool ismore = false;
+    } asked[] = {
+        {{{"section", "sell"}}, {"Dan's", bobs, cids, "systemshop's shop"}},
+        {{{"section", "sell"}, {"state", "open"}, {"most", "2"}}, {"Dan's", bobs}, true},
+        {{{"section", "sell"}, {"state", "open"}, {"most", "2"}, {"first", "1"}}, {bobs, "systemshop's shop"}},
+        {{{"state", "banned"}}, {cids, cid + "'s recycleshop"}},
+        {{{"name", "boB"}, {"section", "sell"}}, {bobs}},
+        {{{"name", bob}}, {bobs, wishes}},
+        {{{"name", "aN'S"}}, {"Dan's"}},
+    };
+    for (const auto& [query, wanted, ismore] : asked) {
+        EXPECT_EQ(names(query), wanted) << query;
+        EXPECT_EQ(answer("shops", query).contains("next"), ismore) << query;
+    }
+    const json most = answer("shops", {{"name", "Bob"}})["rows"][0];
+    EXPECT_EQ(most["pieces"], 10 + 1 + 2 + 5);
+    EXPECT_EQ(most["worth"], 70 + 450 + 60 + 5);
+    std::map<std::string, json> market;
+    for (const json figures = answer("market", json::object()); const auto& row : figures["rows"])
+        market[row["name"]] = row["value"];
+    EXPECT_EQ(market["bannedsell"], 1);
+    EXPECT_EQ(market["sellshops"], 4);
+    EXPECT_EQ(market["goods"], 4 + 1 + 30 + 1);
+
+    Actor& ana = stage.join("Ana", ada, "en_US", 7, 1).setmoney(100);
+    for (const char* pieces : {"1", "2"})
+        ana.types("ordomart formmenu")
+            .presses("Selling shops (form)")
+            .presses("Fine apple")
+            .fills({{"quantity", pieces}})
+            .dismisses();
+    EXPECT_THAT(ana.setmoney(0).forgets().types("ordomart undo 1").replies(), HasSubstr("is undone"));
+    EXPECT_EQ(ana.chat(), "") << "she has been told";
+    std::vector<std::string> trades;
+    const auto day = host::ServerOptions().manualclock / 86400'000 * 86400;
+    const auto date = std::to_string(day);
+    for (const json all = answer("trades", {{"from", date}, {"until", date}}); const auto& row : all["rows"])
+        trades.push_back(row["number"].dump() + row["kind"]["en_US"].dump() + row["undoable"].dump());
+    EXPECT_THAT(trades, ElementsAre("3\"purchase undone\"false", "2\"bought\"true", "1\"bought\"false"));
 }
 
 TEST_F(BoardTest, AnswersAreKeptUntilSomethingChanges) {

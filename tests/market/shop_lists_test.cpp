@@ -1,5 +1,8 @@
 // The lists of rows: which shops and rows each builder takes, and the orders.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
+
+#include <cstring>
 
 #include "plugin/shopsystem/lists.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
@@ -140,6 +143,81 @@ TEST(Lists, SortByTheFilterStep) {
         market.state.filterstep = step;
         sortsellreadlist(market.state);
         EXPECT_EQ(names(market.state), orders[step]) << int{step};
+    }
+}
+
+// A shop that is in no cache, before and behind something that happens to its file or to the clock.
+TEST(Lists, AShopThatOnlyItsFileHasIsReadAgainWhenItMayBeAnother) {
+    struct Files : market_tests::ShopHost {
+        market_tests::StampedFiles store;
+        Files() {
+            services.files = &store;
+            store.directories = disk.directories;
+        }
+        ~Files() { services.files = &disk; }
+        void becomes(const char* part, const std::string& other) {
+            auto& text = store.contents[path("a")];
+            text.replace(text.find(part), std::strlen(part), other);
+        }
+        // "pear 7 fruit sweet", and the revision.
+        std::pair<std::string, std::uint32_t> list() {
+            sellshop::prepareglobalsellshopfilterforplayer("viewer");
+            const auto& all = getplayershopstate("viewer").sellreadlist;
+            if (all.size() != 1) return {std::to_string(all.size()), UINT32_MAX};
+            const auto row = all.row(0);
+            return {fmt::format("{} {} {} {}", row.shopitemname, row.realprice, row.shopitemtag, row.shopitemdescribe),
+                    row.revision};
+        }
+    };
+    const auto pear = "pear 7 fruit sweet";
+    const struct {
+        const char* what;
+        std::function<void(Files&)> between;
+        std::string before, behind;
+        bool sameshop = false;
+    } cases[] = {
+        {"another writing", [](Files& f) { f.becomes(":7", ": 7"); }, pear, pear, true},
+        {"a price", [](Files& f) { f.becomes(":7", ":8"); }, pear, "pear 8 fruit sweet"},
+        {"a discount",
+         [](Files& f) {
+             f.becomes("}}", R"(,"shopdiscount":[{"shopitemtag":"fruit","discount":"-2","timeend":1000009}]}})");
+         },
+         pear, "pear 5 fruit sweet"},
+        {"a tag", [](Files& f) { f.becomes("fruit", "tree"); }, pear, "pear 7 tree sweet"},
+        {"a description", [](Files& f) { f.becomes("sweet", "sour"); }, pear, "pear 7 fruit sour"},
+        {"another item", [](Files& f) { f.becomes("{}", "[]"); }, pear, pear},
+        {"a section twice", [](Files& f) { f.becomes("\"sell\":", R"("sell":{"items":5},"sell":)"); }, pear, pear,
+         true},
+        {"and the last without goods", [](Files& f) { f.becomes("}}", R"(},"sell":{"describe":""}})"); }, pear, "0"},
+        {"the last second of a ban",
+         [](Files& f) {
+             f.becomes("}}", R"(,"shopstate":{"isbaned":true,"bantimeend":1000002,"banreason":""}}})");
+             EXPECT_EQ(f.list().first, "0");
+             f.clock.seconds = 1'000'002;
+         },
+         pear, pear},
+        {"a disk that was gone for once",
+         [](Files& f) {
+             f.becomes(":7", ":8");
+             f.store.behindtheread = [] { throw std::runtime_error("gone"); };
+             EXPECT_EQ(f.list().first, "0");
+         },
+         pear, "pear 8 fruit sweet"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Files files;
+        const json row = {{"shopitemname", "pear"},      {"price", 7},      {"shopitemtag", "fruit"},
+                          {"shopitemdescribe", "sweet"}, {"itemnbt", "{}"}, {"shopitemleftnum", 1},
+                          {"allowbesearched", true}};
+        files.store.contents[Files::path("a")] = json{{"sell", {{"items", {row}}}}}.dump();
+        const auto before = files.list();
+        EXPECT_EQ(before.first, c.before);
+        c.between(files);
+        const auto behind = files.list();
+        EXPECT_EQ(behind.first, c.behind);
+        EXPECT_EQ(before.second == behind.second, c.sameshop) << "by the revision, which an old form has";
+        EXPECT_EQ(globalruntimeshopmanager.cached("a", sell), nullptr);
     }
 }
 
