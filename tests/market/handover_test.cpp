@@ -1,94 +1,20 @@
 // A market that is handed over, seen by the operator: a random one comes out of a file as it went in, what is wrong in
 // a file is named and nothing of it taken in, and a kill at any point leaves all of it or nothing.
-#include <fmt/format.h>
-#include <gmock/gmock.h>
-
-#include <sstream>
-
-#include "host/world/items.h"
+#include "host/core/views.h"
 #include "host/world/worldparts.h"
-#include "plugin/handover/checking.h"
-#include "plugin/handover/exporting.h"
-#include "plugin/ledger/audit.h"
-#include "plugin/shopsystem/shoprecords.h"
-#include "tests/market/forms_stage.h"
-#include "tests/market/shophost.h"
+#include "platform/files.h"
+#include "platform/records.h"
+#include "tests/market/handover_stage.h"
 #include "tests/story/operations.h"
 
-using namespace forms;
-using testing::HasSubstr;
+using namespace handovers;
 
 namespace {
 
 namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
-
-std::string filenamed(const std::string& name) { return "plugins/Ordomart/exports/" + name + ".jsonl"; }
-
-Lines linesof(const std::string& text) {
-    Lines lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-}
-std::string textof(const Lines& lines) {
-    std::string text;
-    for (const auto& line : lines) text += line + "\n";
-    return text;
-}
-
-// All that two exports of the same market have alike: revisions belong to a run.
-Lines lasting(const std::string& text) {
-    auto lines = linesof(text);
-    lines.erase(lines.begin());
-    if (!lines.empty()) lines.pop_back();
-    for (auto& line : lines)
-        if (line.starts_with(R"({"shop":)")) {
-            auto shop = json::parse(line);
-            shop["shop"].erase("revision");
-            line = shop.dump();
-        }
-    return lines;
-}
-
-// What the operator is told, until nothing moves any more.
-std::string told(Stage& stage, Actor& who, const std::string& line) {
-    who.forgets().types(line);
-    stage.ticks(60);
-    return who.replies() + "\n" + who.chat();
-}
-
-// A server that a market is handed over to, and an operator of it.
-struct Target {
-    explicit Target(const std::string& content, stage::Setting setting = {})
-        : stage(with(std::move(setting), content)) {
-        joins();
-    }
-    static stage::Setting with(stage::Setting setting, const std::string& content) {
-        if (setting.config.is_null()) setting.config = {{"moneymode", 1}};
-        setting.files.emplace_back(filenamed("full"), content);
-        return setting;
-    }
-    void joins() { olga = &stage.join("Olga", "2535400000000999", "en_US", desktop, 1); }
-    std::string imports() { return told(stage, *olga, "ordomart import full"); }
-    std::string audits() { return told(stage, *olga, "ordomart audit"); }
-    std::string exports(const std::string& name) {
-        EXPECT_THAT(told(stage, *olga, "ordomart export " + name), HasSubstr("is complete"));
-        return stage.file(filenamed(name));
-    }
-    [[nodiscard]] bool isempty() {
-        return exports(fmt::format("look{}", looks++)).find(R"("shop":{)") == std::string::npos;
-    }
-
-    Stage stage;
-    Actor* olga = nullptr;
-    int looks = 0;
-};
 
 // A name that a look notes is saved with the next change.
 json lastingsection(const json& section) { return story::lasting(section, INT64_MAX); }
-
-const char* const nodifferences = ", 0 differences.";
 
 // A market that has been traded in at random, and its shop files.
 struct randommarket {
@@ -139,90 +65,16 @@ TEST(Handover, ARandomMarketComesOutAsItWentIn) {
         target.joins();
         EXPECT_THAT(target.audits(), HasSubstr(nodifferences));
         EXPECT_EQ(lasting(target.exports("behind")), lasting(market.exported));
+        // Without a file, but with a past in the ledger.
+        for (const auto& [xuid, file] : market.files)
+            target.stage.onserver([&, &of = xuid] {
+                (void)target.stage.server().services().files->remove("plugins/Ordomart/data/" + of + ".json");
+            });
+        target.stage.restart();
+        target.joins();
+        EXPECT_THAT(target.imports(), HasSubstr(" shops are here and not empty: 2535400000000100"));
     }
 }
-
-namespace {
-
-// A market without a server, in which one good is bought and taken back, and which is written down.
-struct Writing : market_tests::ShopHost {
-    Writing() {
-        services.items = &host::itemtable();
-        clock.seconds = host::ServerOptions().manualclock / 1000;
-        ledger::start();
-    }
-    // Behind its pass.
-    std::uint64_t trades(const std::string& id, std::int64_t pieces, const ledger::entry* undoes = nullptr) {
-        auto& shop = market_tests::sells(id);
-        auto row = shop.getshopitem(0);
-        const auto before = ledger::stateof(row);
-        const auto sign = undoes != nullptr ? 1 : -1;
-        row.shopitemleftnum += static_cast<std::int32_t>(sign * pieces);
-        shopsystem::tojson(row, shop.items[0]);
-        shopsystem::countup(shop.sellcount, -sign * pieces);
-        shopsystem::countup(shop.salesvolume, -sign * pieces * row.price);
-        shop.markshopchanged();
-        const auto number =
-            ledger::write(shop, {.what = undoes != nullptr ? ledger::kind::undopurchase : ledger::kind::purchase,
-                                 .actor = bob,
-                                 .itemnbt = row.itemnbt,
-                                 .pieces = pieces,
-                                 .price = row.price,
-                                 .paid = pieces * row.price,
-                                 .before = before,
-                                 .after = ledger::stateof(row),
-                                 .undoes = undoes,
-                                 .undoneby = undoes != nullptr ? bob : ""});
-        records.endpass();
-        return number;
-    }
-    const std::string& writes(
-        const std::string& name, const std::function<bool()>& goeson = [] { return true; }) {
-        const auto path = handover::pathof(name);
-        handover::exportmarket(path, goeson, [](const auto&) {});
-        return disk.contents.at(path);
-    }
-};
-
-// A small market in which every kind of line stands: 0 market, 1 shop, 2 good, 3 discount, 4 opening, 5 recycle shop,
-// 6 commission, 7 opening, 8 item, from 9 on entries, of which the last undoes the one before, two sums and the end.
-Lines smallmarket(int purchases) {
-    Writing market;
-    market.disk.contents[Writing::path(ada)] =
-        stage::shopfileof(ada, good("apple", 10, 5 + purchases), commission("stone", 3, 8),
-                          {{"shopdiscount", {{{"shopitemtag", "t"}, {"discount", "%50"}, {"timeend", 99}}}}})
-            .dump();
-    ledger::openanew(market_tests::buys(ada));
-    market.records.endpass();
-    std::uint64_t last = 0;
-    for (int i = 0; i < purchases; ++i) last = market.trades(ada, 1);
-    const auto undone = ledger::find(last).value();
-    market.trades(ada, 1, &undone);
-    auto lines = linesof(market.writes("small"));
-    auto end = json::parse(lines.back());
-    end["end"].erase("sum");  // so that it can be changed
-    lines.back() = end.dump();
-    return lines;
-}
-
-// One value changed in a line.
-std::function<void(Lines&)> sets(std::size_t at, const char* pointer, json value) {
-    return [=](Lines& lines) {
-        auto line = json::parse(lines[at]);
-        line[json::json_pointer(pointer)] = value;
-        lines[at] = line.dump();
-    };
-}
-std::function<void(Lines&)> drops(std::size_t at, const std::string& pointer) {
-    return [=](Lines& lines) {
-        auto line = json::parse(lines[at]);
-        const auto cut = pointer.rfind('/');
-        line[json::json_pointer(pointer.substr(0, cut))].erase(pointer.substr(cut + 1));
-        lines[at] = line.dump();
-    };
-}
-
-}  // namespace
 
 TEST(Handover, WhatIsWrongInAFileIsNamedAndNothingTakenIn) {
     const auto whole = smallmarket(3);
@@ -283,6 +135,16 @@ TEST(Handover, WhatIsWrongInAFileIsNamedAndNothingTakenIn) {
         {"volume", sets(10, "/entry/volume", 21),
          "line 11: 2535400000000001.sell, entry 2: volume 20 in the ledger, 21"},
         {"before", sets(10, "/entry/before/left", 9), "line 11: 2535400000000001.sell, entry 2: stock 7"},
+        {"an entry behind its shop", sets(1, "/shop/entries", 4),
+         "line 13: key \"entry.number\": lies behind the state"},
+        {"undone twice",
+         [](Lines& l) {
+             l.insert(l.begin() + 13, l[12]), sets(13, "/entry/number", 5)(l), sets(1, "/shop/entries", 6)(l);
+         },
+         "line 14: key \"entry.undoes\": entry 3 is undone twice"},
+        {"an owner of nothing", sets(1, "/shop/owner", "0"), "line 2: key \"shop.owner\": is no owner's key"},
+        {"a good in a recycle shop", [](Lines& l) { l[6] = l[2]; },
+         "line 7: key \"good\": cannot stand in a recycle shop"},
         {"undoes", sets(12, "/entry/undoes", 4), "line 13: key \"entry.undoes\": is no entry above"},
         {"day", sets(13, "/day/prices", json{{10, 1}, {10, 1}}), "line 14: key \"day.prices\": must rise"},
         {"days", [](Lines& l) { std::swap(l[13], l[14]); },
@@ -364,6 +226,8 @@ TEST(Handover, AKillAtAnyPointLeavesAllOrNothing) {
         wereunderway += target.stage.log().find("goes on with it") != std::string::npos ? 1 : 0;
         target.stage.ticks(60);
         EXPECT_THAT(target.audits(), HasSubstr(nodifferences));
+        target.stage.onserver(
+            [&] { EXPECT_TRUE(target.stage.server().services().records->keys("handover.staged", "", 1).empty()); });
         if (target.isempty()) {
             ++nothing;
             EXPECT_THAT(target.imports(), HasSubstr("is taken in")) << "it can be done again";
@@ -378,78 +242,92 @@ TEST(Handover, AKillAtAnyPointLeavesAllOrNothing) {
     EXPECT_GT(wereunderway, 2);
 }
 
-namespace {
-
-// What a file holds, added up.
-struct addedup : handover::linetaker {
-    using sums = std::map<std::string, std::vector<std::int64_t>>;  // by day, kind and what of
-    sums ofentries, ofdays;
-    std::map<std::uint64_t, ledger::entry> entries;
-    std::map<std::uint64_t, std::string> texts;
-
-    void shop(const handover::shopline&, const json&) override {}
-    void opening(const handover::shopline&, const ledger::shopbooks&) override {}
-    void item(const std::string& text) override { texts[ledger::hashof(text)] = text; }
-    void entry(const ledger::entry& one) override {
-        entries[one.number] = one;
-        const auto& trade = ledger::isundo(one.what) ? entries.at(one.undoes) : one;
-        const std::int64_t sign = ledger::isundo(one.what) ? -1 : 1;
-        const auto day = trade.time / 86400;
-        add(ofentries, fmt::format("{} {}", day, ledger::variantof(texts.at(trade.tag)).text()), sign * trade.pieces,
-            sign * trade.pieces * trade.price);
-        add(ofentries, fmt::format("{} {}.sell", day, trade.shop), sign * trade.pieces, sign * trade.paid);
+TEST(Handover, WhatWouldBeLostIsNotOverwritten) {
+    const json state = {{"shopstate", {{"isbaned", true}, {"bantimeend", 4102444800}, {"banreason", "r"}}}};
+    const json none = json::object(), discounts = {{"shopdiscount", {{{"shopitemtag", "t"}}}}};
+    const struct {
+        const char* what;
+        json sells, recycles;
+        bool isempty = false;
+    } cases[] = {{"a name", {{"shopname", "Fruit"}}, {{"describe", "d"}}, true},
+                 {"a ban", state, none},
+                 {"another ban", none, state},
+                 {"a discount", discounts, none},
+                 {"sales", {{"salesvolume", 1}}, none},
+                 {"pieces taken in", none, {{"recycleamount", 1}}},
+                 {"an operator's", none, {{"isopshop", true}}}};
+    const auto content = textof(smallmarket(1));
+    for (const auto& [what, sells, recycles, isempty] : cases) {
+        SCOPED_TRACE(what);
+        Target target(content);
+        target.stage.writeshop(ada, json::array(), json::array(), sells, recycles);
+        EXPECT_THAT(target.imports(), HasSubstr(isempty ? "is taken in" : "1 shops are here and not empty: "));
     }
-    void sum(const handover::sumline& one) override {
-        add(ofdays, fmt::format("{} {}", one.day, one.of), one.sum.pieces, one.sum.money);
-    }
-    static void add(sums& to, const std::string& of, std::int64_t pieces, std::int64_t money) {
-        auto& sum = to[of];
-        sum.resize(2);
-        sum[0] += pieces;
-        sum[1] += money;
-        if (sum[0] == 0 && sum[1] == 0) to.erase(of);
-    }
-};
-
-}  // namespace
-
-TEST(Handover, WhatIsTradedWhileItIsWrittenFits) {
-    Writing market;
-    for (const char* id : {"1", "2", "3"}) market.put(id, {{"items", {good("apple", 7, 100000)}}});
-    std::mt19937 random(3);
-    std::vector<ledger::entry> open;
-    const auto trades = [&] {
-        const std::string id(1, static_cast<char>('1' + random() % 3));
-        if (open.empty() || random() % 3 != 0) {
-            open.push_back(ledger::find(market.trades(id, 1 + random() % 5)).value());
-        } else {
-            const auto place = open.begin() + static_cast<std::ptrdiff_t>(random() % open.size());
-            market.trades(place->shop, place->pieces, &*place);
-            open.erase(place);
+    // While it is under way: the shop gets something, or the file is written anew. And once that is too late, nobody
+    // trades.
+    const auto large = textof(smallmarket(2500));
+    const std::function<void(Target&)> meanwhile[] = {
+        [](Target& target) { target.stage.writeshop(ada, good("bread", 1, 1)); },
+        [&](Target& target) {
+            auto lines = linesof(large);
+            sets(lines.size() - 3, "/day/money", 7)(lines);
+            target.stage.write(filenamed("full"), textof(lines));
+        },
+        [](Target&) {}};
+    const char* const told[] = {"1 shops are here and not empty: ", "full.jsonl: has been changed since it was checked",
+                                "is taken in"};
+    for (std::size_t i = 0; i < std::size(told); ++i) {
+        Target target(large);
+        target.olga->types("ordomart import full");
+        for (int n = 0; n < 600 && target.olga->chat().find("is being taken in") == std::string::npos; ++n)
+            target.stage.ticks(1);
+        meanwhile[i](target);
+        for (int n = 0; n < 60; ++n) {
+            target.stage.ticks(1);
+            target.olga->types("ordomart undo 9999");
         }
-    };
-    for (int i = 0; i < 500; ++i) {
-        trades();
-        market.clock.seconds += 600;
+        const auto replies = target.olga->replies();
+        EXPECT_THAT(target.olga->chat(), HasSubstr(told[i]));
+        if (i == 2) {
+            EXPECT_THAT(replies, HasSubstr("The shops of another market are being taken in"));
+        }
+        EXPECT_THAT(replies, testing::EndsWith("There is no entry 9999 in the ledger."));
     }
-    // Taken in just now, and its file is not there yet.
-    shopsystem::putsection("5", shopsystem::sell, {{"items", {good("apple", 7, 1)}}});
-    market.records.endpass();
-    int asked = 0;
-    market.writes("busy", [&] { return trades(), trades(), ++asked; });
-    EXPECT_GT(asked, 8);
-    const auto path = handover::pathof("busy");
-    EXPECT_EQ(handover::checkfile(path, [] { return true; }).counts.at("shop"), 8) << "shops and entries fit";
-    addedup file;
-    for (handover::filewalk walk(path, file); walk.step();) {
+}
+
+// The numbers of a file may have gaps, and what an undo has undone need not be in it.
+TEST(Handover, AnUndoOfWhatIsNotThereUndoesNothingElse) {
+    auto lines = smallmarket(5);
+    sets(4, "/opening",
+         {{"from", 5}, {"count", 4}, {"volume", 40}, {"rows", json::parse(lines[4])["opening"]["rows"]}})(lines);
+    sets(4, "/opening/rows/0/left", 6)(lines);
+    sets(14, "/entry/undoes", 3)(lines);
+    lines.erase(lines.begin() + 11, lines.begin() + 13);
+    sets(lines.size() - 1, "/end/lines/entry", 4)(lines);
+    Target target(textof(lines));
+    EXPECT_THAT(target.imports(), HasSubstr("is taken in"));
+    EXPECT_THAT(target.audits(), HasSubstr("4 entries, 2 shops" + std::string(nodifferences)));
+    EXPECT_THAT(told(target.stage, *target.olga, "ordomart undo 3"), HasSubstr(bob + " is not here."));
+}
+
+// More than are written at a time.
+TEST(Handover, ManyShopsReachTheirFilesAndTheLists) {
+    const auto lines = smallmarket(1);
+    Lines many{lines[0]};
+    constexpr int shops = 450;
+    for (int i = 0; i < shops; ++i) {
+        Lines shop{lines[1], lines[2], lines[3]};
+        sets(0, "/shop/owner", "many" + std::to_string(i))(shop);
+        many.insert(many.end(), shop.begin(), shop.end());
     }
-    EXPECT_EQ(file.ofdays, file.ofentries);
-    EXPECT_LT(file.entries.size(), ledger::nextnumber() - 1) << "something was left out";
-    const auto fault = [&](const char* name, bool goeson) {
-        return market_tests::fault([&] { market.writes(name, [goeson] { return goeson; }); });
-    };
-    EXPECT_THAT(fault("ends", false), HasSubstr("the server stops"));
-    EXPECT_FALSE(market.disk.contents.contains(handover::pathof("ends")));
-    market.put("4", {{"items", {{{"price", "x"}}}}});
-    EXPECT_THAT(fault("broken", true), HasSubstr("data/4.json: sell.items[0].price: must be a whole number"));
+    many.push_back(json{{"end", {{"lines", {{"shop", shops}, {"good", shops}, {"discount", shops}}}}}}.dump());
+    Target target(textof(many));
+    EXPECT_THAT(target.imports(), HasSubstr(fmt::format("is taken in: {} shops", shops)));
+    target.stage.ticks(200);
+    int saved = 0;
+    for (int i = 0; i < shops; ++i)
+        saved += target.stage.exists(fmt::format("plugins/Ordomart/data/many{}.json", i)) ? 1 : 0;
+    EXPECT_EQ(saved, shops);
+    const json all = json::parse(target.stage.server().views().ask("goods", "{}"));
+    EXPECT_EQ(all["count"], shops);
 }
