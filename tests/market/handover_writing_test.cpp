@@ -67,7 +67,10 @@ TEST(Handover, WhatIsTradedWhileItIsWrittenFits) {
     }
     // Taken in just now, and its file is not there yet.
     shopsystem::putsection("5", shopsystem::sell, {{"items", {good("apple", 7, 1)}}});
+    ledger::takein("5", shopsystem::sell,
+                   {1, 0, 0, {{ledger::hashof(good("apple", 7, 1)["itemnbt"].get<std::string>()), 1}}});
     market.records.endpass();
+    EXPECT_EQ(ledger::audit([] { return true; }).differences, std::vector<ledger::difference>());
     int asked = 0;
     market.writes("busy", [&] { return trades(), trades(), ++asked; });
     EXPECT_GT(asked, 8);
@@ -86,13 +89,10 @@ TEST(Handover, WhatIsTradedWhileItIsWrittenFits) {
     market.put("4", {{"items", {{{"price", "x"}}}}});
     EXPECT_THAT(fault("broken", true), HasSubstr("data/4.json: sell.items[0].price: must be a whole number"));
 
-    // Lists and the audit know what is ahead of its file, or has none yet.
-    ledger::takein("5", shopsystem::sell,
-                   {1, 0, 0, {{ledger::hashof(good("apple", 7, 1)["itemnbt"].get<std::string>()), 1}}});
+    // Lists know what is ahead of its file.
     market.put("6", {{"items", {good("apple", 7, 9, "Old")}}});
     shopsystem::putsection("6", shopsystem::sell, {{"items", {good("apple", 7, 1, "New")}}});
     market.records.endpass();
-    EXPECT_EQ(ledger::audit([] { return true; }).differences, std::vector<ledger::difference>());
     shopsystem::sellshop::prepareglobalsellshopfilterforplayer("viewer");
     std::string names;
     const auto& list = shopsystem::getplayershopstate("viewer").sellreadlist;

@@ -116,36 +116,6 @@ TEST(Lists, PagesAreClampedAndLongShopsComeWhole) {
     EXPECT_EQ(market.state.sellreadlist.row(199).index, 199);
 }
 
-TEST(Lists, WhatIsBrokenIsLeftOutAndTheWalkGoesOn) {
-    Market market("reader");
-    json wrong = good("w");
-    wrong["price"] = 3.7;
-    market.put("first", {{"items", {good("x"), wrong, good("z")}}});
-    market.disk.contents[ShopHost::path("second")] = "{";
-    market.put("third", {{"items", {good("y")}}});
-    for (int times = 0; times < 2; ++times) {
-        sellshop::prepareglobalsellshopfilterforplayer("reader");
-        EXPECT_EQ(names(market.state), "x z y | ");
-    }
-    EXPECT_EQ(market.disk.contents[ShopHost::path("second")], "{");
-}
-
-TEST(Lists, SortByTheFilterStep) {
-    Market market("sorter");
-    json items = {good("pear", 5, true, 30), good("Apple", 9, true, 10), good("fig", 7, true, 20)};
-    const char* tags[] = {"b", "\xC3\xA9", "a"};
-    for (std::size_t i = 0; i < items.size(); ++i) items[i]["shopitemtag"] = tags[i];
-    market.put("sorted", {{"items", items}});
-    const char* orders[] = {"pear Apple fig | ", "Apple fig pear | ", "fig pear Apple | ", "pear fig Apple | ",
-                            "Apple fig pear | "};
-    for (std::uint8_t step = 0; step < 5; ++step) {
-        preparesinglesell("sorter", "sorted");
-        market.state.filterstep = step;
-        sortsellreadlist(market.state);
-        EXPECT_EQ(names(market.state), orders[step]) << int{step};
-    }
-}
-
 // A shop that is in no cache, before and behind something that happens to its file or to the clock.
 TEST(Lists, AShopThatOnlyItsFileHasIsReadAgainWhenItMayBeAnother) {
     struct Files : market_tests::ShopHost {
