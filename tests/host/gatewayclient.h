@@ -54,25 +54,19 @@ public:
     }
     bool connected = false;
 
-    // False when the other side does not listen any more.
-    bool send(const std::string& bytes) {
-        for (std::size_t at = 0; at < bytes.size();) {
-            const auto n = ::send(socket_.number(), bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
-            if (n <= 0) return false;
-            at += static_cast<std::size_t>(n);
-        }
-        return true;
-    }
-    // As much of it as is taken at once, and then not for a while.
-    std::size_t offer(const std::string& bytes) {
+    // As much of it as is taken, with no pause longer than this.
+    std::size_t offer(const std::string& bytes, int patience = 500) {
         std::size_t at = 0;
         pollfd waiting{socket_.number(), POLLOUT, 0};
-        while (at < bytes.size() && ::poll(&waiting, 1, 500) > 0) {
+        while (at < bytes.size() && ::poll(&waiting, 1, patience) > 0) {
             const auto n = ::send(socket_.number(), bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL | MSG_DONTWAIT);
+            if (n < 0 && errno != EAGAIN) break;
             if (n > 0) at += static_cast<std::size_t>(n);
         }
         return at;
     }
+    // False when the other side does not listen any more, or only a broken server would be so slow.
+    bool send(const std::string& bytes) { return offer(bytes, 20'000) == bytes.size(); }
     bool say(std::uint8_t operation, std::uint64_t session, const std::string& payload) {
         return send(framed(operation, session, payload));
     }
