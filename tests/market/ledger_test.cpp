@@ -1,5 +1,8 @@
 // The ledger, seen from the market: what is entered, what players and operators are told out of it, trades taken back,
 // and an audit that finds whatever was changed behind its back.
+#include <prometheus/metric_family.h>
+
+#include "host/core/views.h"
 #include "tests/market/ledger_stage.h"
 
 using namespace forms;
@@ -30,6 +33,11 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
         SCOPED_TRACE(llmoney);
         Market m(10, llmoney);
         m.alice->dismisses();
+        const auto fees = [&] {
+            for (const auto& family : m.stage.server().views().counts())
+                if (family.name == "ordomart_fees_total") return family.metric.at(0).counter.value;
+            return -1.0;
+        };
         const struct {
             const char *list, *title;
             int pieces;
@@ -55,6 +63,7 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
             EXPECT_EQ(m.state(), before);
             ++number;
         }
+        EXPECT_EQ(fees(), 3 + 2 + 10) << "of trades, not of their undoing";
         // Of pieces that lie together some go.
         const auto before = m.state();
         m.sells("Stones", 3);
