@@ -139,7 +139,7 @@ TEST(Lists, AShopThatOnlyItsFileHasIsReadAgainWhenItMayBeAnother) {
                     row.revision};
         }
     };
-    const auto pear = "pear 7 fruit sweet";
+    static constexpr auto pear = "pear 7 fruit sweet";
     const struct {
         const char* what;
         std::function<void(Files&)> between;
@@ -162,6 +162,13 @@ TEST(Lists, AShopThatOnlyItsFileHasIsReadAgainWhenItMayBeAnother) {
              f.clock.seconds = 1'000'002;
          },
          pear, pear},
+        {"a ban that is over, and a clock that goes back",
+         [](Files& f) {
+             f.becomes("}}", R"(,"shopstate":{"isbaned":true,"bantimeend":999999,"banreason":""}}})");
+             EXPECT_EQ(f.list().first, pear);
+             f.clock.seconds = 999'990;
+         },
+         pear, "0"},
         {"a disk that was gone for once",
          [](Files& f) {
              f.becomes(":7", ":8");
