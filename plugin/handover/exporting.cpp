@@ -92,10 +92,15 @@ private:
 
     void addshops() {
         std::vector<std::string> broken;
-        // Of a shop that was taken in or traded in just now the records may be ahead, without a file.
+        // Of a shop that was taken in or traded in just now there may be no file yet: only a record, and then the cache
+        // has it.
         std::set<std::string> owners;
         for (auto& key : shopfilekeys()) owners.insert(std::move(key));
         for (auto& [owner, kind] : leftrecords(SIZE_MAX)) owners.insert(std::move(owner));
+        {
+            const Turn turn;
+            owners.merge(globalruntimeshopmanager.cachedowners());
+        }
         for (const auto& xuid : owners)
             for (const int kind : {shoptype::sell, shoptype::recycle}) {
                 goon();

@@ -160,6 +160,14 @@ baseshop* runtimeshopmanager::cached(const std::string& xuid, int type) {
     return maps_->oftype(type, [&](auto& kind) -> baseshop* { return kind.cached(xuid); });
 }
 
+std::set<std::string> runtimeshopmanager::cachedowners() {
+    std::set<std::string> owners;
+    maps_->each([&](auto& kind) {
+        for (const auto& each : kind.shops()) owners.insert(each.key);
+    });
+    return owners;
+}
+
 void runtimeshopmanager::bringin(const std::string& xuid, int type) {
     maps_->oftype(type, [&](auto& kind) { kind.bring(xuid); });
 }

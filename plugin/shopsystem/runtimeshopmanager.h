@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,8 @@ public:
     baseshop& getshop(const std::string& xuid, int type);
     // Null for a shop that is not in the cache; reads nothing.
     [[nodiscard]] baseshop* cached(const std::string& xuid, int type);
+    // The owners of all shops that are in the cache, of either kind. In a turn.
+    [[nodiscard]] std::set<std::string> cachedowners();
     // Background threads, not in a turn: brings a shop in, with reading and parsing outside of the turn, so that a
     // following getshop finds it. Throws what getshop throws.
     void bringin(const std::string& xuid, int type);

@@ -5,6 +5,7 @@
 #include <semaphore>
 #include <thread>
 
+#include "host/api/eventstream.h"
 #include "host/core/commands.h"
 #include "tests/host/apiserver.h"
 
@@ -134,6 +135,7 @@ TEST_F(ApiTest, SaysWhatIsWrong) {
         {"GET", "/api/players/Bob/creative", "", 404, "no player \"Bob\" is joined here"},
         {"GET", "/api/players/Bob/money", "", 404, "nobody here knows a player \"Bob\""},
         {"GET", "/api/players/Alice?heard=x", "", 400, "\"x\" is no number"},
+        {"GET", "/api/players/Alice?heard=1x", "", 400, "\"1x\" is no number"},
         {"POST", "/api/players", deep.c_str(), 400, "the body is nested more than 64 levels deep"},
         {"POST", "/api/players/Alice/answer", deepanswer.c_str(), 400, "the body is nested more than 64 levels deep"},
         {"PUT", "/api/players/Alice/inventory", deepsnbt.c_str(), 400, "no SNBT"},
@@ -146,6 +148,7 @@ TEST_F(ApiTest, SaysWhatIsWrong) {
          R"({"requests": [{"actions": [{"type": "craftresult", "results": [{"item": "nothing"}]}]}]})", 400,
          "there is no item \"nothing\""},
         {"PUT", "/api/players/Alice/inventory", R"({"slot": 41, "item": "apple"})", 400, "\"slot\" is 0 to 40"},
+        {"PUT", "/api/players/Alice/inventory", R"({"slot": -1, "item": "apple"})", 400, "\"slot\" is 0 to 40"},
         {"PUT", "/api/players/Alice/inventory", R"({"slot": 0, "item": "nothing"})", 400, "there is no item"},
         {"PUT", "/api/players/Alice/inventory", R"({"slot": 0, "snbt": "{"})", 400, "no SNBT"},
         {"PUT", "/api/players/Alice/money", R"({"amount": -1})", 400, ""},
@@ -153,6 +156,7 @@ TEST_F(ApiTest, SaysWhatIsWrong) {
         {"PUT", "/api/players/Alice/gametype", R"({"gametype": 2})", 400, "a game type is"},
         {"PUT", "/api/players/Alice/score", R"({"objective": "none", "value": 1})", 400, "no objective \"none\""},
         {"POST", "/api/ticks", R"({"count": 0})", 400, "\"count\" is 1 to 100000"},
+        {"POST", "/api/ticks", R"({"count": 100001})", 400, "\"count\" is 1 to 100000"},
         {"POST", "/api/speed", R"({"ticks": 0})", 400, "0.1 to 1000"},
         {"GET", "/api/log?after=x", "", 400, "\"x\" is no number"},
         {"GET", "/api/events?after=-1", "", 400, "\"-1\" is no number"},
@@ -199,7 +203,14 @@ TEST_F(ApiTest, PlaysAPlayer) {
     caller->post("/api/players/Alice/kill");
     EXPECT_EQ(caller->get("/api/players").body["players"][0]["alive"], false);
     EXPECT_EQ(caller->post("/api/ticks", {{"count", 7}}).body["tick"], 7);
-    EXPECT_FALSE(caller->get("/api/complete?player=Alice&line=ordomart%20b").body["completions"].empty());
+    joins("Bob");
+    server->run([this] {
+        server->commands().registerCommand("bosses", "b", platform::CommandPermissionLevel::GameMasters, 0, 128);
+        server->commands().registerOverload("bosses", [] { return nullptr; }, {});
+    });
+    for (const auto& [name, offered] : {std::pair("Alice", 1U), std::pair("Bob", 0U)})
+        EXPECT_EQ(caller->get(std::string("/api/complete?line=bos&player=") + name).body["completions"].size(),
+                  offered);
     EXPECT_EQ(caller->remove("/api/players/Alice").status, 200);
     EXPECT_EQ(caller->get("/api/players/Alice").status, 404);
 }
@@ -232,14 +243,23 @@ TEST_F(ApiTest, WatchersGetThePictureAndThenWhatChanges) {
     EXPECT_EQ(itself["players"][0]["name"], "Alice");
     json picture = watcher.next("client")["state"];
     caller->post("/api/players/Alice/click", {{"container", "hotbar"}, {"slot", 0}});
-    const json wanted = [&] {
-        json now = state();
-        now.erase("heard");
-        return now;
-    }();
-    EXPECT_EQ(wanted["slots"]["cursor"][0]["count"], 5);
-    while (picture != wanted) picture = picture.patch(watcher.next("patch")["patch"]);
+    const auto follow = [&] {
+        json wanted = state();
+        wanted.erase("heard");
+        while (picture != wanted) picture = picture.patch(watcher.next("patch")["patch"]);
+    };
+    follow();
+    EXPECT_EQ(picture["slots"]["cursor"][0]["count"], 5);
+    // Of a form that he closes the server has nothing to say.
+    caller->post("/api/players/Alice/command", {{"line", "ordomart formmenu"}});
+    follow();
+    EXPECT_NE(picture["form"], nullptr);
+    caller->post("/api/players/Alice/answer", {{"answer", nullptr}});
+    follow();
+    EXPECT_EQ(picture["form"], nullptr);
 
+    joins("Bob");
+    caller->post("/api/players/Bob/command", {{"line", "nonsense"}});
     says({"one"});
     const json one = watcher.next("heard");
     EXPECT_EQ(one["what"]["text"], "one");
@@ -247,6 +267,24 @@ TEST_F(ApiTest, WatchersGetThePictureAndThenWhatChanges) {
     Watcher same(api, "player=Alice&heard=" + one["number"].dump() + "&run=" + itself["run"].get<std::string>());
     Watcher ofaformerrun(api, "player=Alice&log=1&heard=9999&after=9999&run=former");
     says({"two"});
+    // A page that takes nothing is told no more, while another one is.
+    host::EventStreams streams(*server, clients);
+    streams.start();
+    const auto slow = streams.subscribe({.players = {"Alice"}}), quick = streams.subscribe({.players = {"Alice"}});
+    const auto reads = [&](const std::string& part) {
+        std::string text;
+        for (int i = 0; i < 3000 && text.find(part) == std::string::npos; ++i) {
+            text += quick->take();
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        }
+        return text.find(part) != std::string::npos;
+    };
+    EXPECT_TRUE(reads("event: client"));
+    says({"three"});
+    EXPECT_TRUE(reads("three"));
+    EXPECT_EQ(slow->take().find("three"), std::string::npos);
+    streams.stop();
+
     EXPECT_EQ(later.next("heard")["what"]["text"], "two");
     EXPECT_EQ(same.next("heard")["what"]["text"], "two");
     EXPECT_EQ(ofaformerrun.next("heard")["what"]["text"], "one");
@@ -311,6 +349,7 @@ TEST_F(RunningApi, ACommandIsAnsweredWhenItsReplyIsThere) {
         server->commands().registerCommand("slow", "waits", platform::CommandPermissionLevel::Any, 0, 128);
         server->commands().registerOverload("slow", [this] { return std::make_unique<SlowCommand>(begun); }, {});
     });
+    EXPECT_EQ(caller->post("/api/clock", {{"milliseconds", 1000}}).status, 409) << "it has a time of its own";
     joins("Alice");
     joins("Bob");
     // Bob's command runs when Alice's comes in, so that hers is read behind the work of the next pass.

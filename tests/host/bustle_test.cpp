@@ -99,6 +99,10 @@ TEST(Bustle, PlaysInTheBackground) {
     host::ControlApi api(market.server, market.clients, market.bustle, {.port = 0});
     api.start();
     coretests::ApiCaller caller(api.port(), api.token());
+    // Who is rich stays so.
+    caller.post("/api/players", {{"name", "Jonas"}});
+    caller.put("/api/players/Jonas/money", {{"amount", 1'000'000}});
+    caller.remove("/api/players/Jonas");
     EXPECT_EQ(caller.post("/api/bustle", {{"players", 3}}).body["players"], 3);
     market.printed.clear();
     market.server.ticks(200);
@@ -107,6 +111,7 @@ TEST(Bustle, PlaysInTheBackground) {
     EXPECT_EQ(state["here"], 3);
     EXPECT_GT(state["trades"], 0);
     EXPECT_EQ(caller.get("/api/players/Mila").body["heard"], json::array());
+    EXPECT_GT(caller.get("/api/players/Jonas/money").body["amount"], 500'000);
     EXPECT_EQ(caller.post("/api/bustle", {{"players", 0}}).status, 400);
     EXPECT_EQ(caller.remove("/api/bustle").body["here"], 0);
 }

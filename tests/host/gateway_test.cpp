@@ -2,97 +2,20 @@
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
+#include <semaphore>
+
 #include "host/clients.h"
 #include "host/core/commands.h"
-#include "host/core/log.h"
-#include "host/network/gateway/door.h"
 #include "host/world/gamedata.h"
-#include "host/world/world.h"
-#include "platform/level.h"
 #include "platform/packets/containers.h"
-#include "platform/packets/messages.h"
 #include "tests/host/gatewayclient.h"
-#include "tests/host/servertest.h"
 
 namespace {
 
-using coretests::framed;
-using coretests::GatewayClient;
+using namespace coretests;
 using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-enum : std::uint8_t { login = 1, open, packet, close };
-enum : int { hello = 0x81, opened, packetback, closed, refused, pulse, commands, start };
-
-json player(const std::string& name, const json& others = {}) {
-    json told = {{"name", name}, {"xuid", "77"}, {"authenticated", true}};
-    if (others.is_object()) told.update(others);
-    return told;
-}
-
-std::string command(const std::string& line) {
-    return platform::sealpacket(platform::topacket(platform::CommandRequestPacket{line}));
-}
-
-class Gateway : public testing::Test {
-protected:
-    // Free: a server thread of its own time, as the program's.
-    void begin(host::GatewayOptions options = {}) {
-        host::ServerOptions settings = coretests::manually(directory);
-        settings.manual = false;
-        server = std::make_unique<host::Server>(settings);
-        server->start();
-        door = std::make_unique<host::GatewayDoor>(*server, options);
-        door->start();
-    }
-    void end() {
-        door.reset();
-        if (server) server->stop();
-        server.reset();
-    }
-    ~Gateway() override { end(); }
-
-    [[nodiscard]] std::string token() const {
-        std::string text = directory.get("gateway.token");
-        text.pop_back();
-        return text;
-    }
-    [[nodiscard]] GatewayClient stranger() const { return GatewayClient(door->address()); }
-    // Logged in, and all that is said at the beginning heard.
-    [[nodiscard]] GatewayClient gateway() const {
-        GatewayClient client = stranger();
-        client.say(login, 0, json{{"token", token()}, {"gateway", "test 1"}});
-        client.await(commands);
-        return client;
-    }
-    [[nodiscard]] std::vector<std::string> online() const {
-        std::vector<std::string> names;
-        server->run([&] {
-            for (const auto* one : server->world().level().getAllPlayers()) names.push_back(one->getRealName());
-        });
-        return names;
-    }
-    template <class Condition>
-    static bool comes(Condition condition) {
-        for (int i = 0; i < 2000 && !condition(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        return condition();
-    }
-    void awaitonline(const std::vector<std::string>& names) const {
-        comes([&] { return online() == names; });
-        EXPECT_EQ(online(), names);
-    }
-    void awaitlog(const std::string& text) const {
-        EXPECT_TRUE(comes([&] {
-            return std::ranges::any_of(server->log().lines(),
-                                       [&](const auto& line) { return line.message.find(text) != std::string::npos; });
-        })) << text;
-    }
-
-    coretests::Directory directory;
-    std::unique_ptr<host::Server> server;
-    std::unique_ptr<host::GatewayDoor> door;
-};
 
 TEST_F(Gateway, TellsWhatAClientNeedsAtItsStart) {
     begin({.offline = true});
@@ -209,9 +132,11 @@ TEST_F(Gateway, PacketsGoBothWaysAsTheyAre) {
     // Closed by the client: not answered; by the server: told once, and whatever is still on its way does not count.
     client.say(open, 6, player("Yan", {{"xuid", "79"}}));
     ASSERT_EQ(client.await(opened).session, 6u);
-    client.say(close, 5, json{{"reason", "the line\nbroke"}});
+    client.say(close, 5, json{{"reason", "the line\nbroke" + std::string(1000, '.')}});
     awaitonline({"Beside", "Yan"});
     awaitlog("Zed: the line?broke");
+    for (const auto& line : server->log().lines())
+        EXPECT_THAT(line.message, testing::Not(HasSubstr(std::string(200, '.'))));
     server->run([&] { server->network().leave(server->network().connection("Yan"), "sent away"); });
     const auto farewell = client.await(closed);
     EXPECT_EQ(farewell.session, 6u);
@@ -404,11 +329,33 @@ TEST_F(Gateway, WhoDoesNotTakeIsCutOff) {
     for (int i = 1; i <= many; ++i) answered += client.await(opened).operation == opened ? 1 : 0;
     EXPECT_EQ(answered, many);
     EXPECT_TRUE(comes([&] { return online().size() == many / 2; })) << online().size();
-    // Also what nothing comes of is done in the end, and the gateway heard again.
+    // While the server has enough to do the gateway is not heard; what nothing comes of is done in the end, too.
+    std::binary_semaphore busy(0);
+    server->post([&] { busy.acquire(); });
     flood.clear();
-    for (int i = 0; i < many; ++i) flood += framed(close, 2, "");
-    client.send(flood + framed(open, many + 1, player("Last", {{"xuid", "999"}}).dump()));
+    for (int i = 0; i < many; ++i) flood += framed(close, 2, std::string(20'000, 'x'));
+    const auto taken = client.offer(flood);
+    EXPECT_LT(taken, flood.size() / 2);
+    busy.release();
+    client.send(flood.substr(taken) + framed(open, many + 1, player("Last", {{"xuid", "999"}}).dump()));
     EXPECT_EQ(client.await(opened).session, many + 1u);
+}
+
+TEST(GatewayOutbound, CountsWhatWaitsAndNothingElse) {
+    host::Outbound out({.ofsession = 100, .ofall = 400});
+    out.open(1, "");
+    for (std::uint64_t session = 2; session < 50; ++session) {
+        EXPECT_TRUE(out.packet(1, std::string(40, 'x')));
+        out.open(session, "");
+        EXPECT_TRUE(out.packet(session, std::string(80, 'x')));
+        out.forget(session);
+        EXPECT_NE(out.take(1000), "");
+    }
+    EXPECT_FALSE(out.overflown());
+    out.close(1, "over");
+    EXPECT_NE(out.take(1000), "");
+    out.close(1, "over");
+    EXPECT_EQ(out.take(1000), "") << "it is told once";
 }
 
 TEST_F(Gateway, ListensWhereItIsToldOrSaysWhy) {

@@ -1,6 +1,7 @@
-// The gateway's end of the door, framed by the tests' own hand.
+// A server with a door, and the gateway's end of it, framed by the tests' own hand.
 #pragma once
 
+#include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -13,6 +14,12 @@
 #include <vector>
 
 #include "host/core/descriptor.h"
+#include "host/core/log.h"
+#include "host/network/gateway/door.h"
+#include "host/world/world.h"
+#include "platform/level.h"
+#include "platform/packets/messages.h"
+#include "tests/host/servertest.h"
 
 namespace coretests {
 
@@ -47,15 +54,19 @@ public:
     }
     bool connected = false;
 
-    // False when the other side does not listen any more.
-    bool send(const std::string& bytes) {
-        for (std::size_t at = 0; at < bytes.size();) {
-            const auto n = ::send(socket_.number(), bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL);
-            if (n <= 0) return false;
-            at += static_cast<std::size_t>(n);
+    // As much of it as is taken, with no pause longer than this.
+    std::size_t offer(const std::string& bytes, int patience = 500) {
+        std::size_t at = 0;
+        pollfd waiting{socket_.number(), POLLOUT, 0};
+        while (at < bytes.size() && ::poll(&waiting, 1, patience) > 0) {
+            const auto n = ::send(socket_.number(), bytes.data() + at, bytes.size() - at, MSG_NOSIGNAL | MSG_DONTWAIT);
+            if (n < 0 && errno != EAGAIN) break;
+            if (n > 0) at += static_cast<std::size_t>(n);
         }
-        return true;
+        return at;
     }
+    // False when the other side does not listen any more, or only a broken server would be so slow.
+    bool send(const std::string& bytes) { return offer(bytes, 20'000) == bytes.size(); }
     bool say(std::uint8_t operation, std::uint64_t session, const std::string& payload) {
         return send(framed(operation, session, payload));
     }
@@ -101,6 +112,78 @@ public:
 private:
     host::Descriptor socket_;
     std::string bytes_;
+};
+
+inline nlohmann::json player(const std::string& name, const nlohmann::json& others = {}) {
+    nlohmann::json told = {{"name", name}, {"xuid", "77"}, {"authenticated", true}};
+    if (others.is_object()) told.update(others);
+    return told;
+}
+
+inline std::string command(const std::string& line) {
+    return platform::sealpacket(platform::topacket(platform::CommandRequestPacket{line}));
+}
+
+class Gateway : public testing::Test {
+protected:
+    enum : std::uint8_t { login = 1, open, packet, close };
+    enum : int { hello = 0x81, opened, packetback, closed, refused, pulse, commands, start };
+
+    // Free: a server thread of its own time, as the program's.
+    void begin(host::GatewayOptions options = {}) {
+        host::ServerOptions settings = manually(directory);
+        settings.manual = false;
+        server = std::make_unique<host::Server>(settings);
+        server->start();
+        door = std::make_unique<host::GatewayDoor>(*server, options);
+        door->start();
+    }
+    void end() {
+        door.reset();
+        if (server) server->stop();
+        server.reset();
+    }
+    ~Gateway() override { end(); }
+
+    [[nodiscard]] std::string token() const {
+        std::string text = directory.get("gateway.token");
+        text.pop_back();
+        return text;
+    }
+    [[nodiscard]] GatewayClient stranger() const { return GatewayClient(door->address()); }
+    // Logged in, and all that is said at the beginning heard.
+    [[nodiscard]] GatewayClient gateway() const {
+        GatewayClient client = stranger();
+        client.say(login, 0, nlohmann::json{{"token", token()}, {"gateway", "test 1"}});
+        client.await(commands);
+        return client;
+    }
+    [[nodiscard]] std::vector<std::string> online() const {
+        std::vector<std::string> names;
+        server->run([&] {
+            for (const auto* one : server->world().level().getAllPlayers()) names.push_back(one->getRealName());
+        });
+        return names;
+    }
+    template <class Condition>
+    static bool comes(Condition condition) {
+        for (int i = 0; i < 2000 && !condition(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        return condition();
+    }
+    void awaitonline(const std::vector<std::string>& names) const {
+        comes([&] { return online() == names; });
+        EXPECT_EQ(online(), names);
+    }
+    void awaitlog(const std::string& text) const {
+        EXPECT_TRUE(comes([&] {
+            return std::ranges::any_of(server->log().lines(),
+                                       [&](const auto& line) { return line.message.find(text) != std::string::npos; });
+        })) << text;
+    }
+
+    Directory directory;
+    std::unique_ptr<host::Server> server;
+    std::unique_ptr<host::GatewayDoor> door;
 };
 
 }  // namespace coretests

@@ -2,14 +2,18 @@
 // parser that believes nothing.
 #include <gmock/gmock.h>
 
+#include <SQLiteCpp/SQLiteCpp.h>
+
 #include <cmath>
 #include <optional>
 #include <regex>
 #include <set>
 #include <sstream>
 
+#include "host/board/board.h"
 #include "host/core/views.h"
 #include "host/world/world.h"
+#include "platform/clock.h"
 #include "platform/level.h"
 #include "platform/library.h"
 #include "platform/llmoney.h"
@@ -133,7 +137,7 @@ protected:
                      [](const std::string& query) { return R"({"rows": [)" + query + "]}"; }, true});
         views.offer({"picky", "{}",
                      [](const std::string&) -> std::string { throw std::invalid_argument("\"day\" must be a day"); }});
-        views.offer({"broken", "{}", [](const std::string&) -> std::string { throw std::out_of_range("at()"); }});
+        views.offer({"broken", "{}", [](const std::string&) -> std::string { throw std::out_of_range("at()"); }, true});
         views.offer({"wild", "{}", [](const std::string&) { return std::string("{"); }});
         const auto count = views.counter({"test_total", "A \"test\".", {{"kind", "b"}}});
         count->add(2);
@@ -189,6 +193,13 @@ TEST_F(ViewsTest, AreListedAndAsked) {
         EXPECT_THAT(answer.body.dump(), HasSubstr(call.says)) << call.path;
     }
     EXPECT_EQ(caller->get("/api/views/flows?days=7").body["rows"].size(), 7U);
+    // A stranger is not told what went wrong.
+    host::Board board(server_, {});
+    board.start();
+    const auto refused = httplib::Client("127.0.0.1", board.port()).Get("/api/broken");
+    EXPECT_EQ(refused->status, 500);
+    EXPECT_EQ(refused->body, R"({"error":"the answer could not be made"})");
+    board.stop();
     EXPECT_EQ(server_.views().ask("echo", "1", true), R"({"rows": [1]})");
     EXPECT_THROW((void)server_.views().ask("trades", "{}", true), host::NoSuchView);
 }
@@ -197,18 +208,24 @@ TEST_F(ViewsTest, MoneyOfAllAccountsIsSummed) {
     caller->post("/api/players", {{"name", "Ann"}});
     caller->post("/api/players", {{"name", "Ben"}});
     caller->post("/api/players", {{"name", "Cid"}});
+    caller->post("/api/players", {{"name", "Dan"}});
+    std::string title;
     const auto figures = [&] {
         std::map<std::string, std::int64_t> all;
         caller->post("/api/ticks", {{"count", 1}});
         caller->post("/api/ticks", {{"count", 1}});
         const auto answer = caller->get("/api/views/money");
         EXPECT_EQ(answer.status, 200) << answer.body;
-        for (const auto& row : answer.body["rows"]) all[row["name"]] = row["value"];
+        for (const auto& row : answer.body["rows"]) {
+            all[row["name"]] = row["value"];
+            if (row["name"] == "score-money") title = row["title"]["en_US"];
+        }
         return all;
     };
     EXPECT_EQ(figures()["circulation"], 0);
     for (const auto& [name, amount] : std::map<std::string, int>{{"Ann", 70}, {"Ben", 30}, {"Cid", 20}})
         caller->put("/api/players/" + name + "/money", {{"amount", amount}});
+    for (const int amount : {1, 0}) caller->put("/api/players/Dan/money", {{"amount", amount}});
     server_.run([&] {
         auto& libraries = *server_.services().libraries;
         const auto trans = reinterpret_cast<platform::llmoney::Trans*>(
@@ -217,11 +234,19 @@ TEST_F(ViewsTest, MoneyOfAllAccountsIsSummed) {
         EXPECT_TRUE(trans(xuid, "", 8, "fee") && trans("", xuid, 5, "prize"));
         server_.world().scoreboard().newObjective("money", "coins");
         server_.world().setscore("Ben", "money", 12);
+        server_.world().setscore("Cid", "money", 0);
     });
     auto now = figures();
     const std::vector<std::int64_t> seen{now["accounts"], now["circulation"], now["largest"],    now["middle"],
                                          now["given1"],   now["taken30"],     now["score-money"]};
     EXPECT_THAT(seen, testing::ElementsAre(3, 117, 67, 30, 5, 8, 12));
+    EXPECT_EQ(title, "Scores \"money\", of 1") << "of those who have some";
+    // Payments of an earlier day.
+    SQLite::Database file((directory_.path / "server.sqlite").string(), SQLite::OPEN_READWRITE, 1000);
+    file.exec("UPDATE llmoney_history SET time = " + std::to_string(platform::unixseconds() - 5LL * 86400));
+    now = figures();
+    EXPECT_EQ(now["given1"], 0);
+    EXPECT_EQ(now["given7"], 5);
 }
 
 TEST_F(ViewsTest, MetricsAreInTheFormAndCount) {

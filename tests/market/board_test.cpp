@@ -8,6 +8,7 @@
 #include <set>
 
 #include "host/board/answercache.h"
+#include "host/core/views.h"
 #include "tests/stage/stage.h"
 
 using namespace stage;
@@ -32,13 +33,17 @@ protected:
         : board(stage.server(), {.rate = rate}), http("127.0.0.1", started()) {
         json full = good("chest", 30, 2, "Full chest");
         full["itemnbt"] =
-            "{Count:1b,Damage:0s,WasPickedUp:0b,tag:{Items:[{Count:1b,Name:\"minecraft:apple\"}]},"
-            "Name:\"minecraft:chest\"}";
-        stage.writeshop(bob,
-                        {good("apple", 7, 10, "Fine apple"), good("diamond", 900, 1, "Diamond$ 50%"), full,
-                         hidden(good("apple", 1, 5, "Secret apple")), good("apple", 2, 0, "Sold apple")},
-                        {commission("bread", 4, 20, "Any bread"), hidden(commission("bread", 9, 9, "Secret bread"))},
-                        {{"ownername", "Bob"}});
+            R"({Count:1b,Damage:0s,WasPickedUp:0b,tag:{Items:[{Count:1b,Name:"minecraft:apple"}],display:{Name:"a \"{"}},)"
+            R"(Name:"minecraft:chest"})";
+        full["shopitemdescribe"] = "of " + bob;
+        stage.writeshop(
+            bob,
+            {good("apple", 7, 10, "Fine apple"), good("diamond", 900, 1, "Diamond$ 50%"), full,
+             hidden(good("apple", 1, 5, "Secret apple")), good("apple", 2, 0, "Sold apple")},
+            {commission("bread", 4, 20, "Any bread"), hidden(commission("bread", 9, 9, "Secret bread"))},
+            {{"ownername", "Bob"},
+             {"shopdiscount", {{{"shopitemtag", "diamond"}, {"discount", "%50"}, {"timeend", 4102444800}}}}});
+        stage.writeshop("systemshop", {good("stick", 1, 1, "The state's")});
         const json ban = {{"isbaned", true}, {"bantimeend", 4102444800}, {"banreason", "Contraband"}};
         stage.writeshop(cid, {good("apple", 3, 3, "Contraband apple")}, {commission("bread", 1, 1, "Contraband bread")},
                         {{"ownername", "Cid"}, {"shopstate", ban}}, {{"ownername", "Cid"}, {"shopstate", ban}});
@@ -88,6 +93,8 @@ TEST_F(BoardTest, ListsAreThoseOfTheGame) {
         {"goods?item=minecraft:apple", {"Fine apple"}},  // not what lies in the chest, whatever the keys' order
         {"goods?item=minecraft:chest", {"Full chest"}},
         {"goods?item=minecraft:stick", {}},
+        {"goods?item=minecraft:apple&tag=coal$", {}},
+        {"goods?tag=apple%7B%7C%7C%7Dchest$", {"Fine apple", "Full chest"}},
         {"goods?name=Coal%202$", {"Coal 2"}},
         {"goods?sort=price&page=2&owner=Dan", {"Coal 26", "Coal 27", "Coal 28", "Coal 29"}},
         {"goods?page=100000000", {}},
@@ -100,9 +107,20 @@ TEST_F(BoardTest, ListsAreThoseOfTheGame) {
     const auto first = ask("/api/goods?sort=price");
     EXPECT_EQ(first["count"], 33);
     EXPECT_EQ(first["next"], json({{"page", "2"}}));
+    // Just a page, by as many alternatives as there may be.
+    std::string text = "Coal%201";
+    for (const char* more : {"Coal%202", "Coal%203", "Coal%204", "Coal%205", "Coal%206", "x", "y"})
+        text += std::string("%7B%7C%7C%7D") + more;
+    json just = ask("/api/goods?text=" + text);
+    EXPECT_EQ(just["count"], 26);
+    EXPECT_FALSE(just.contains("next"));
+    json cheaper = ask("/api/goods?text=diamond")["rows"][0];
+    EXPECT_EQ(cheaper["price"], 450);
+    EXPECT_EQ(cheaper["before"], 900);
     const auto row = ask("/api/goods?text=apple")["rows"][0];
     EXPECT_EQ(row["price"], 7);
     EXPECT_EQ(row["left"], 10);
+    EXPECT_FALSE(row.contains("before"));
     EXPECT_EQ(row["owner"], "Bob");
     EXPECT_EQ(row["item"]["id"], "minecraft:apple");
     EXPECT_EQ(row["item"]["name"]["en_US"], "Apple");
@@ -143,7 +161,65 @@ TEST_F(BoardTest, ShowsNothingPrivateAndNobodysKey) {
                                  std::string("Sold"), std::string("Cid")})
             EXPECT_THAT(answer->body, Not(HasSubstr(word))) << call;
     }
-    EXPECT_EQ(ask("/api/prices?item=apple&days=1")["rows"][0]["median"], 7);
+    const auto today = ask("/api/prices?item=apple&days=1")["rows"][0];
+    EXPECT_EQ(today["median"], 7);
+    EXPECT_EQ(today["day"], host::ServerOptions().manualclock / 86400'000 * 86400);
+    EXPECT_EQ(ask("/api/prices?item=apple&variant=minecraft:apple:3")["rows"], json::array());
+}
+
+TEST_F(BoardTest, OperatorsSeeEveryShopAndTrade) {
+    const auto answer = [&](const char* view, const json& query) {
+        return json::parse(stage.server().views().ask(view, query.dump()));
+    };
+    const auto names = [&](const json& query) {
+        std::vector<std::string> all;
+        const json shops = answer("shops", query);
+        for (const auto& row : shops["rows"]) all.push_back(row["name"]);
+        return all;
+    };
+    const std::string cids = cid + "'s shop", bobs = bob + "'s shop", wishes = bob + "'s recycleshop";
+    const struct {
+        json query;
+        std::vector<std::string> names;
+        bool ismore = false;
+    } asked[] = {
+        {{{"section", "sell"}}, {"Dan's", bobs, cids, "systemshop's shop"}},
+        {{{"section", "sell"}, {"state", "open"}, {"most", "2"}}, {"Dan's", bobs}, true},
+        {{{"section", "sell"}, {"state", "open"}, {"most", "2"}, {"first", "1"}}, {bobs, "systemshop's shop"}},
+        {{{"state", "banned"}}, {cids, cid + "'s recycleshop"}},
+        {{{"name", "boB"}, {"section", "sell"}}, {bobs}},
+        {{{"name", bob}}, {bobs, wishes}},
+        {{{"name", "aN'S"}}, {"Dan's"}},
+    };
+    for (const auto& [query, wanted, ismore] : asked) {
+        EXPECT_EQ(names(query), wanted) << query;
+        EXPECT_EQ(answer("shops", query).contains("next"), ismore) << query;
+    }
+    const json most = answer("shops", {{"name", "Bob"}})["rows"][0];
+    EXPECT_EQ(most["pieces"], 10 + 1 + 2 + 5);
+    EXPECT_EQ(most["worth"], 70 + 450 + 60 + 5);
+    std::map<std::string, json> market;
+    for (const json figures = answer("market", json::object()); const auto& row : figures["rows"])
+        market[row["name"]] = row["value"];
+    EXPECT_EQ(market["bannedsell"], 1);
+    EXPECT_EQ(market["sellshops"], 4);
+    EXPECT_EQ(market["goods"], 4 + 1 + 30 + 1);
+
+    Actor& ana = stage.join("Ana", ada, "en_US", 7, 1).setmoney(100);
+    for (const char* pieces : {"1", "2"})
+        ana.types("ordomart formmenu")
+            .presses("Selling shops (form)")
+            .presses("Fine apple")
+            .fills({{"quantity", pieces}})
+            .dismisses();
+    EXPECT_THAT(ana.setmoney(0).forgets().types("ordomart undo 1").replies(), HasSubstr("is undone"));
+    EXPECT_EQ(ana.chat(), "") << "she has been told";
+    std::vector<std::string> trades;
+    const auto day = host::ServerOptions().manualclock / 86400'000 * 86400;
+    const auto date = std::to_string(day);
+    for (const json all = answer("trades", {{"from", date}, {"until", date}}); const auto& row : all["rows"])
+        trades.push_back(row["number"].dump() + row["kind"]["en_US"].dump() + row["undoable"].dump());
+    EXPECT_THAT(trades, ElementsAre("3\"purchase undone\"false", "2\"bought\"true", "1\"bought\"false"));
 }
 
 TEST_F(BoardTest, AnswersAreKeptUntilSomethingChanges) {
@@ -167,6 +243,17 @@ TEST_F(BoardTest, AnswersAreKeptUntilSomethingChanges) {
     // And by a file that somebody else has written.
     stage.writeshop(dan, {good("coal", 5, 1, "Last coal")}, nullptr, {{"ownername", "Dan"}});
     EXPECT_THAT(names("/api/goods?owner=Dan"), ElementsAre("Last coal"));
+    // And by a setting.
+    const auto shut = get("/api/goods?tag=stick")->get_header_value("ETag");
+    EXPECT_THAT(names("/api/goods?tag=stick"), ElementsAre());
+    const std::string config = "plugins/Ordomart/config.json";
+    auto settings = json::parse(stage.file(config));
+    settings["enablesystemshopinglobalshop"] = true;
+    stage.write(config, settings.dump());
+    stage.join("Olga", cid, "en_US", 7, 1).types("ordomart reload");
+    stage.ticks(60);
+    EXPECT_FALSE(unchanged("/api/goods?tag=stick", shut));
+    EXPECT_THAT(names("/api/goods?tag=stick"), ElementsAre("The state's"));
     const auto page = get("/");
     EXPECT_THAT(page->body, HasSubstr("/board/board.js"));
     EXPECT_TRUE(unchanged("/", page->get_header_value("ETag")));
@@ -210,7 +297,12 @@ TEST_F(BoardTest, RefusesWhatItDoesNotServe) {
     EXPECT_EQ(http.Post("/api/goods", "{}", "application/json")->status, 405);
     EXPECT_EQ(http.Delete("/api/goods")->status, 405);
     EXPECT_EQ(http.Head("/api/goods")->status, 200);
-    EXPECT_EQ(get("/api/goods")->status, 200);
+    httplib::Request withbody;
+    withbody.method = "GET";
+    withbody.path = "/api/goods";
+    withbody.body = "{}";
+    EXPECT_EQ(http.send(withbody)->status, 413);
+    EXPECT_EQ(get("/api/goods")->get_header_value("Access-Control-Allow-Origin"), "*");
 }
 
 TEST_F(ShutBoardTest, WhoeverCallsTooOftenWaits) {
@@ -221,8 +313,14 @@ TEST_F(ShutBoardTest, WhoeverCallsTooOftenWaits) {
     EXPECT_EQ(refused->status, 429);
     EXPECT_GT(std::stoi(refused->get_header_value("Retry-After")), 0);
     EXPECT_EQ(get("/", from("198.51.100.1"))->status, 429);
+    int callers = 0;
     EXPECT_EQ(get("/api", from("198.51.100.2"))->status, 200);
     EXPECT_EQ(get("/api")->status, 200);
+    // Whoever is no proxy of this machine speaks for himself.
+    http.stop();
+    http.set_interface("127.0.0.2");
+    for (const int status : {200, 200, 200, 429})
+        EXPECT_EQ(get("/api", from(("192.0.2." + std::to_string(++callers)).c_str()))->status, status) << callers;
 }
 
 TEST(BoardParts, RatesAndBounds) {

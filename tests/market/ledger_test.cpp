@@ -1,119 +1,17 @@
 // The ledger, seen from the market: what is entered, what players and operators are told out of it, trades taken back,
 // and an audit that finds whatever was changed behind its back.
-#include <fmt/format.h>
-#include <gmock/gmock.h>
+#include <prometheus/metric_family.h>
 
-#include <chrono>
 #include <regex>
 
-#include "platform/records.h"
-#include "plugin/ledger/audit.h"
-#include "plugin/ledger/ledger.h"
-#include "tests/market/books.h"
-#include "tests/market/forms_stage.h"
+#include "host/core/views.h"
+#include "tests/market/ledger_stage.h"
 
 using namespace forms;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-namespace {
-
-// Ada has goods and a commission, Bob trades with her, Olga is an operator. The clock is the real one, which is what
-// the money library's history goes by.
-struct Market {
-    explicit Market(int percent = 10, bool llmoney = true)
-        : stage({.config = {{"moneymode", llmoney ? 1 : 0}, {"tax", percent}},
-                 .llmoney = llmoney,
-                 .clock = std::chrono::duration_cast<std::chrono::milliseconds>(
-                              std::chrono::system_clock::now().time_since_epoch())
-                              .count()}) {
-        stage.writeshop(ada, {good("apple", 10, 10, "Red apples"), good("bread", 7, 5)},
-                        {commission("stone", 3, 8, "Stones")});
-        stage.writeshop(root, {good("apple", 20, 5, "The state's")}, {commission("apple", 2, 50, "The state's wish")},
-                        {{"isopshop", true}}, {{"isopshop", true}});
-        joins();
-        bob->setmoney(1000).gives(3, "stone", 5).gives(4, "stone", 5);
-        alice->setmoney(100);
-    }
-    void joins() {
-        alice = &stage.join("Alice", ada);
-        bob = &stage.join("Carl", ::bob);
-        olga = &stage.join("Olga", root, "en_US", desktop, 1);
-    }
-    void buys(const std::string& title, int pieces) { trades("Selling shops (form)", title, pieces); }
-    void sells(const std::string& title, int pieces) { trades("Recycle shops (form)", title, pieces); }
-    void trades(const std::string& list, const std::string& title, int pieces) {
-        bob->dismisses().types("ordomart formmenu").presses(list).presses(title);
-        Answers answers;
-        int left = pieces;
-        const json form = bob->form();
-        for (const auto& element : form["content"]) {
-            if (element["type"] == "input") answers.emplace_back(element["text"], std::to_string(pieces));
-            if (element["type"] != "slider") continue;
-            const int some = std::min(left, element["max"].get<int>());
-            answers.emplace_back(element["text"], some);
-            left -= some;
-        }
-        bob->fills(answers).dismisses();
-    }
-    std::string undo(int number) {
-        olga->forgets().types(fmt::format("ordomart undo {}", number));
-        return olga->replies();
-    }
-    // What the audit tells the operator, without the line that ends it.
-    std::string audit(const std::string& then = {}) {
-        olga->forgets().types("ordomart audit" + then);
-        stage.ticks(2);
-        auto told = olga->chat();
-        const auto end = told.find("The audit has ended");
-        EXPECT_NE(end, std::string::npos) << told << olga->replies();
-        return told.substr(0, end);
-    }
-    platform::Records& records() { return *stage.server().services().records; }
-    void changes(std::uint64_t number, const std::function<void(ledger::entry&)>& change) {
-        stage.onserver([&] {
-            auto one = ledger::decode(number, records().get("ledger", ledger::keyof(number)).value());
-            change(one);
-            records().put("ledger", ledger::keyof(number), [bytes = ledger::encode(one)] { return bytes; });
-        });
-    }
-    // "purchase Carl 3*10=30 fee 3"
-    std::vector<std::string> entries() {
-        std::vector<std::string> all;
-        stage.onserver([&] {
-            for (const auto& [key, bytes] : records().rows("ledger", {}, 100)) {
-                const auto one = ledger::decode(ledger::numberof(key), bytes);
-                all.push_back(fmt::format("{} {} {}*{}={} fee {}", ledger::nameof(one.what),
-                                          platform::PlayerInfo::fromXuid(one.actor), one.pieces, one.price, one.paid,
-                                          one.fee));
-            }
-        });
-        return all;
-    }
-    // Money, pieces, stocks and counters; a refused step leaves them, and an undone one brings them back.
-    std::string state() {
-        std::string text;
-        for (const auto& xuid : {ada, ::bob, root}) text += fmt::format("{} ", stage.money(xuid));
-        for (const char* item : {"apple", "stone"})
-            text += fmt::format("{} {} ", bob->counts(std::string("minecraft:") + item), item);
-        for (const auto& xuid : {ada, root}) {
-            auto file = stage.shopfile(xuid);
-            for (const char* key : {"items", "sellcount", "salesvolume"}) text += file["sell"][key].dump();
-            auto& recycles = file["recycles"];
-            // How the pieces that wait are parted into stacks is not what matters.
-            for (auto& row : recycles["recycleitems"])
-                EXPECT_TRUE(row["nowhasrecyclenum"] != 0 || row["recycleditemnbtlist"].empty());
-            for (auto& row : recycles["recycleitems"]) row.erase("recycleditemnbtlist");
-            for (const char* key : {"recycleitems", "recycleamount", "recyclecost"}) text += recycles[key].dump();
-        }
-        return text;
-    }
-
-    Stage stage;
-    Actor *alice = nullptr, *bob = nullptr, *olga = nullptr;
-};
-
-}  // namespace
+using testing::Not;
 
 TEST(Ledger, NumbersGoOnAndEntriesTellWhatHappened) {
     Market m;
@@ -137,15 +35,19 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
         SCOPED_TRACE(llmoney);
         Market m(10, llmoney);
         m.alice->dismisses();
+        const auto fees = [&] {
+            for (const auto& family : m.stage.server().views().counts())
+                if (family.name == "ordomart_fees_total") return family.metric.at(0).counter.value;
+            return -1.0;
+        };
         const struct {
             const char *list, *title;
             int pieces;
-        } trades[] = {{"Selling shops (form)", "Red apples", 3},
-                      {"Recycle shops (form)", "Stones", 7},
-                      {"Selling shops (form)", "The state's", 1},
-                      {"Recycle shops (form)", "The state's wish", 1},
-                      {"Selling shops (form)", "Red apples", 10}};  // all there is
-        m.bob->gives(5, "apple", 1);
+        } trades[] = {
+            {"Selling shops (form)", "Red apples", 3},  {"Recycle shops (form)", "Stones", 7},
+            {"Selling shops (form)", "The state's", 1}, {"Recycle shops (form)", "The state's wish", 1},
+            {"Recycle shops (form)", "Earth", 3},       {"Selling shops (form)", "Red apples", 10}};  // all there is
+        m.bob->gives(5, "apple", 1).gives(6, "dirt", 4);
         int number = 0;
         for (const auto& [list, title, pieces] : trades) {
             SCOPED_TRACE(title);
@@ -163,7 +65,6 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
             EXPECT_EQ(m.state(), before);
             ++number;
         }
-        EXPECT_EQ(m.audit(), "");
         const auto told = [&](const std::string& who) {
             m.olga->forgets().types("ordomart trades" + who);
             m.stage.ticks(2);
@@ -178,6 +79,16 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
         EXPECT_EQ(told(" Olga"), told(" " + std::string(root)));
         EXPECT_EQ(told(" systemshop"), "There is no such trade in the ledger.");
         EXPECT_EQ(told(" Nobody"), "failed to find playerinfo:Nobody");
+        EXPECT_EQ(fees(), 3 + 2 + 10) << "of trades, not of their undoing";
+        // Of pieces that lie together some go.
+        const auto before = m.state();
+        m.sells("Stones", 3);
+        m.sells("Stones", 4);
+        for (const int pieces : {3, 4}) {
+            EXPECT_THAT(m.undo(number + pieces - 2), HasSubstr("is undone, as entry"));
+        }
+        EXPECT_EQ(m.state(), before);
+        EXPECT_EQ(m.audit(), "");
         EXPECT_EQ(m.undo(99), "There is no entry 99 in the ledger.");
         EXPECT_EQ(m.bob->forgets().types("ordomart undo 1").replies(), "permission denied");
         EXPECT_EQ(m.bob->types("ordomart audit").types("ordomart trades").replies(),
@@ -195,10 +106,15 @@ TEST(Ledger, AnUndoSaysAllThatIsMissingAndChangesNothing) {
         EXPECT_EQ(m.state(), before);
     };
     m.bob->loses(0).gives(0, "apple", 1);
+    m.bob->gives(1, "apple", 2,
+                 R"({Count:2b,CanDestroy:["minecraft:dirt"],Damage:0s,Name:"minecraft:apple",WasPickedUp:0b})");
     m.alice->setmoney(20);
     refuses(1, "Carl lacks 2 of 3 pieces of Apple.\nAlice has 20 of 27 LLmoney.");
     m.bob->gives(0, "apple", 3);
     refuses(1, "Alice has 20 of 27 LLmoney.");
+    m.alice->setmoney(27);
+    m.bob->setmoney(INT64_MAX);
+    refuses(1, "The payment was refused, so nothing has been traded. If this goes on, please tell an operator.");
     m.bob->setmoney(20);
     refuses(2, "Carl has 20 of 21 LLmoney.");
     m.bob->setmoney(21);
@@ -210,13 +126,15 @@ TEST(Ledger, AnUndoSaysAllThatIsMissingAndChangesNothing) {
     m.alice->presses("Stones").presses("yes").dismisses();
     refuses(2, "7 of 7 pieces of Stone are not in the commission of Alice any more.");
     m.alice->setmoney(27);
-    m.bob->leaves();
+    m.bob->dies();
+    refuses(1, "Carl is not here.");
+    m.bob->revives().leaves();
     EXPECT_THAT(m.undo(1), HasSubstr("Carl is not here."));
     EXPECT_EQ(m.stage.money(ada), 27);
     EXPECT_EQ(m.audit(), "");
 }
 
-TEST(Ledger, AnUndoneSaleNeedsItsCommissionAsItWas) {
+TEST(Ledger, AnUndoneTradeNeedsItsRecordAsItWas) {
     const auto file = "plugins/Ordomart/data/" + ada + ".json";
     const struct {
         const char* what;
@@ -229,6 +147,8 @@ TEST(Ledger, AnUndoneSaleNeedsItsCommissionAsItWas) {
         {"full", [](json& rows) { rows[0]["recycleitemleftwanna"] = INT32_MAX; },
          "The commission for Stone at 3 is not there any more."},
         {"another item there, too", [](json& rows) { rows.insert(rows.begin(), commission("apple", 3, 8, "More")); },
+         nullptr},
+        {"one like it that is empty", [](json& rows) { rows.insert(rows.begin(), commission("stone", 3, 8, "More")); },
          nullptr},
     };
     for (const auto& [what, inrows, told] : cases) {
@@ -248,6 +168,20 @@ TEST(Ledger, AnUndoneSaleNeedsItsCommissionAsItWas) {
             EXPECT_EQ(m.undo(1), told);
             EXPECT_EQ(m.state(), before);
         }
+    }
+    // A stock that has no room for them stays, and the pieces stand beside it.
+    {
+        Market m;
+        m.buys("Red apples", 3);
+        m.stage.restart();
+        auto content = json::parse(m.stage.file(file));
+        content["sell"]["items"][0]["shopitemleftnum"] = INT32_MAX;
+        m.stage.write(file, content.dump());
+        m.joins();
+        EXPECT_THAT(m.undo(1), HasSubstr("Trade 1 is undone"));
+        const json items = m.stage.shopfile(ada)["sell"]["items"];
+        EXPECT_EQ(items.front()["shopitemleftnum"], INT32_MAX);
+        EXPECT_EQ(items.back()["shopitemleftnum"], 3);
     }
     // An item that this server does not know any more is handed out to nobody.
     Market m;
@@ -317,6 +251,29 @@ TEST(Ledger, TheAuditNamesWhatDiffersWithItsShopAndFirstTrade) {
              fmt::format("entry 2: money 22 from SYSTEM to {} in the ledger, nothing of it in the history in the "
                          "library\n",
                          bob)},
+        {"a payment of two",
+         {},
+         [](Market& m) { m.changes(3, [](auto& one) { one.paid = 30, one.fee = 3; }); },
+         sells +
+             fmt::format("entry 3: money 3 from {} to SYSTEM in the ledger, nothing of it in the history in the "
+                         "library\n{}entry 3: money 27 from {} to {} in the ledger, nothing of it in the history in "
+                         "the library\n",
+                         bob, sells, bob, ada)},
+        {"a payment before all that is left of the history",
+         {},
+         [](Market& m) { m.changes(1, [](auto& one) { one.paid = 44, one.time -= 3600; }); },
+         ""},
+        {"the last entry gone",
+         {},
+         [](Market& m) { m.stage.onserver([&] { m.records().erase("ledger", ledger::keyof(3)); }); },
+         ".sell, entry 3: entry an entry in the ledger, none in the shop\n" + sells +
+             "entry 1: counter 3 in the ledger, 4 in the shop\n" + sells +
+             "entry 1: volume 30 in the ledger, 40 in the shop\n" + sells +
+             "entry 1: stock 7 in the ledger, 6 in the shop\n"},
+        {"goods out of nowhere",
+         [](json& f) { f["sell"]["items"].push_back(good("stone", 1, 2)); },
+         {},
+         sells + "entry 3: stock none in the ledger, 2 in the shop\n"},
         {"a shop gone", [](json& f) { f = nullptr; }, {}, "gone"},
     };
     for (const auto& plant : plants) {
@@ -372,6 +329,13 @@ TEST(Ledger, WhoComesBackIsToldOnce) {
     m.buys("Red apples", 1);
     EXPECT_EQ(m.stage.join("Alice", ada, "zh_CN").chat(),
               "§e你离开期间：§r\n你的商店成交1笔，售出1件，收入§a9§rLLmoney");
+    // Of many that are sold out the first are named.
+    const std::string dora = "2535400000000008";
+    json rows = json::array();
+    for (const char* title : {"a1", "a2", "a3", "a4", "a5", "a6", "a7"}) rows.push_back(good("bread", 1, 1, title));
+    m.stage.writeshop(dora, rows);
+    for (const auto& row : rows) m.buys(row["shopitemname"], 1);
+    EXPECT_THAT(m.stage.join("Dora", dora).chat(), HasSubstr("Sold out: a1, a2, a3, a4, a5 and 2 more"));
 }
 
 TEST(Ledger, APlayerAsksForPrices) {
@@ -379,6 +343,13 @@ TEST(Ledger, APlayerAsksForPrices) {
     m.buys("Red apples", 3);
     m.buys("Red apples", 1);
     m.sells("The state's wish", 4);
+    const auto wool = [](int colour) {
+        return fmt::format("{{Count:1b,Damage:{}s,Name:\"minecraft:wool\",WasPickedUp:0b}}", colour);
+    };
+    const std::string dora = "2535400000000008";
+    json secret = good("apple", 1, 5, "Secret");
+    secret["allowbesearched"] = false;
+    m.stage.writeshop(dora, {secret, good(wool(1), 5, 5), good(wool(14), 6, 5)}, commission("apple", 1, 5));
     const auto asks = [&](const std::string& line) {
         m.bob->forgets().types("ordomart prices" + line);
         m.stage.ticks(2);
@@ -388,7 +359,8 @@ TEST(Ledger, APlayerAsksForPrices) {
     const auto all = "§eApple§r: prices in LLmoney\n1 d" + week + "7 d" + week + "30 d" + week +
                      "§a·····························▄§r\n§7Cheapest offers now:§r\n§a10§r, 6 pieces: " + ada +
                      "'s shop§r\n§a20§r, 5 pieces: " + root +
-                     "'s shop§r\n§7Best commissions now:§r\n§a2§r, 50 pieces: " + root + "'s recycleshop§r";
+                     "'s shop§r\n§7Best commissions now:§r\n§a2§r, 50 pieces: " + root +
+                     "'s recycleshop§r\n§a1§r, 5 pieces: " + dora + "'s recycleshop§r";
     for (const char* name : {" apple", " minecraft:apple", " Apple"}) EXPECT_EQ(asks(name), all) << name;
     EXPECT_THAT(asks(" bread"), HasSubstr("Not traded within the last 30 days.\n§7Cheapest offers now:§r\n§a7§r, 5"));
     EXPECT_EQ(asks(" nothing"), "There is no item called nothing.");
@@ -398,6 +370,8 @@ TEST(Ledger, APlayerAsksForPrices) {
     EXPECT_EQ(asks(""), all) << "and in another";
     m.bob->loses(8);
     EXPECT_THAT(asks(""), HasSubstr("Take an item in your hand"));
+    m.bob->gives(8, "wool", 1, wool(14));
+    EXPECT_THAT(asks(""), AllOf(HasSubstr("§a6§r, 5 pieces"), Not(HasSubstr("§a5§r, 5 pieces"))));
     m.bob->gives(0, "apple", 3);
     EXPECT_THAT(m.undo(1), HasSubstr("Trade 1 is undone"));
     m.stage.advance(8LL * 86400 * 1000);

@@ -178,6 +178,19 @@ TEST(ListBuilders, TheWorldGoesOnUnderAWalk) {
         EXPECT_EQ(b.rows("1"), kind == listkind::globalsell ? 4U : longshop);
     }
     {
+        SCOPED_TRACE("changed in the middle of a long shop");
+        Bazaar b;
+        (void)sells("b");
+        b.orders("1", listkind::singlesell, "b");
+        b.beforeturn(4, [] {
+            sells("b").items[0]["shopitemname"] = "other";
+            sells("b").markshopchanged();
+        });
+        b.builders.run();
+        EXPECT_TRUE(names("1").starts_with("other b1 "));
+        EXPECT_EQ(b.rows("1"), longshop);
+    }
+    {
         SCOPED_TRACE("made anew while it is being sorted");
         Bazaar b;
         auto& state = b.of("1");

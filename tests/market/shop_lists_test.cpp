@@ -1,5 +1,8 @@
 // The lists of rows: which shops and rows each builder takes, and the orders.
+#include <fmt/format.h>
 #include <gtest/gtest.h>
+
+#include <cstring>
 
 #include "plugin/shopsystem/lists.h"
 #include "plugin/shopsystem/runtimeshopmanager.h"
@@ -113,33 +116,83 @@ TEST(Lists, PagesAreClampedAndLongShopsComeWhole) {
     EXPECT_EQ(market.state.sellreadlist.row(199).index, 199);
 }
 
-TEST(Lists, WhatIsBrokenIsLeftOutAndTheWalkGoesOn) {
-    Market market("reader");
-    json wrong = good("w");
-    wrong["price"] = 3.7;
-    market.put("first", {{"items", {good("x"), wrong, good("z")}}});
-    market.disk.contents[ShopHost::path("second")] = "{";
-    market.put("third", {{"items", {good("y")}}});
-    for (int times = 0; times < 2; ++times) {
-        sellshop::prepareglobalsellshopfilterforplayer("reader");
-        EXPECT_EQ(names(market.state), "x z y | ");
-    }
-    EXPECT_EQ(market.disk.contents[ShopHost::path("second")], "{");
-}
-
-TEST(Lists, SortByTheFilterStep) {
-    Market market("sorter");
-    json items = {good("pear", 5, true, 30), good("Apple", 9, true, 10), good("fig", 7, true, 20)};
-    const char* tags[] = {"b", "\xC3\xA9", "a"};
-    for (std::size_t i = 0; i < items.size(); ++i) items[i]["shopitemtag"] = tags[i];
-    market.put("sorted", {{"items", items}});
-    const char* orders[] = {"pear Apple fig | ", "Apple fig pear | ", "fig pear Apple | ", "pear fig Apple | ",
-                            "Apple fig pear | "};
-    for (std::uint8_t step = 0; step < 5; ++step) {
-        preparesinglesell("sorter", "sorted");
-        market.state.filterstep = step;
-        sortsellreadlist(market.state);
-        EXPECT_EQ(names(market.state), orders[step]) << int{step};
+// A shop that is in no cache, before and behind something that happens to its file or to the clock.
+TEST(Lists, AShopThatOnlyItsFileHasIsReadAgainWhenItMayBeAnother) {
+    struct Files : market_tests::ShopHost {
+        market_tests::StampedFiles store;
+        Files() {
+            services.files = &store;
+            store.directories = disk.directories;
+        }
+        ~Files() { services.files = &disk; }
+        void becomes(const char* part, const std::string& other) {
+            auto& text = store.contents[path("a")];
+            text.replace(text.find(part), std::strlen(part), other);
+        }
+        // "pear 7 fruit sweet", and the revision.
+        std::pair<std::string, std::uint32_t> list() {
+            sellshop::prepareglobalsellshopfilterforplayer("viewer");
+            const auto& all = getplayershopstate("viewer").sellreadlist;
+            if (all.size() != 1) return {std::to_string(all.size()), UINT32_MAX};
+            const auto row = all.row(0);
+            return {fmt::format("{} {} {} {}", row.shopitemname, row.realprice, row.shopitemtag, row.shopitemdescribe),
+                    row.revision};
+        }
+    };
+    static constexpr auto pear = "pear 7 fruit sweet";
+    const struct {
+        const char* what;
+        std::function<void(Files&)> between;
+        std::string before, behind;
+        bool sameshop = false;
+    } cases[] = {
+        {"another writing", [](Files& f) { f.becomes(":7", ": 7"); }, pear, pear, true},
+        {"a price", [](Files& f) { f.becomes(":7", ":8"); }, pear, "pear 8 fruit sweet"},
+        {"a discount", [](Files& f) { f.becomes("none", "fruit"); }, pear, "pear 5 fruit sweet"},
+        {"a tag", [](Files& f) { f.becomes("fruit", "tree"); }, pear, "pear 7 tree sweet"},
+        {"a description", [](Files& f) { f.becomes("sweet", "sour"); }, pear, "pear 7 fruit sour"},
+        {"another item", [](Files& f) { f.becomes("{}", "[]"); }, pear, pear},
+        {"a section twice", [](Files& f) { f.becomes("\"sell\":", R"("sell":{"items":5},"sell":)"); }, pear, pear,
+         true},
+        {"and the last without goods", [](Files& f) { f.becomes("}}", R"(},"sell":{"describe":""}})"); }, pear, "0"},
+        {"the last second of a ban",
+         [](Files& f) {
+             f.becomes("}}", R"(,"shopstate":{"isbaned":true,"bantimeend":1000002,"banreason":""}}})");
+             EXPECT_EQ(f.list().first, "0");
+             f.clock.seconds = 1'000'002;
+         },
+         pear, pear},
+        {"a ban that is over, and a clock that goes back",
+         [](Files& f) {
+             f.becomes("}}", R"(,"shopstate":{"isbaned":true,"bantimeend":999999,"banreason":""}}})");
+             EXPECT_EQ(f.list().first, pear);
+             f.clock.seconds = 999'990;
+         },
+         pear, "0"},
+        {"a disk that was gone for once",
+         [](Files& f) {
+             f.becomes(":7", ":8");
+             f.store.behindtheread = [] { throw std::runtime_error("gone"); };
+             EXPECT_EQ(f.list().first, "0");
+         },
+         pear, "pear 8 fruit sweet"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        Files files;
+        const json row = {{"shopitemname", "pear"},      {"price", 7},      {"shopitemtag", "fruit"},
+                          {"shopitemdescribe", "sweet"}, {"itemnbt", "{}"}, {"shopitemleftnum", 1},
+                          {"allowbesearched", true}};
+        const json discount = {{"shopitemtag", "none"}, {"discount", "-2"}, {"timeend", 1'000'009}};
+        files.store.contents[Files::path("a")] =
+            json{{"sell", {{"items", {row}}, {"shopdiscount", {discount}}}}}.dump();
+        const auto before = files.list();
+        EXPECT_EQ(before.first, c.before);
+        c.between(files);
+        const auto behind = files.list();
+        EXPECT_EQ(behind.first, c.behind);
+        EXPECT_EQ(before.second == behind.second, c.sameshop) << "by the revision, which an old form has";
+        EXPECT_EQ(globalruntimeshopmanager.cached("a", sell), nullptr);
     }
 }
 
