@@ -73,7 +73,7 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
         };
         const std::string title = "The newest trades, by their numbers:\n";
         EXPECT_THAT(told(""),
-                    testing::StartsWith(title + "10 trade 9 was undone\n9 Carl bought 10 x Apple from Alice "));
+                    testing::StartsWith(title + "12 trade 11 was undone\n11 Carl bought 10 x Apple from Alice "));
         EXPECT_THAT(told(" Olga"),
                     testing::StartsWith(title + "8 trade 7 was undone\n7 Carl sold 1 x Apple to Olga for "));
         EXPECT_EQ(told(" Olga"), told(" " + std::string(root)));
