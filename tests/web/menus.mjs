@@ -7,7 +7,7 @@
 export const outside = "outside", lastmenu = "the menu of forms that was opened last";
 
 const spyglass = { to: "+sign", text: "shopview.readonlymode" };
-const stays = (text) => ({ to: "", text });  // something is heard at most
+const stays = (text) => ({ to: "", text, silent: true });  // the market does not answer a press
 const to = (place, text) => ({ to: place, text });
 
 // A list on the screen, and the same with the sign of the double-click mode on the cursor.

@@ -103,7 +103,8 @@ export class Walk {
     await this.server.call("POST", "/api/clock", { milliseconds: coolness });
     await this.press(door, this.now);
     this.untried.get(from).delete(door);
-    if (from !== to && !await this.comes(to) && await this.waslost(from) && ++this.lost <= mostlost) await this.press(door, this.now);
+    const came = from === to && !this.menus[from].doors?.[door]?.silent ? await this.stirs() : await this.comes(to);
+    if (!came && await this.waslost(from) && ++this.lost <= mostlost) await this.press(door, this.now);
     await this.arrived(to, how);
     this.at = to;
     if (this.menus[to].ismenu) this.last = to;
@@ -111,8 +112,18 @@ export class Walk {
 
   // The page stands as it stood, and the market has not been heard since: it heard of no click either.
   async waslost(from) {
+    return !await this.hears() && this.difference(from, this.now) === null;
+  }
+
+  // Whether the market has said or sounded something since the last door.
+  async hears() {
     const { heard } = await this.server.call("GET", `/api/players/${encodeURIComponent(this.player.name)}?heard=${this.heard}`);
-    return heard.length === 0 && this.difference(from, this.now) === null;
+    return heard.length > 0;
+  }
+
+  // A door that leads back to where he stands shows nothing new; the market answers it all the same.
+  async stirs() {
+    return this.until(() => this.hears());
   }
 
   async press(door, { form, slots }) {
@@ -147,10 +158,14 @@ export class Walk {
 
   // Whether the place is seen before his patience ends.
   async comes(to) {
+    return this.until(() => this.difference(to, this.now) === null);
+  }
+
+  async until(holds) {
     for (const late = Date.now() + patience; Date.now() < late;) {
       await this.server.call("POST", "/api/ticks", { count: ticksatonce });
       this.now = await this.card.evaluate(look);
-      if (this.difference(to, this.now) === null) return true;
+      if (await holds()) return true;
       await new Promise((done) => { setTimeout(done, 25); });
     }
     return false;
