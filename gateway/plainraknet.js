@@ -1,6 +1,6 @@
-// A plain RakNet server, as far as game clients use it. The native one of the packages was seen to cut players off, and to
-// break its process's memory, under fire; this one is made to be shot at: a datagram is believed whole or not at all, nothing is kept for a stranger but a bounded number of
-// half-open connections, and a peer that does not acknowledge is cut off.
+// A plain RakNet server, as far as game clients use it. The native one of the packages was seen to cut players off under
+// fire; this one is made to be shot at: a datagram is believed whole or not at all, nothing is kept for a stranger but a
+// bounded number of half-open connections, and a peer that does not acknowledge is cut off.
 import { randomBytes } from "node:crypto";
 import { createSocket } from "node:dgram";
 

@@ -4,6 +4,15 @@ import { readstrictly, require, shield, version } from "./strict.mjs";
 
 const { createClient } = require("bedrock-protocol/src/createClient");
 
+// A client of the library closes its connection again when it hears that it is closed; the native one has given back its
+// memory by then.
+const { Client: Connection } = require("raknet-native");
+const { close } = Connection.prototype;
+Connection.prototype.close = function () {
+  if (!this.closed) close.call(this);
+  this.closed = true;
+};
+
 const patience = 20_000;
 const origin = { type: "player", uuid: "00000000-0000-0000-0000-000000000001", request_id: "", player_entity_id: undefined };
 
