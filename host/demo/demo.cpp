@@ -46,9 +46,13 @@ bool ismark(const json& mark) { return mark.is_object() && mark.contains("welcom
 void welcome(platform::ServerPlayer& player, Money& money) {
     for (const Gift& gift : gifts) player.getSupplies().add(platform::ItemStack::create(gift.item, gift.count));
     player.refreshInventory();
-    if (money.there()) money.set(player.getXuid(), demopurse);
+    // An owner may have been paid before he comes for the first time.
+    const auto& xuid = player.getXuid();
+    if (money.there()) money.set(xuid, money.get(xuid) + demopurse);
+    constexpr const char *english = "§eThis is a demo market: {} coins are yours. Type §f/ordomart§e.",
+                         *chinese = "§e这是演示集市，送你{}枚金币。输入§f/ordomart§e开始。";
     player.sendText(
-        fmt::format("\u00a7eThis is a demo market: {} coins are yours. Type \u00a7f/ordomart\u00a7e.", demopurse));
+        fmt::format(fmt::runtime(player.getLanguageCode().starts_with("zh") ? chinese : english), demopurse));
 }
 
 }  // namespace

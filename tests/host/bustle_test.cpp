@@ -90,7 +90,7 @@ TEST(Bustle, TradesByItsSeedAndItsBooksBalance) {
     EXPECT_TRUE(market.clients.joined().empty());
     market.clients.join({.name = "Olga", .xuid = "2535400000000999", .permission = 2});
     market.server.settle();
-    EXPECT_THAT(market.says("Olga: ordomart audit"), HasSubstr(" 0 differences"));
+    EXPECT_THAT(market.says("Olga: ordomart audit"), HasSubstr("differences: 0."));
 }
 
 // What is heard by a crowd floods neither the terminal nor what is kept for pages.
@@ -103,6 +103,11 @@ TEST(Bustle, PlaysInTheBackground) {
     caller.post("/api/players", {{"name", "Jonas"}});
     caller.put("/api/players/Jonas/money", {{"amount", 1'000'000}});
     caller.remove("/api/players/Jonas");
+    // So does an owner who was paid before he came for the first time.
+    caller.put("/api/players/Rosa/money", {{"amount", 70}});
+    caller.post("/api/players", {{"name", "Rosa"}});
+    EXPECT_EQ(caller.get("/api/players/Rosa/money").body["amount"], 70 + host::demopurse);
+    caller.remove("/api/players/Rosa");
     EXPECT_EQ(caller.post("/api/bustle", {{"players", 3}}).body["players"], 3);
     market.printed.clear();
     market.server.ticks(200);
