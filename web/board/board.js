@@ -62,7 +62,9 @@ function search(view, query) {
     event.preventDefault();
     goes(addressof(view.name, Object.fromEntries([...new FormData(event.target)].filter(([, value]) => value !== ""))));
   };
-  const more = others.length > 0 && h("details", { open: others.some(({ name }) => query[name]) }, h("summary", {}, t("boardmore")),
+  // The address of a row names it to the end of each text. Whoever follows it wants to see the row, and no filters.
+  const typed = ({ name }) => query[name] && !query[name].endsWith("$");
+  const more = others.length > 0 && h("details", { open: others.some(typed) }, h("summary", {}, t("boardmore")),
     h("div", { class: "fields" }, ...others.map((one) => field(one, query))));
   return h("form", { class: "search", role: "search", on: { submit } },
     h("div", { class: "fields" }, ...always.map((one) => field(one, query))), more || null,
