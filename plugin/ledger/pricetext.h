@@ -10,10 +10,10 @@
 
 namespace ledger {
 
-// The item that somebody means: by its full or short name, or as it is called in a language. Server thread.
+// The item that somebody means: by its full or short name, or as it is called in a language. Any thread.
 [[nodiscard]] std::optional<std::string> itemnamed(const std::string& text, const std::string& language);
 
-// As a player calls it: "Wool:14", "Diamond Sword (enchanted)". Server thread.
+// As a player calls it: "Red Wool", "Diamond Sword (enchanted)". Server thread.
 [[nodiscard]] std::string nameof(const variant& what, const std::string& language);
 
 // Gathers it beside the server and tells the player. `exact`: this variant alone. Server thread.

@@ -88,7 +88,8 @@ std::string answerprices(const std::string& query) {
     json answer = {{"rows", json::array()}};
     std::string traded;
     bool isfound = false;
-    for (const auto& line : ledger::pricesbyday(item, last, days)) {
+    const auto variants = ledger::pricesbyday(item, last, days);
+    for (const auto& line : variants) {
         const auto text = line.what.text();
         traded += (traded.empty() ? "" : ", ") + text;
         if (isfound || (!variant.empty() && variant != text)) continue;
@@ -105,7 +106,7 @@ std::string answerprices(const std::string& query) {
             answer["rows"].push_back(std::move(row));
         }
     }
-    if (!traded.empty())
+    if (variants.size() > 1)
         answer["note"] = {{"en_US", fmt::format("Traded variants, the usual one first: {}", traded)},
                           {"zh_CN", fmt::format("有成交的品种（常见的在前）：{}", traded)}};
     return answer.dump();

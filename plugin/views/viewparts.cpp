@@ -10,9 +10,8 @@
 
 #include "platform/background.h"
 #include "platform/foreignjson.h"
-#include "platform/host.h"
-#include "platform/item.h"
 #include "platform/level.h"
+#include "plugin/ledger/pricetext.h"
 
 namespace ordomart::views {
 
@@ -102,10 +101,9 @@ std::string question::player(const char* field) const {
 std::string question::item(const char* field) const {
     auto given = text(field);
     if (given.empty()) return given;
-    for (char& c : given) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    const auto* const info = platform::host().items->find(given);
-    if (info == nullptr) refuse(fmt::format("there is no item \"{}\"", given));
-    return info->name;
+    for (const char* const language : {"en_US", "zh_CN"})
+        if (auto name = ledger::itemnamed(given, language)) return *std::move(name);
+    refuse(fmt::format("there is no item \"{}\"", given));
 }
 
 bool goeson() { return !platform::Background::stopping(); }

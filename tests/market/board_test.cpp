@@ -91,7 +91,8 @@ TEST_F(BoardTest, ListsAreThoseOfTheGame) {
         {"goods?text=Bob", {}},
         {"goods?text=Fine%7B%7C%7C%7DFull&sort=name", {"Fine apple", "Full chest"}},
         {"goods?item=minecraft:apple", {"Fine apple"}},  // not what lies in the chest, whatever the keys' order
-        {"goods?item=minecraft:chest", {"Full chest"}},
+        {"goods?item=Chest", {"Full chest"}},
+        {"goods?item=%E7%AE%B1%E5%AD%90", {"Full chest"}},  // the same in Chinese
         {"goods?item=minecraft:stick", {}},
         {"goods?item=minecraft:apple&tag=coal$", {}},
         {"goods?tag=apple%7B%7C%7C%7Dchest$", {"Fine apple", "Full chest"}},
