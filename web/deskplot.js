@@ -58,11 +58,13 @@ export class Plot {
       ...(draw === "bar" && { paths: this.uplot.paths.bars({ size: [0.7, 40] }), fill: colour("--ghost"), stroke: colour("--ghost"), dash: undefined, points: { show: false } }),
     }));
     const data = [rows.map((row) => row[x.name]), ...columns.map((column) => rows.map((row) => row[column.name] ?? null))];
+    // Half a step beside the first and the last, so that no bar is cut.
+    const [first, last] = [data[0][0], data[0].at(-1)], beside = (last > first ? (last - first) / (rows.length - 1) : 86400) / 2;
     return new this.uplot({
       width: this.element.clientWidth, height: heights[draw],
       tzDate: (seconds) => this.uplot.tzDate(new Date(seconds * 1000), "Etc/UTC"),
       cursor: { sync: { key: "desk" }, drag: { x: false, y: false } },
-      scales: { x: { time: ["time", "day"].includes(x.kind) }, y: { range: (plot, low, high) => [0, high > 0 ? high * 1.05 : 1] } },
+      scales: { x: { time: ["time", "day"].includes(x.kind), range: [first - beside, last + beside] }, y: { range: (plot, low, high) => [0, high > 0 ? high * 1.05 : 1] } },
       axes: [{ ...axis, values: (plot, marks) => marks.map((mark) => shorttime(mark, x)) }, { ...axis, size: 58, values: (plot, marks) => marks.map((mark) => narrow.format(mark)) }],
       series: [{ label: shown(x.title, {}), value: (plot, value) => (value === null ? "–" : shown(value, x)) }, ...series],
     }, data, this.element);

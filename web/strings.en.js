@@ -75,7 +75,7 @@ export default {
   bustle: "Bustling market", bustleon: "Bustling market: {here} players", bustleplayers: "Players at a time",
   bustlestart: "Let them in", bustlestop: "Send them away", bustlechange: "Change",
   bustletext: "Made-up players come, open shops, buy, sell and go. They bring goods and coins out of nothing, and what they trade stays in this demo market's books, also when they have gone. At first they hurry, so that there is something to see.",
-  bustlegoes: "{here} of {players} players are here; {trades} trades so far.",
+  bustlegoes: "Players here: {here} of {players}; trades so far: {trades}.",
   bustlerefused: "There is none here: made-up players bring goods and coins out of nothing, and their trades stay in the books. They are only for a demo market, which the server makes in a new directory when it is started without --empty.",
 
   board: "Market board", boardmore: "More filters", boardall: "Show all", boardshare: "Share", boardcopied: "The address is copied.",

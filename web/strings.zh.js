@@ -63,7 +63,7 @@ export default {
   givensnbt: "{name} 已得到。", nofree: "{name} 没有空位。", noitem: "没有这样的物品。", chooseitem: "请先选择物品。",
   objective: "计分项", value: "数值", readscore: "读取", scoreis: "{name} 的 {objective} 为 {value}。",
   speed: "每秒刻数", pause: "暂停", resume: "继续", paused: "已暂停", running: "每秒 {speed} 刻",
-  manual: "服务器只按调用走刻。", runticks: "走刻", moveclock: "拨动时钟（毫秒）", tickis: "第 {tick} 刻",
+  manual: "手动模式：游戏刻只在收到调用时推进。", runticks: "推进", moveclock: "拨动时钟（毫秒）", tickis: "第 {tick} 刻",
   logpause: "停住", logresume: "跟随", logclear: "清空", loglevel: "最低级别", logempty: "还没有日志。",
   nomoney: "没有 LLMoney",
 
