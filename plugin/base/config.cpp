@@ -201,7 +201,7 @@ settingsdraft draftsettings() {
     };
     const auto readfile = [&](const std::string& path, std::span<const settingrow> rows) {
         const auto text = host().files->read(path);
-        if (!text) return fault(path, "cannot be read");
+        if (!text) return fault(path, host().files->exists(path) ? "cannot be read" : "is missing");
         json document;
         try {
             document = parsed(*text);

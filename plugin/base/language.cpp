@@ -68,7 +68,7 @@ textsdraft drafttexts() {
     textsdraft draft;
     const auto fault = [&](const std::string& why) { draft.faults.push_back(paths::langs + ": " + why); };
     const auto text = host().files->read(paths::langs);
-    if (!text) return fault("cannot be read"), draft;
+    if (!text) return fault(host().files->exists(paths::langs) ? "cannot be read" : "is missing"), draft;
     nlohmann::json document;
     try {
         document = readforeignjson(*text);
