@@ -80,7 +80,8 @@ void asktrades(ServerPlayer* player, const std::string& party, CommandOutput& ou
 
 void askundo(ServerPlayer* player, std::int64_t number, CommandOutput& output) {
     if (!hasledger(player, output)) return;
-    const auto result = ledger::undo(*player, static_cast<std::uint64_t>(std::max<std::int64_t>(number, 0)));
+    if (number < 1) return output.error(filled(tr(player, owntext::undonone), number));
+    const auto result = ledger::undo(*player, static_cast<std::uint64_t>(number));
     for (const auto& missing : result.missing) output.error(missing);
     if (result.number != 0) output.success(result.done);
 }

@@ -62,7 +62,7 @@ std::string notempty(const std::vector<std::string>& owners, const std::function
     }
     if (found == 0) return {};
     if (found > mostshopsnamed) named += fmt::format(" and {} more", found - mostshopsnamed);
-    return fmt::format("{} shops are here and not empty: {}", found, named);
+    return "shops that are here and not empty: " + named;
 }
 
 void savetakenin() {

@@ -29,6 +29,7 @@ constexpr std::size_t mostvariants = 3, mostoffers = 3;
 struct offer {
     std::int32_t price = 0, left = 0;
     std::string shop;
+    variant what;
 };
 struct gathered {
     std::vector<pricedays> prices;
@@ -64,8 +65,9 @@ std::vector<offer> bestof(int kind, const std::string& item, const std::optional
     for (const auto& [price, of, row] : rows) {
         const auto at = of->at(row);
         const std::string text(at.texts.at(shopsystem::rowtexts::stack, at.text));
-        if (!isthat(variantof(text), item, exact)) continue;
-        best.push_back({price, at.left, at.block.shop.shopname});
+        auto what = variantof(text);
+        if (!isthat(what, item, exact)) continue;
+        best.push_back({price, at.left, at.block.shop.shopname, std::move(what)});
         if (best.size() == mostoffers) break;
     }
     return best;
@@ -96,11 +98,15 @@ std::string periodline(const pricedays& of, int days, const std::string& languag
                   line.pieces, line.money);
 }
 
-std::string offerlines(const char* title, const std::vector<offer>& offers, const std::string& language) {
+// Another variant than the one that the title names is named, too.
+std::string offerlines(const char* title, const std::vector<offer>& offers, const variant& asked,
+                       const std::string& language) {
     if (offers.empty()) return {};
     std::string text = "\n§7" + tr(language, title) + "§r";
-    for (const auto& [price, left, shop] : offers)
+    for (const auto& [price, left, shop, what] : offers) {
         text += "\n" + filled(tr(language, owntext::pricesoffer), price, left, shop);
+        if (what != asked) text += " §b" + nameof(what, language) + "§r";
+    }
     return text;
 }
 
@@ -113,8 +119,8 @@ std::string pricelines(const gathered& all, const variant& asked, const std::str
         for (const int days : periods) text += "\n" + periodline(of, days, language);
         text += "\n§a" + pictureof(of) + "§r";
     }
-    return text + offerlines(owntext::pricesoffers, all.goods, language) +
-           offerlines(owntext::pricescommissions, all.commissions, language);
+    return text + offerlines(owntext::pricesoffers, all.goods, asked, language) +
+           offerlines(owntext::pricescommissions, all.commissions, asked, language);
 }
 
 gathered gather(const std::string& item, const std::optional<variant>& exact) {
@@ -132,9 +138,13 @@ std::string lowercase(std::string text) {
 }  // namespace
 
 std::string nameof(const variant& what, const std::string& language) {
-    const auto stack = platform::ItemStack::create(what.name, 1, static_cast<std::int16_t>(what.aux));
-    std::string name = stack.isNull() ? what.name : ordomart::itemlocalname(stack, language);
-    if (what.aux != 0) name += fmt::format(":{}", what.aux);
+    const auto called = [&](std::int32_t aux) {
+        const auto stack = platform::ItemStack::create(what.name, 1, static_cast<std::int16_t>(aux));
+        return stack.isNull() ? what.name : ordomart::itemlocalname(stack, language);
+    };
+    std::string name = called(what.aux);
+    // Variants that share a name are told apart by their numbers.
+    if (what.aux != 0 && name == called(0)) name += fmt::format(":{}", what.aux);
     return what.enchanted ? filled(tr(language, owntext::enchantedname), name) : name;
 }
 

@@ -82,7 +82,7 @@ struct Target {
     int looks = 0;
 };
 
-inline constexpr const char* nodifferences = ", 0 differences.";
+inline constexpr const char* nodifferences = ", differences: 0.";
 
 // A market without a server, in which one good is bought and taken back, and which is written down.
 struct Writing : market_tests::ShopHost {

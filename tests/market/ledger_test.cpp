@@ -59,7 +59,7 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
             EXPECT_THAT(m.undo(number), HasSubstr(fmt::format("Trade {} is undone, as entry {}", number, number + 1)));
             EXPECT_EQ(m.state(), before);
             EXPECT_THAT(m.bob->chat(),
-                        HasSubstr(fmt::format("An operator has undone trade {}: {} pieces", number, pieces)));
+                        HasSubstr(fmt::format("An operator has undone trade {}: {} x ", number, pieces)));
             EXPECT_EQ(m.undo(number), fmt::format("Trade {} is undone already, by entry {}.", number, number + 1));
             EXPECT_THAT(m.undo(number + 1), HasSubstr("is no trade"));
             EXPECT_EQ(m.state(), before);
@@ -89,7 +89,8 @@ TEST(Ledger, ATradeIsUndoneOnBothLegsOnce) {
         }
         EXPECT_EQ(m.state(), before);
         EXPECT_EQ(m.audit(), "");
-        EXPECT_EQ(m.undo(99), "There is no entry 99 in the ledger.");
+        for (const int none : {99, 0, -1})
+            EXPECT_EQ(m.undo(none), fmt::format("There is no entry {} in the ledger.", none));
         EXPECT_EQ(m.bob->forgets().types("ordomart undo 1").replies(), "permission denied");
         EXPECT_EQ(m.bob->types("ordomart audit").types("ordomart trades").replies(),
                   "permission denied\npermission denied\npermission denied");
@@ -109,7 +110,7 @@ TEST(Ledger, AnUndoSaysAllThatIsMissingAndChangesNothing) {
     m.bob->gives(1, "apple", 2,
                  R"({Count:2b,CanDestroy:["minecraft:dirt"],Damage:0s,Name:"minecraft:apple",WasPickedUp:0b})");
     m.alice->setmoney(20);
-    refuses(1, "Carl lacks 2 of 3 pieces of Apple.\nAlice has 20 of 27 LLmoney.");
+    refuses(1, "Carl lacks 2 of 3 x Apple.\nAlice has 20 of 27 LLmoney.");
     m.bob->gives(0, "apple", 3);
     refuses(1, "Alice has 20 of 27 LLmoney.");
     m.alice->setmoney(27);
@@ -124,12 +125,12 @@ TEST(Ledger, AnUndoSaysAllThatIsMissingAndChangesNothing) {
         .presses("change to")
         .presses("Pick up recycled items");
     m.alice->presses("Stones").presses("yes").dismisses();
-    refuses(2, "7 of 7 pieces of Stone are not in the commission of Alice any more.");
+    refuses(2, "Not in the commission of Alice any more: 7 of 7 x Stone.");
     m.alice->setmoney(27);
     m.bob->dies();
-    refuses(1, "Carl is not here.");
+    refuses(1, "Carl is not here, or is dead.");
     m.bob->revives().leaves();
-    EXPECT_THAT(m.undo(1), HasSubstr("Carl is not here."));
+    EXPECT_THAT(m.undo(1), HasSubstr("Carl is not here, or is dead."));
     EXPECT_EQ(m.stage.money(ada), 27);
     EXPECT_EQ(m.audit(), "");
 }
@@ -315,9 +316,9 @@ TEST(Ledger, WhoComesBackIsToldOnce) {
     m.joins();
     EXPECT_EQ(m.alice->chat(),
               "§eWhile you were away:§r\n"
-              "Your shop sold 8 pieces in 2 trades: §a+ 59§r LLmoney\n"
+              "Sales of your shop: 2, pieces: 8, §a+ 59§r LLmoney\n"
               "Sold out: bread\n"
-              "Your commissions took in 8 pieces in 1 trades, paid with 24 LLmoney of your deposits\n"
+              "Sales to your commissions: 1, pieces: 8, paid with 24 LLmoney of your deposits\n"
               "Complete, ready to be picked up: Stones");
     EXPECT_EQ(m.bob->chat(), "");
     m.buys("Red apples", 1);
@@ -355,12 +356,12 @@ TEST(Ledger, APlayerAsksForPrices) {
         m.stage.ticks(2);
         return m.bob->chat() + m.bob->replies();
     };
-    const std::string week = ": §a10§r (2 to 10), 3 trades, 8 pieces, 48 in all\n";
+    const std::string week = ": §a10§r (2 to 10), trades: 3, pieces: 8, money: 48\n";
     const auto all = "§eApple§r: prices in LLmoney\n1 d" + week + "7 d" + week + "30 d" + week +
-                     "§a·····························▄§r\n§7Cheapest offers now:§r\n§a10§r, 6 pieces: " + ada +
-                     "'s shop§r\n§a20§r, 5 pieces: " + root +
-                     "'s shop§r\n§7Best commissions now:§r\n§a2§r, 50 pieces: " + root +
-                     "'s recycleshop§r\n§a1§r, 5 pieces: " + dora + "'s recycleshop§r";
+                     "§a·····························▄§r\n§7Cheapest offers now:§r\n§a10§r, 6 left: " + ada +
+                     "'s shop§r\n§a20§r, 5 left: " + root +
+                     "'s shop§r\n§7Best commissions now:§r\n§a2§r, 50 left: " + root +
+                     "'s recycleshop§r\n§a1§r, 5 left: " + dora + "'s recycleshop§r";
     for (const char* name : {" apple", " minecraft:apple", " Apple"}) EXPECT_EQ(asks(name), all) << name;
     EXPECT_THAT(asks(" bread"), HasSubstr("Not traded within the last 30 days.\n§7Cheapest offers now:§r\n§a7§r, 5"));
     EXPECT_EQ(asks(" nothing"), "There is no item called nothing.");
@@ -370,10 +371,11 @@ TEST(Ledger, APlayerAsksForPrices) {
     EXPECT_EQ(asks(""), all) << "and in another";
     m.bob->loses(8);
     EXPECT_THAT(asks(""), HasSubstr("Take an item in your hand"));
+    EXPECT_THAT(asks(" wool"), HasSubstr("5 left: " + dora + "'s shop§r §bOrange Wool§r\n§a6§r, 5 left"));
     m.bob->gives(8, "wool", 1, wool(14));
-    EXPECT_THAT(asks(""), AllOf(HasSubstr("§a6§r, 5 pieces"), Not(HasSubstr("§a5§r, 5 pieces"))));
+    EXPECT_THAT(asks(""), AllOf(HasSubstr("§a6§r, 5 left"), Not(HasSubstr("§a5§r, 5 left"))));
     m.bob->gives(0, "apple", 3);
     EXPECT_THAT(m.undo(1), HasSubstr("Trade 1 is undone"));
     m.stage.advance(8LL * 86400 * 1000);
-    EXPECT_THAT(asks(" apple"), HasSubstr("7 d: no trade\n30 d: §a2§r (2 to 10), 2 trades, 5 pieces, 18 in all\n"));
+    EXPECT_THAT(asks(" apple"), HasSubstr("7 d: no trade\n30 d: §a2§r (2 to 10), trades: 2, pieces: 5, money: 18\n"));
 }

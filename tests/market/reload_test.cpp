@@ -26,7 +26,7 @@ TEST(Reload, SettingsAndTextsChangeWholeOrNotAtAll) {
     };
     const auto all = json::parse(stage.file(langs));
     const auto texts = all["en_US"].size() + all["zh_CN"].size();
-    const auto nothing = fmt::format("read again: 0 settings and 0 of {} texts are new.", texts);
+    const auto nothing = fmt::format("read again. New settings: 0, new texts: 0 of {}.", texts);
     EXPECT_THAT(reloads(), HasSubstr(nothing));
     EXPECT_EQ(carl.types("ordomart reload").replies(), "permission denied");
 
@@ -70,7 +70,7 @@ TEST(Reload, SettingsAndTextsChangeWholeOrNotAtAll) {
                                    "ledgerdays: 400 -> 30\n", "moneymode: 1 -> 0 takes effect at the next start.\n",
                                    "scoremoneyname: \"money\" -> \"gold\" takes effect at the next start.\n"})
         EXPECT_THAT(said, HasSubstr(line));
-    EXPECT_THAT(said, HasSubstr(fmt::format("read again: 3 settings and 1 of {} texts are new.", texts)));
+    EXPECT_THAT(said, HasSubstr(fmt::format("read again. New settings: 3, new texts: 1 of {}.", texts)));
     EXPECT_EQ(stage.file(config), before);
     EXPECT_EQ(carl.forgets().types("ordomart prices").replies(), "Show something");
     EXPECT_THAT(reloads(), HasSubstr("moneymode: 1 -> 0 takes effect"));

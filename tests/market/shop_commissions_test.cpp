@@ -273,8 +273,8 @@ TEST(Commissions, WhatCannotBeHandedOverStays) {
             EXPECT_EQ(scene.ada.counts("minecraft:apple"), c.given);
             EXPECT_EQ(result.keptstacks, static_cast<std::int64_t>(c.kept.size()));
             EXPECT_EQ(scene.ada.chat(), c.kept.empty() ? ""
-                                                       : fmt::format("{} stored stacks cannot be handed out on this "
-                                                                     "server. They stay in the commission.",
+                                                       : fmt::format("Stored stacks that cannot be handed out on this "
+                                                                     "server stay in the commission: {}.",
                                                                      c.kept.size()));
             EXPECT_EQ(scene.ada.money(), ending ? 20 : 0);
             EXPECT_EQ(scene.revision(), 1);
