@@ -24,7 +24,7 @@ test("a newcomer lets people in, sees them trade and sends them away", async () 
   await page.getByRole("tab", { name: "Players" }).click();
   await page.locator("[data-row]", { hasText: "playing" }).nth(7).waitFor();
   await page.locator(".deskhead").getByRole("button", { name: /^Bustling market/ }).click();
-  await dialogue.getByText("8 of 8 players are here").waitFor();
+  await dialogue.getByText("Players here: 8 of 8").waitFor();
   await dialogue.getByRole("button", { name: "Send them away" }).click();
   await page.locator(".deskhead").getByRole("button", { name: "Bustling market", exact: true }).waitFor();
   assert.ok((await state()).trades > 0);
