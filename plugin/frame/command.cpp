@@ -71,6 +71,8 @@ opresult collectoffmoney(const call& c) {
     return opresult::opened;
 }
 
+constexpr std::int64_t noend = -1;
+
 // The answer says only that the order was handed over; the shop is changed once its file is read.
 opresult orderban(const call& c, bool banned, const std::string& reason, std::int64_t seconds,
                   const std::string& accepted) {
@@ -80,11 +82,13 @@ opresult orderban(const call& c, bool banned, const std::string& reason, std::in
         return opresult::opened;
     }
     const opresult handed = setbanstate(c.player, *c.given.searchtype, xuid, banned, reason, seconds);
-    if (handed == opresult::opened) c.output.success(accepted);
+    if (handed != opresult::opened) return handed;
+    const auto until = seconds == noend ? std::string() : fmt::format(" for {} s", seconds);
+    logger.info("{} has {} the shop {} ({}){}", c.player->getRealName(), banned ? "banned" : "opened", xuid,
+                sectionkey(*c.given.searchtype), banned ? until + ": " + reason : "");
+    c.output.success(accepted);
     return handed;
 }
-
-constexpr std::int64_t noend = -1;
 
 opresult ban(const call& c) {
     return orderban(c, true, c.given.banreason.value_or("no reason"), c.given.bantime.value_or(noend),
