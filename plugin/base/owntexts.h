@@ -55,6 +55,7 @@ inline constexpr const char* undotwice = "ledger.undo.twice";            // {0}:
 // {0}: number, {1}: pieces, {2}: item, {3}: money, {4}: its name, {5}: who traded, {6}: whose shop, {7}: of the entry
 inline constexpr const char* undodone = "ledger.undo.done";
 inline constexpr const char* undotold = "ledger.undo.told";
+inline constexpr const char* kindwords = "ledger.kind.";  // and the name of a kind of entries
 inline constexpr const char* auditbegins = "ledger.audit.begins";
 inline constexpr const char* auditruns = "ledger.audit.runs";
 inline constexpr const char* auditends = "ledger.audit.ends";  // {0}: entries, {1}: shops, {2}: differences

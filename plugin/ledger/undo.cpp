@@ -279,7 +279,8 @@ undoresult undo(const ServerPlayer& by, std::uint64_t number) {
     if (!ordomart::marketopen()) return no(ordomart::closedtext());
     const auto trade = find(number);
     if (!trade) return no(owntext::undonone, number);
-    if (!istrade(trade->what)) return no(owntext::undonotrade, number, nameof(trade->what));
+    if (!istrade(trade->what))
+        return no(owntext::undonotrade, number, tr(&by, std::string(owntext::kindwords) + nameof(trade->what)));
     if (const auto twice = undoneby(number)) return no(owntext::undotwice, number, *twice);
     return undoing(by, *trade).run();
 }

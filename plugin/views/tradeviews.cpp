@@ -2,6 +2,8 @@
 #include <limits>
 
 #include "platform/views.h"
+#include "plugin/base/language.h"
+#include "plugin/base/owntexts.h"
 #include "plugin/ledger/queries.h"
 #include "plugin/views/viewparts.h"
 #include "plugin/views/views.h"
@@ -12,30 +14,9 @@ namespace {
 
 constexpr std::size_t linesofafeed = 40, entriesofafeed = 2000;
 
-struct kindname {
-    ledger::kind what;
-    const char *english, *chinese;
-};
-constexpr kindname kinds[] = {
-    {ledger::kind::purchase, "bought", "购买"},
-    {ledger::kind::sale, "sold to a commission", "出售给回收委托"},
-    {ledger::kind::upload, "offered", "上架"},
-    {ledger::kind::taken, "taken back", "取回"},
-    {ledger::kind::replenish, "replenished", "补货"},
-    {ledger::kind::setstock, "stock set", "设置库存"},
-    {ledger::kind::broken, "unknown goods erased", "清除未知物品"},
-    {ledger::kind::publish, "commission placed", "发布回收委托"},
-    {ledger::kind::adjust, "commission adjusted", "调整回收委托"},
-    {ledger::kind::pickup, "picked up", "领取回收物"},
-    {ledger::kind::undopurchase, "purchase undone", "撤销购买"},
-    {ledger::kind::undosale, "sale undone", "撤销出售"},
-    {ledger::kind::keptfee, "fee kept", "手续费"},
-};
-
 json wordsof(ledger::kind what) {
-    for (const auto& one : kinds)
-        if (one.what == what) return said(one.english, one.chinese);
-    return ledger::nameof(what);
+    const auto key = std::string(owntext::kindwords) + ledger::nameof(what);
+    return said(tr("en_US", key).c_str(), tr("zh_CN", key).c_str());
 }
 
 json rowof(const ledger::tradeline& line) {
