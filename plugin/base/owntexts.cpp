@@ -89,6 +89,7 @@ constexpr struct {
     {owntext::auditruns, "An audit is running already.", "对账正在进行中。"},
     {owntext::auditends, "The audit has ended. Entries: {0}, shops: {1}, differences: {2}.",
      "对账完成：共{0}条记录、{1}个商店，发现{2}处差异。"},
+    {owntext::auditaccepted, "Taken as they are from now on: {0} of the shops.", "已按现状接受{0}个商店。"},
     {owntext::auditmore, "{0} more in the log.", "另有{0}处差异，详见日志。"},
     {owntext::reloadruns, "Settings and texts are being read already.", "正在重新读取设置和文本。"},
     {owntext::reloadrefused,

@@ -58,8 +58,9 @@ inline constexpr const char* undotold = "ledger.undo.told";
 inline constexpr const char* kindwords = "ledger.kind.";  // and the name of a kind of entries
 inline constexpr const char* auditbegins = "ledger.audit.begins";
 inline constexpr const char* auditruns = "ledger.audit.runs";
-inline constexpr const char* auditends = "ledger.audit.ends";  // {0}: entries, {1}: shops, {2}: differences
-inline constexpr const char* auditmore = "ledger.audit.more";  // {0}: how many lines
+inline constexpr const char* auditends = "ledger.audit.ends";          // {0}: entries, {1}: shops, {2}: differences
+inline constexpr const char* auditaccepted = "ledger.audit.accepted";  // {0}: shops
+inline constexpr const char* auditmore = "ledger.audit.more";          // {0}: how many lines
 // ---- settings and texts read again
 inline constexpr const char* reloadruns = "market.reload.runs";
 inline constexpr const char* reloadrefused = "market.reload.refused";

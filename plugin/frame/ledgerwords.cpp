@@ -27,8 +27,9 @@ constexpr std::size_t mostlines = 10;  // on a player's screen
 
 std::atomic<bool> audits = false;
 
-void accept(const ledger::auditresult& result) {
+std::size_t accept(const ledger::auditresult& result) {
     std::set<std::pair<std::string, int>> shops;
+    std::size_t taken = 0;
     for (const auto& one : result.differences) shops.emplace(one.shop, one.section);
     for (const auto& [xuid, section] : shops) {
         if (xuid.empty()) continue;
@@ -36,15 +37,18 @@ void accept(const ledger::auditresult& result) {
         const Turn turn;
         ledger::openanew(globalruntimeshopmanager.getshop(xuid, section));
         logger.info("The ledger takes the shop {} ({}) as it is", xuid, sectionkey(section));
+        ++taken;
     }
+    return taken;
 }
 
-void tellresult(ServerPlayer* player, const ledger::auditresult& result) {
+void tellresult(ServerPlayer* player, const ledger::auditresult& result, std::size_t taken) {
     const auto& all = result.differences;
     for (std::size_t i = 0; i < std::min(all.size(), mostlines); ++i) player->sendText(ledger::lineof(all[i]));
     if (all.size() > mostlines) player->sendText(filled(tr(player, owntext::auditmore), all.size() - mostlines));
     if (result.whole)
         player->sendText(filled(tr(player, owntext::auditends), result.entries, result.shops, all.size()));
+    if (taken > 0) player->sendText(filled(tr(player, owntext::auditaccepted), taken));
 }
 
 }  // namespace
@@ -94,8 +98,8 @@ void askaudit(ServerPlayer* player, bool accepts, CommandOutput& output) {
         envelope([&] {
             auto result = ledger::audit([] { return !Background::stopping(); });
             for (const auto& one : result.differences) logger.warn("Audit: {}", ledger::lineof(one));
-            if (accepts && result.whole) accept(result);
-            backtoplayer(xuid, "audit", [result](ServerPlayer* who) { tellresult(who, result); });
+            const auto taken = accepts && result.whole ? accept(result) : 0;
+            backtoplayer(xuid, "audit", [result, taken](ServerPlayer* who) { tellresult(who, result, taken); });
         });
         audits = false;
     };

@@ -13,6 +13,7 @@
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/host.h"
+#include "platform/level.h"
 #include "platform/turn.h"
 #include "plugin/economy/moneylibrary.h"
 #include "plugin/ledger/ledger.h"
@@ -83,6 +84,11 @@ public:
             result_.whole = goeson_();
         }
         result_.shops = shops_.size();
+        for (auto& one : result_.differences) {
+            if (one.tag == 0) continue;
+            const Turn turn;
+            one.item = variantof(one.tag).name;
+        }
         std::ranges::sort(result_.differences, {},
                           [](const auto& one) { return std::tie(one.shop, one.section, one.number); });
         return std::move(result_);
@@ -258,9 +264,12 @@ private:
 auditresult audit(const std::function<bool()>& goeson) { return auditor(goeson).run(); }
 
 std::string lineof(const difference& one) {
-    return fmt::format("{}.{}, {}: {} {} in the ledger, {} in the {}", one.shop, shopsystem::sectionkey(one.section),
-                       one.number != 0 ? fmt::format("entry {}", one.number) : "no entry", one.what, one.expected,
-                       one.found, one.what == "money" ? "library" : "shop");
+    const auto owner = platform::PlayerInfo::fromXuid(one.shop);
+    return fmt::format("{}.{}{}, {}: {}{} {} in the ledger, {} in the {}", one.shop,
+                       shopsystem::sectionkey(one.section), owner.empty() ? "" : " (" + owner + ")",
+                       one.number != 0 ? fmt::format("entry {}", one.number) : "no entry", one.what,
+                       one.item.empty() ? "" : " of " + one.item, one.expected, one.found,
+                       one.what == "money" ? "library" : "shop");
 }
 
 }  // namespace ledger

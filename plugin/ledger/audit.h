@@ -22,7 +22,7 @@ struct auditresult {
 // two turns. What is traded meanwhile counts.
 [[nodiscard]] auditresult audit(const std::function<bool()>& goeson);
 
-// One line: "2535400000000001.sell, entry 12: stock 9 in the ledger, 10 in the shop".
+// One line: "2535400000000001.sell (Rosa), entry 12: stock of minecraft:apple 9 in the ledger, 10 in the shop".
 [[nodiscard]] std::string lineof(const difference& one);
 
 }  // namespace ledger

@@ -38,8 +38,9 @@ std::int64_t depositasked(const entry& of) {
 
 void shopbooks::apply(const entry& next, std::vector<difference>& found) {
     const auto section = next.section();
-    const auto tell = [&](const char* what, const auto& expected, const auto& seen) {
-        found.push_back({next.shop, section, what, next.number, fmt::format("{}", expected), fmt::format("{}", seen)});
+    const auto tell = [&](const char* what, const auto& expected, const auto& seen, std::uint64_t tag = 0) {
+        found.push_back(
+            {next.shop, section, what, next.number, fmt::format("{}", expected), fmt::format("{}", seen), tag, {}});
     };
     const auto by = countedof(next);
     shopsystem::countup(count, by.count);
@@ -53,7 +54,8 @@ void shopbooks::apply(const entry& next, std::vector<difference>& found) {
         if (place == rows.end()) {
             place = std::ranges::find(rows, next.tag, &rowstate::tag);
             tell(section == shopsystem::sell ? "stock" : "commission",
-                 told(place != rows.end() ? std::optional(*place) : std::nullopt, section), told(next.before, section));
+                 told(place != rows.end() ? std::optional(*place) : std::nullopt, section), told(next.before, section),
+                 next.before->tag);
         }
         if (place != rows.end()) {
             *place = rows.back();
@@ -78,11 +80,13 @@ void shopbooks::takeback(const entry& last) {
 }
 
 void shopbooks::compare(const shopbooks& shop, const difference& at, std::vector<difference>& found) const {
-    const auto tell = [&](const char* what, const std::string& expected, const std::string& seen) {
+    const auto tell = [&](const char* what, const std::string& expected, const std::string& seen,
+                          std::uint64_t tag = 0) {
         auto one = at;
         one.what = what;
         one.expected = expected;
         one.found = seen;
+        one.tag = tag;
         found.push_back(std::move(one));
     };
     if (count != shop.count) tell("counter", std::to_string(count), std::to_string(shop.count));
@@ -97,10 +101,10 @@ void shopbooks::compare(const shopbooks& shop, const difference& at, std::vector
     for (const auto& row : onlymine) {
         const auto other = std::ranges::find(onlyits, row.tag, &rowstate::tag);
         const bool isthere = other != onlyits.end();
-        tell(what, told(row, at.section), told(isthere ? std::optional(*other) : std::nullopt, at.section));
+        tell(what, told(row, at.section), told(isthere ? std::optional(*other) : std::nullopt, at.section), row.tag);
         if (isthere) onlyits.erase(other);
     }
-    for (const auto& row : onlyits) tell(what, "none", told(row, at.section));
+    for (const auto& row : onlyits) tell(what, "none", told(row, at.section), row.tag);
 }
 
 shopbooks booksof(const shopsystem::baseshop& shop) {

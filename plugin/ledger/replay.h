@@ -17,6 +17,8 @@ struct difference {
     std::string what;          // "counter", "volume", "stock", "commission", "deposit", "money", "entry"
     std::uint64_t number = 0;  // the first entry that shows it; 0: the ledger has none
     std::string expected, found;
+    std::uint64_t tag = 0;  // of the good or commission, as it is in the entries
+    std::string item;       // what that stands for, when it is known
     bool operator==(const difference&) const = default;
 };
 

@@ -195,7 +195,7 @@ TEST(Ledger, AnUndoneTradeNeedsItsRecordAsItWas) {
 
 TEST(Ledger, TheAuditNamesWhatDiffersWithItsShopAndFirstTrade) {
     const auto file = "plugins/Ordomart/data/" + ada + ".json";
-    const std::string sells = ada + ".sell, ", recycles = ada + ".recycles, ";
+    const std::string sells = ada + ".sell (Alice), ", recycles = ada + ".recycles (Alice), ";
     const struct {
         const char* what;
         std::function<void(json&)> infile;
@@ -206,11 +206,11 @@ TEST(Ledger, TheAuditNamesWhatDiffersWithItsShopAndFirstTrade) {
         {"a stock",
          [](json& f) { f["sell"]["items"][0]["shopitemleftnum"] = 9; },
          {},
-         sells + "entry 3: stock 6 in the ledger, 9 in the shop\n"},
+         sells + "entry 3: stock of minecraft:apple 6 in the ledger, 9 in the shop\n"},
         {"a good gone",
          [](json& f) { f["sell"]["items"].erase(0); },
          {},
-         sells + "entry 3: stock 6 in the ledger, none in the shop\n"},
+         sells + "entry 3: stock of minecraft:apple 6 in the ledger, none in the shop\n"},
         {"a counter",
          [](json& f) { f["sell"]["sellcount"] = 5; },
          {},
@@ -222,17 +222,19 @@ TEST(Ledger, TheAuditNamesWhatDiffersWithItsShopAndFirstTrade) {
         {"a deposit",
          [](json& f) { f["recycles"]["recycleitems"][0]["offer"] = 4; },
          {},
-         recycles + "entry 2: commission 1 wanted at 3, 7 waiting, deposit 3 in the ledger, 1 wanted at 4, 7 waiting, "
+         recycles + "entry 2: commission of minecraft:stone 1 wanted at 3, 7 waiting, deposit 3 in the ledger, 1 "
+                    "wanted at 4, 7 waiting, "
                     "deposit 4 in the shop\n"},
         {"stored pieces",
          [](json& f) { f["recycles"]["recycleitems"][0]["nowhasrecyclenum"] = 6; },
          {},
-         recycles + "entry 2: commission 1 wanted at 3, 7 waiting, deposit 3 in the ledger, 1 wanted at 3, 6 waiting, "
+         recycles + "entry 2: commission of minecraft:stone 1 wanted at 3, 7 waiting, deposit 3 in the ledger, 1 "
+                    "wanted at 3, 6 waiting, "
                     "deposit 3 in the shop\n"},
         {"an entry",
          {},
          [](Market& m) { m.changes(1, [](auto& one) { one.after->left = 8; }); },
-         sells + "entry 3: stock 8 in the ledger, 7 in the shop\n"},
+         sells + "entry 3: stock of minecraft:apple 8 in the ledger, 7 in the shop\n"},
         {"a counter in between",
          {},
          [](Market& m) { m.changes(1, [](auto& one) { one.count = 4; }); },
@@ -243,7 +245,8 @@ TEST(Ledger, TheAuditNamesWhatDiffersWithItsShopAndFirstTrade) {
          sells + "entry 2: entry an entry in the ledger, none in the shop\n" + recycles +
              "no entry: counter 0 in the ledger, 7 in the shop\n" + recycles +
              "no entry: volume 0 in the ledger, 21 in the shop\n" + recycles +
-             "no entry: commission 8 wanted at 3, 0 waiting, deposit 24 in the ledger, 1 wanted at 3, 7 waiting, "
+             "no entry: commission of minecraft:stone 8 wanted at 3, 0 waiting, deposit 24 in the ledger, 1 wanted at "
+             "3, 7 waiting, "
              "deposit 3 in the shop\n"},
         {"a payment",
          {},
@@ -270,11 +273,11 @@ TEST(Ledger, TheAuditNamesWhatDiffersWithItsShopAndFirstTrade) {
          ".sell, entry 3: entry an entry in the ledger, none in the shop\n" + sells +
              "entry 1: counter 3 in the ledger, 4 in the shop\n" + sells +
              "entry 1: volume 30 in the ledger, 40 in the shop\n" + sells +
-             "entry 1: stock 7 in the ledger, 6 in the shop\n"},
+             "entry 1: stock of minecraft:apple 7 in the ledger, 6 in the shop\n"},
         {"goods out of nowhere",
          [](json& f) { f["sell"]["items"].push_back(good("stone", 1, 2)); },
          {},
-         sells + "entry 3: stock none in the ledger, 2 in the shop\n"},
+         sells + "entry 3: stock of minecraft:stone none in the ledger, 2 in the shop\n"},
         {"a shop gone", [](json& f) { f = nullptr; }, {}, "gone"},
     };
     for (const auto& plant : plants) {
@@ -296,12 +299,14 @@ TEST(Ledger, TheAuditNamesWhatDiffersWithItsShopAndFirstTrade) {
         }
         const auto told = m.audit();
         if (plant.told == "gone") {
-            EXPECT_THAT(told, HasSubstr(sells + "entry 3: stock 6 in the ledger, none in the shop\n"));
+            EXPECT_THAT(told,
+                        HasSubstr(sells + "entry 3: stock of minecraft:apple 6 in the ledger, none in the shop\n"));
             continue;
         }
         EXPECT_EQ(told, plant.told);
         if (!plant.infile) continue;
         EXPECT_EQ(m.audit(" accept"), plant.told) << "what was accepted is told";
+        EXPECT_THAT(m.olga->chat(), HasSubstr("Taken as they are from now on: 1 of the shops."));
         EXPECT_EQ(m.audit(), "") << "and is right from then on";
     }
 }
