@@ -3,6 +3,7 @@
 import { svg } from "/dom.js";
 import { row, rows } from "/items.js";
 import { shapes } from "/pictures.js";
+import { likely } from "/pictures.guessed.js";
 import { families, marks, spots } from "/pictures.marks.js";
 import { named } from "/pictures.named.js";
 import { signs } from "/pictures.signs.js";
@@ -33,6 +34,8 @@ function hash(text) {
 
 // Two letters that a reader finds in the name: "Ender Chest" is EC, "Saddle" is Sa.
 function initials(name) {
+  const element = name.match(/^minecraft:element_(\d+)$/);
+  if (element) return element[1];
   const words = name.replace(/^.*:/, "").split(/[_ ]/).filter(Boolean);
   return words.length > 1 ? (words[0][0] + words[1][0]).toUpperCase() : (words[0] ?? "?").slice(0, 2);
 }
@@ -81,16 +84,16 @@ function countlikenesses() {
   const before = new Map();
   for (const found of rows())
     for (const { aux } of found.variants?.length ? found.variants : [{ aux: 0 }]) {
-      const called = slug(found, aux, found.item), made = parts(called, slug(null, 0, found.item), found.kind, 0);
-      const key = `${colourof(found, aux)} ${made ? JSON.stringify(made) : found.item + aux}`;
+      const seen = likely(found), called = slug(seen, aux, seen.item), made = parts(called, slug(null, 0, seen.item), seen.kind, 0);
+      const key = `${colourof(seen, aux)} ${made ? JSON.stringify(made) : found.item + aux}`;
       likeness.set(`${found.item}/${aux}`, before.get(key) ?? 0);
       before.set(key, (before.get(key) ?? 0) + 1);
     }
 }
 
 function drawing(name, aux) {
-  const found = row(name), color = colourof(found, aux), called = slug(found, aux, name);
-  const made = parts(called, slug(null, 0, name), found?.kind, likeness.get(`${name}/${aux}`) ?? 0);
+  const seen = likely(row(name)), color = colourof(seen, aux), called = slug(seen, aux, seen?.item ?? name);
+  const made = parts(called, slug(null, 0, seen?.item ?? name), seen?.kind, likeness.get(`${name}/${aux}`) ?? 0);
   if (made) return painted(made, color);
   const picture = canvas();
   picture.append(...tile(name, color));

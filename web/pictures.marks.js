@@ -16,7 +16,7 @@ const lingering = ["xM6.5 3h3v2l4 8.5c.3.8-.2 1.5-1 1.5h-9c-.8 0-1.3-.7-1-1.5l4-
 
 // [pattern, parts]
 export const families = [
-  [/_fence_gate$|^fence_gate$/, gate], [/_chest_boat$/, chestboat], [/_boat$/, boat], [/^splash_/, splash], [/^lingering_/, lingering],
+  [/_fence_gate$|^fence_gate$/, gate], [/chest_(boat|raft)$/, chestboat], [/boat$|raft$/, boat], [/^splash_/, splash], [/^lingering_/, lingering],
   [/^stripped_.*(wood|hyphae)$/, barearound], [/^stripped_/, bare], [/_wood$|_hyphae$/, bark], [/leaves/, leaves], [/_fan$/, fan], [/coral_block/, [...cube(), ...dots("l", 0.9, [4, 8], [6, 11], [10.5, 10], [12.5, 7.5], [8, 4])]],
 ];
 

@@ -86,24 +86,29 @@ test("every item and every button of the menus has a picture, and no two items h
   const sources = await Promise.all((await readdir(folder)).map((name) => readFile(new URL(name, folder), "utf8")));
   const images = [...new Set(sources.join("").match(/textures\/[\w/]+\.png/g))];
   assert.ok(images.length >= 15, `${images.length} images are named`);
-  const { items, alike, letters } = await page.evaluate(async (paths) => {
+  const { items, alike, letters, outside } = await page.evaluate(async (paths) => {
     const { picture, texture } = await import("/drawing.js"), table = await import("/items.js");
     await new Promise((here) => { table.whenhere(here); });
-    const seen = new Map(), same = [], lettered = [];
-    const looksat = (name, drawn) => {
+    const seen = new Map(), same = [], lettered = [], beyond = [];
+    const looksat = (name, drawn, hasname = true) => {
       const key = drawn.outerHTML;
-      if (drawn.querySelector("text") || !drawn.querySelector("path")) lettered.push(name);
+      document.body.append(drawn);
+      const { y, height } = drawn.getBBox();
+      drawn.remove();
+      if (y < -1 || y + height > 17) beyond.push(name);
+      if (hasname && (drawn.querySelector("text") || !drawn.querySelector("path"))) lettered.push(name);
       if (seen.has(key)) same.push(`${name} like ${seen.get(key)}`);
       seen.set(key, name);
     };
-    for (const { item, variants } of table.rows()) for (const { aux } of variants.length ? variants : [{ aux: 0 }]) looksat(`${item} ${aux}`, picture(item, aux));
+    for (const { item, en, variants } of table.rows())
+      for (const { aux } of variants.length ? variants : [{ aux: 0 }]) looksat(`${item} ${aux}`, picture(item, aux), !/^(tile|item)\./.test(en));
     const shapes = seen.size;
     seen.clear();
     for (const path of paths) looksat(path, texture({ type: "path", data: path }));
-    return { items: shapes, alike: same, letters: lettered };
+    return { items: shapes, alike: same, letters: lettered, outside: beyond };
   }, images);
   assert.ok(items > 800);
-  assert.deepEqual([alike, letters], [[], []]);
+  assert.deepEqual([alike, letters, outside], [[], [], []]);
 });
 
 test("the page stands before the items are here, and they come in behind it", async () => {

@@ -202,7 +202,7 @@ async function sheet(page, shot) {
   });
   await shot("items");
 }
-scenes.items = [{ viewport: { width: 1360, height: 880 } }, sheet];
+scenes.items = [{ viewport: { width: 1360, height: 1180 } }, sheet];
 
 // ---- a market that bustles
 
