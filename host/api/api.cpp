@@ -138,8 +138,6 @@ struct ControlApi::Parts {
             return refusal(e.status, e.what());
         } catch (const BackupError& e) {
             return refusal(409, e.what());
-        } catch (const json::exception& e) {
-            return refusal(400, fmt::format("the body does not fit: {}", e.what()));
         } catch (const std::exception& e) {
             return refusal(400, e.what());
         }

@@ -1,5 +1,6 @@
 #include "host/api/bustlecalls.h"
 
+#include "host/api/bodyfields.h"
 #include "host/bustle/bustle.h"
 #include "host/bustle/cast.h"
 
@@ -17,8 +18,8 @@ json showbustle(ApiCall& call) {
 }
 
 json startbustle(ApiCall& call) {
-    const int players = call.body.at("players");
-    const std::uint64_t seed = call.body.value("seed", Bustle::usualseed);
+    const auto players = field<int>(call.body, "players");
+    const auto seed = field(call.body, "seed", std::uint64_t{Bustle::usualseed});
     if (const std::string why = call.bustle.state().refusal; !why.empty()) throw ApiError(409, why);
     call.bustle.start(players, seed);
     return showbustle(call);

@@ -5,6 +5,8 @@
 #include <map>
 #include <stdexcept>
 
+#include "host/api/bodyfields.h"
+
 namespace host {
 
 using nlohmann::json;
@@ -27,20 +29,20 @@ int actiontype(const json& type) {
     static const std::map<std::string, int> names{{"take", 0},          {"place", 1},       {"swap", 2},
                                                   {"drop", 3},          {"destroy", 4},     {"consume", 5},
                                                   {"creativepick", 14}, {"craftresult", 19}};
-    if (type.is_number_integer()) return type.get<int>();
-    const auto found = names.find(type.get<std::string>());
+    if (type.is_number_integer()) return valueof<int>(type, "type");
+    const auto found = names.find(valueof<std::string>(type, "type"));
     if (found == names.end()) throw std::runtime_error(fmt::format("unknown action type {}", type.dump()));
     return found->second;
 }
 
 platform::ItemStackRequestSlotInfo slotof(const json& slot) {
-    return {static_cast<std::uint8_t>(containerof(slot.at("container"))), slot.at("slot").get<std::uint8_t>(),
-            slot.value("stackid", 0)};
+    return {static_cast<std::uint8_t>(containerof(field(slot, "container"))), field<std::uint8_t>(slot, "slot"),
+            field(slot, "stackid", 0)};
 }
 
 NetworkItem resultof(const json& given) {
-    const auto stack = platform::ItemStack::create(given.at("item").get<std::string>(), given.value("count", 1),
-                                                   given.value("aux", std::int16_t{0}));
+    const auto stack = platform::ItemStack::create(field<std::string>(given, "item"), field(given, "count", 1),
+                                                   field(given, "aux", std::int16_t{0}));
     if (stack.isNull()) throw std::runtime_error(fmt::format("there is no item {}", given["item"].dump()));
     return platform::tonetwork(stack);
 }
@@ -97,14 +99,14 @@ std::vector<platform::ItemStackRequest> requestsof(const json& requests) {
     std::vector<platform::ItemStackRequest> all;
     for (const json& given : requests) {
         platform::ItemStackRequest request;
-        request.id = given.value("id", 0);
-        for (const json& step : given.at("actions")) {
+        request.id = field(given, "id", 0);
+        for (const json& step : field(given, "actions")) {
             platform::ItemStackRequestAction action;
-            action.type = static_cast<std::uint8_t>(actiontype(step.at("type")));
-            action.amount = step.value("count", std::int8_t{0});
-            action.number = step.value("entry", 0U);
-            action.times = step.value("times", std::uint8_t{1});
-            for (const json& result : step.value("results", json::array())) action.results.push_back(resultof(result));
+            action.type = static_cast<std::uint8_t>(actiontype(field(step, "type")));
+            action.amount = field(step, "count", std::int8_t{0});
+            action.number = field(step, "entry", 0U);
+            action.times = field(step, "times", std::uint8_t{1});
+            for (const json& result : field(step, "results", json::array())) action.results.push_back(resultof(result));
             if (step.contains("source")) action.source = slotof(step["source"]);
             if (step.contains("destination")) action.destination = slotof(step["destination"]);
             request.actions.push_back(std::move(action));

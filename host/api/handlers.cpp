@@ -4,6 +4,7 @@
 
 #include <charconv>
 
+#include "host/api/bodyfields.h"
 #include "host/api/bustlecalls.h"
 #include "host/api/clientstate.h"
 #include "host/api/eventstream.h"
@@ -54,13 +55,13 @@ json stackstate(const platform::ItemStack& stack) {
 platform::ItemStack stackof(const json& body) {
     platform::ItemStack stack;
     if (body.contains("snbt")) {
-        const auto tag = platform::CompoundTag::fromSNBT(body["snbt"].get<std::string>());
+        const auto tag = platform::CompoundTag::fromSNBT(field<std::string>(body, "snbt"));
         if (!tag) throw ApiError(400, "\"snbt\" is no SNBT of an item");
         stack = platform::ItemStack::fromTag(*tag);
         if (stack.isNull()) throw ApiError(400, fmt::format("there is no item \"{}\"", tag->getString("Name")));
     } else if (body.contains("item") && !body["item"].is_null()) {
-        stack = platform::ItemStack::create(body["item"].get<std::string>(), body.value("count", 1),
-                                            body.value("aux", std::int16_t{0}));
+        stack = platform::ItemStack::create(field<std::string>(body, "item"), field(body, "count", 1),
+                                            field(body, "aux", std::int16_t{0}));
         if (stack.isNull()) throw ApiError(400, fmt::format("there is no item {}", body["item"].dump()));
     }
     return stack;
@@ -92,11 +93,11 @@ json getplayers(ApiCall& call) {
 
 json join(ApiCall& call) {
     JoinRequest who;
-    who.name = call.body.at("name");
-    who.xuid = call.body.contains("xuid") ? call.body["xuid"].get<std::string>() : defaultxuid(call.server, who.name);
-    who.language = call.body.value("language", who.language);
-    who.permission = call.body.value("permission", 0);
-    const std::string device = call.body.value("device", "desktop");
+    who.name = field<std::string>(call.body, "name");
+    who.xuid = call.body.contains("xuid") ? field<std::string>(call.body, "xuid") : defaultxuid(call.server, who.name);
+    who.language = field(call.body, "language", who.language);
+    who.permission = field(call.body, "permission", 0);
+    const auto device = field(call.body, "device", std::string("desktop"));
     if (device != "desktop" && device != "touch") throw ApiError(400, "\"device\" is desktop or touch");
     who.devicetype = device == "touch" ? 2 : 7;
     call.clients.join(who);
@@ -128,14 +129,14 @@ json look(ApiCall& call) {
 }
 
 json command(ApiCall& call) {
-    const std::string line = call.body.at("line");
+    const auto line = field<std::string>(call.body, "line");
     return act(call, [&](client::ModelClient& c) { c.command(line); });
 }
 
 json click(ApiCall& call) {
-    const platform::ContainerName container = containerof(call.body.at("container"));
-    const int slot = call.body.at("slot");
-    const std::string how = call.body.value("how", "click");
+    const platform::ContainerName container = containerof(field(call.body, "container"));
+    const auto slot = field<int>(call.body, "slot");
+    const auto how = field(call.body, "how", std::string("click"));
     using Step = void (client::ModelClient::*)(platform::ContainerName, int);
     static const std::map<std::string, Step> steps{{"click", &client::ModelClient::click},
                                                    {"rightclick", &client::ModelClient::rightclick},
@@ -158,12 +159,12 @@ json getcreative(ApiCall& call) {
 }
 
 json pick(ApiCall& call) {
-    const std::uint32_t entry = call.body.at("entry");
+    const auto entry = field<std::uint32_t>(call.body, "entry");
     return act(call, [&](client::ModelClient& c) { c.pickcreative(entry); });
 }
 
 json request(ApiCall& call) {
-    const auto requests = requestsof(call.body.at("requests"));
+    const auto requests = requestsof(field(call.body, "requests"));
     json ids;
     act(call, [&](client::ModelClient& c) { ids = c.request(requests); });
     return {{"ids", ids}};
@@ -174,10 +175,10 @@ json close(ApiCall& call) {
 }
 
 json answer(ApiCall& call) {
-    const std::string text = call.body.at("answer").dump();
+    const std::string text = field(call.body, "answer").dump();
     return act(call, [&](client::ModelClient& c) {
         if (c.forms().empty()) throw ApiError(409, fmt::format("{} has no form to answer", call.player));
-        c.answer(call.body.value("form", c.forms().front().id), text);
+        c.answer(field(call.body, "form", c.forms().front().id), text);
     });
 }
 
@@ -191,7 +192,7 @@ json getinventory(ApiCall& call) {
 
 json putinventory(ApiCall& call) {
     const platform::ItemStack stack = stackof(call.body);
-    const int slot = call.body.at("slot");
+    const auto slot = field<int>(call.body, "slot");
     if (slot < 0 || slot > 40) throw ApiError(400, "\"slot\" is 0 to 40: inventory 0-35, armour 36-39, offhand 40");
     call.server.run([&] { call.server.world().setitem(call.player, slot, stack); });
     call.server.settle();
@@ -208,7 +209,7 @@ json getmoney(ApiCall& call) {
 }
 
 json putmoney(ApiCall& call) {
-    const std::int64_t amount = call.body.at("amount");
+    const auto amount = field<std::int64_t>(call.body, "amount");
     call.server.run([&] { Money(*call.server.services().libraries).set(xuidof(call), amount); });
     return done;
 }
@@ -220,8 +221,9 @@ json getscore(ApiCall& call) {
 }
 
 json putscore(ApiCall& call) {
-    call.server.run(
-        [&] { call.server.world().setscore(call.player, call.body.at("objective"), call.body.at("value")); });
+    const auto objective = field<std::string>(call.body, "objective");
+    const auto value = field<int>(call.body, "value");
+    call.server.run([&] { call.server.world().setscore(call.player, objective, value); });
     return done;
 }
 
@@ -232,12 +234,14 @@ json setalive(ApiCall& call) {
 }
 
 json putpermission(ApiCall& call) {
-    call.server.run([&] { call.server.world().setpermission(call.player, call.body.at("level")); });
+    const auto level = field<int>(call.body, "level");
+    call.server.run([&] { call.server.world().setpermission(call.player, level); });
     return done;
 }
 
 json putgametype(ApiCall& call) {
-    call.server.run([&] { call.server.world().setgametype(call.player, call.body.at("gametype")); });
+    const auto gametype = field<int>(call.body, "gametype");
+    call.server.run([&] { call.server.world().setgametype(call.player, gametype); });
     return done;
 }
 
@@ -259,7 +263,7 @@ void manualonly(ApiCall& call) {
 
 json ticks(ApiCall& call) {
     manualonly(call);
-    const int count = call.body.value("count", 1);
+    const auto count = field(call.body, "count", 1);
     if (count < 1 || count > 100000) throw ApiError(400, "\"count\" is 1 to 100000");
     call.server.ticks(count);
     return {{"tick", call.server.tickcount()}};
@@ -267,18 +271,18 @@ json ticks(ApiCall& call) {
 
 json clock(ApiCall& call) {
     manualonly(call);
-    call.server.advanceclock(call.body.at("milliseconds"));
+    call.server.advanceclock(field<std::int64_t>(call.body, "milliseconds"));
     call.server.settle();
     return done;
 }
 
 json speed(ApiCall& call) {
     if (call.body.contains("ticks")) {
-        const double asked = call.body["ticks"];
+        const auto asked = field<double>(call.body, "ticks");
         if (!(asked >= 0.1 && asked <= 1000)) throw ApiError(400, "\"ticks\" is 0.1 to 1000 a second");
         call.server.setspeed(asked);
     }
-    if (call.body.contains("paused")) call.server.setpaused(call.body["paused"]);
+    if (call.body.contains("paused")) call.server.setpaused(field<bool>(call.body, "paused"));
     call.streams.changed();
     return getserver(call);
 }
@@ -290,7 +294,7 @@ json readlog(ApiCall& call) {
 }
 
 json backup(ApiCall& call) {
-    const std::string file = call.body.at("file");
+    const auto file = field<std::string>(call.body, "file");
     if (file.empty()) throw ApiError(400, "\"file\" is the path of the archive");
     const BackupReport report = call.server.backup(file);
     return {{"file", report.file},
