@@ -141,7 +141,9 @@ std::string answer(const std::string& text) {
     for (const auto& place : shown.page((page - 1) * rowsofapage, rowsofapage)) rows.push_back(rowof<Rows>(place));
     json made = {{"rows", std::move(rows)}, {"count", shown.size()}};
     if (page * rowsofapage < shown.size()) made["next"] = {{"page", std::to_string(page + 1)}};
-    if (page > 1) made["previous"] = {{"page", std::to_string(page - 1)}};
+    // From behind the end it leads to the last page that there is.
+    const auto last = std::max<std::size_t>((shown.size() + rowsofapage - 1) / rowsofapage, 1);
+    if (page > 1) made["previous"] = {{"page", std::to_string(std::min(page - 1, last))}};
     return made.dump(-1, ' ', false, json::error_handler_t::replace);
 }
 

@@ -108,6 +108,9 @@ TEST_F(BoardTest, ListsAreThoseOfTheGame) {
     const auto first = ask("/api/goods?sort=price");
     EXPECT_EQ(first["count"], 33);
     EXPECT_EQ(first["next"], json({{"page", "2"}}));
+    for (const char* page : {"3", "99"})
+        EXPECT_EQ(ask(std::string("/api/goods?page=") + page)["previous"], json({{"page", "2"}}));
+    EXPECT_EQ(ask("/api/goods?page=9&text=zz")["previous"], json({{"page", "1"}}));
     // Just a page, by as many alternatives as there may be.
     std::string text = "Coal%201";
     for (const char* more : {"Coal%202", "Coal%203", "Coal%204", "Coal%205", "Coal%206", "x", "y"})
