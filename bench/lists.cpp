@@ -2,94 +2,21 @@
 // over the bytes that a query must touch if nothing but decoded columns is there. All three in one run, the answers
 // compared. What is asked is what a list shows: page k by price, and the number of hits.
 //   bench_lists [shops] [goods per shop]      (default: 2000 x 250, then 100000 x 10)
-#include <fmt/format.h>
-#include <malloc.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <functional>
-#include <numeric>
-#include <optional>
 #include <sstream>
 
-#include "bench/listgoods.h"
-#include "bench/listtable.h"
+#include "bench/listplayer.h"
 #include "host/server.h"
-#include "platform/turn.h"
-#include "plugin/shopsystem/catalogue.h"
-#include "plugin/shopsystem/lists.h"
-#include "plugin/shopsystem/runtimeshopmanager.h"
 
 namespace {
 
 using namespace listgoods;
-using namespace shopsystem;
 namespace fs = std::filesystem;
 using texts = std::vector<std::string>;
-
-const std::string viewer = xuidof(ownshop), secondviewer = xuidof(othersshop);
-
-double once(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-double middle(std::vector<double> times) {
-    std::ranges::sort(times);
-    return times.empty() ? 0 : times[times.size() / 2];
-}
-std::size_t heap() {
-    const auto info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
-
-// One pass over so many bytes that lie end to end.
-double onepass(const std::vector<std::uint64_t>& column) {
-    return once([&] {
-        volatile std::uint64_t sum = std::accumulate(column.begin(), column.end(), std::uint64_t{0});
-        (void)sum;
-    });
-}
-
-// ---- what a player does
-
-struct query {
-    shopfilter standing;
-    std::optional<shopfilter> search;
-    sortstep order = byprice;
-};
-
-answer openpage(playershopstate& state) {
-    sortsellreadlist(state);
-    auto& list = state.sellreadlist;
-    answer got{.hits = list.size()};
-    const auto first = static_cast<std::size_t>(state.sellpage) * pagerows;
-    for (auto i = first; i < std::min(first + pagerows, got.hits); ++i) got.prices += list.row(i).realprice;
-    return got;
-}
-
-answer openlist(const query& asked, std::size_t page, const std::string& player = viewer) {
-    auto& state = getplayershopstate(player);
-    state.filter = asked.standing;
-    state.searchmode = asked.search.has_value();
-    state.searchfilter = asked.search.value_or(shopfilter());
-    sellshop::prepareglobalsellshopfilterforplayer(player);
-    state.filterstep = asked.order;
-    state.sellpage = static_cast<std::int32_t>(page);
-    return openpage(state);
-}
-
-void trade(const std::string& shop, int pieces) {
-    const platform::Turn turn;
-    auto& traded = globalruntimeshopmanager.getsellshop(shop);
-    auto& left = traded.items[0]["shopitemleftnum"];
-    left = left.get<int>() + pieces;
-    traded.markshopchanged();
-}
 
 // ---- the table
 
@@ -104,7 +31,7 @@ struct line {
     std::function<answer(int variant)> sqlite, scan;
     goals goal;
     std::size_t page = 0;
-    bool altered = false;  // a shop changes before each opening, where no other text can be asked for
+    bool altered = false;  // a piece is sold before each opening, where no other text can be asked for
     std::function<std::size_t(std::size_t hits)> bytes;
 };
 
@@ -121,7 +48,7 @@ public:
         bool agrees = true;
         for (int run = 0; run < 3 * variants; ++run) {
             const int variant = run % variants;
-            if (of.altered) trade(tradeshop_, 0);
+            if (of.altered) trade(tradeshop_, run % 2 == 0 ? 1 : -1);
             answer fresh, same, theirs;
             first.push_back(once([&] { fresh = openlist(of.ours(variant), of.page); }));
             again.push_back(once([&] { same = openlist(of.ours(variant), of.page); }));
@@ -184,7 +111,7 @@ void measurequeries(table& sqlite, const columns& has, const std::string& trades
     const auto written = [&](std::size_t hits) { return has.rows * 9 + has.textbytes + hits * 4; };
 
     for (const std::size_t page : {1, 400})
-        out.measure({.what = fmt::format("by price, page {}, a shop changed", page),
+        out.measure({.what = fmt::format("by price, page {}, a piece sold", page),
                      .ours = [](int) { return query(); },
                      .sqlite = [&, page](int) { return sqlite.indexed("price", "", page - 1); },
                      .goal = {.sqlite = 5, .limit = 3.5},

@@ -54,6 +54,28 @@ void cut(std::vector<shelf::shop> shops, const shelf* before, std::vector<std::s
     if (!piece.empty()) put(piece);
 }
 
+// Makes what has become of a shelf, or the first ones where there were none.
+template <class News>
+void renew(const shelf* old, News change, News end, std::vector<std::shared_ptr<const shelf>>& into) {
+    std::vector<shelf::shop> merged;
+    std::size_t next = 0;
+    const auto keepupto = [&](std::size_t last) {
+        for (; next < last; ++next)
+            merged.push_back(
+                {old->goods(next), static_cast<std::ptrdiff_t>(next), old->firstof(next + 1) - old->firstof(next)});
+    };
+    for (; change != end; ++change) {
+        const auto& [key, goods] = *change;
+        if (old != nullptr) {
+            keepupto(old->behind(key));
+            if (old->find(key) >= 0) ++next;
+        }
+        if (goods) merged.push_back({*goods, -1, goods->block->rows.size()});
+    }
+    if (old != nullptr) keepupto(old->shops().size());
+    cut(std::move(merged), old, into);
+}
+
 bool issame(const shelves& all, const shopgoods& fresh) {
     const auto& key = fresh.block->shop.xuid;
     const auto on = shelfof(all, key);
@@ -163,35 +185,22 @@ bool catalogue::look(const std::string& xuid, bool istobeworkedon, news& changes
 void catalogue::apply(const news& changes) {
     if (current_ != nullptr && changes.empty()) return;
     std::vector<std::shared_ptr<const shelf>> all;
-    const auto& before = current_ == nullptr ? decltype(all)() : current_->all;
-    auto change = changes.begin();
-    // Each shelf takes what stands in front of the next one, the last all that is left.
-    for (std::size_t number = 0; number < std::max<std::size_t>(before.size(), 1); ++number) {
-        auto end = changes.end();
-        if (number + 1 < before.size()) end = changes.lower_bound(before[number + 1]->firstkey());
-        if (change == end && number < before.size()) {
-            all.push_back(before[number]);
-            continue;
-        }
-        std::vector<shelf::shop> merged;
-        const shelf* const old = number < before.size() ? before[number].get() : nullptr;
-        std::size_t next = 0;
-        const auto keepupto = [&](std::size_t last) {
-            for (; next < last; ++next)
-                merged.push_back(
-                    {old->goods(next), static_cast<std::ptrdiff_t>(next), old->firstof(next + 1) - old->firstof(next)});
-        };
-        for (; change != end; ++change) {
-            const auto& [key, goods] = *change;
-            if (old != nullptr) {
-                keepupto(old->behind(key));
-                if (old->find(key) >= 0) ++next;
-            }
-            if (goods) merged.push_back({*goods, -1, goods->block->rows.size()});
-        }
-        if (old != nullptr) keepupto(old->shops().size());
-        cut(std::move(merged), old, all);
+    static const decltype(all) none;
+    const auto& before = current_ == nullptr ? none : current_->all;
+    all.reserve(before.size() + 1);
+    auto unchanged = before.begin();
+    for (auto change = changes.begin(); change != changes.end();) {
+        const auto behind = shelfbehind(unchanged, before.end(), change->first);
+        const auto at = behind == unchanged ? behind : behind - 1;
+        all.insert(all.end(), unchanged, at);
+        const shelf* const old = at == before.end() ? nullptr : at->get();
+        unchanged = old == nullptr ? at : at + 1;
+        // Each shelf takes what stands in front of the next one, the last all that is left.
+        const auto end = unchanged == before.end() ? changes.end() : changes.lower_bound((*unchanged)->firstkey());
+        renew(old, change, end, all);
+        change = end;
     }
+    all.insert(all.end(), unchanged, before.end());
     auto next = made(std::move(all));
     const std::lock_guard alone(publishing_);
     current_ = std::move(next);

@@ -235,9 +235,7 @@ bool asksnothing(const rowquery& query) {
 }  // namespace
 
 std::shared_ptr<const shelf> shelfof(const shelves& among, const std::string& xuid) {
-    const auto behind = std::upper_bound(among.all.begin(), among.all.end(), xuid, [](const auto& key, const auto& on) {
-        return infileorder(key, on->firstkey());
-    });
+    const auto behind = shelfbehind(among.all.begin(), among.all.end(), xuid);
     if (behind == among.all.begin() || (*std::prev(behind))->find(xuid) < 0) return nullptr;
     return *std::prev(behind);
 }
@@ -245,9 +243,9 @@ std::shared_ptr<const shelf> shelfof(const shelves& among, const std::string& xu
 foundrows::foundrows(std::shared_ptr<const shelves> among, rowquery query, const foundrows* last)
     : among_(std::move(among)), query_(std::move(query)) {
     if (query_.shopsalone) {
-        for (const auto& on : among_->all) parts_.push_back({on, part::some, shopsof(*on)});
+        for (const auto& on : among_->all) parts_.push_back({on.get(), part::some, shopsof(*on)});
     } else if (asksnothing(query_)) {
-        for (const auto& on : among_->all) parts_.push_back({on, part::all});
+        for (const auto& on : among_->all) parts_.push_back({on.get(), part::all});
     } else if (!query_.shop.empty()) {
         findofone();
     } else if (const auto text = onlytag(query_)) {
@@ -260,24 +258,24 @@ foundrows::foundrows(std::shared_ptr<const shelves> among, rowquery query, const
 void foundrows::findtagged(const std::string& text) {
     tag_ = knowntag(text);
     if (tag_ == nullptr) return;
-    for (const auto& on : among_->all) parts_.push_back({on, part::tagged});
+    for (const auto& on : among_->all) parts_.push_back({on.get(), part::tagged});
 }
 
 void foundrows::findofone() {
     const auto on = shelfof(*among_, query_.shop);
     if (on == nullptr) return;
     const auto block = static_cast<std::size_t>(on->find(query_.shop));
-    parts_.push_back({on, part::some, rowtest(query_).passing(*on, on->firstof(block), on->firstof(block + 1))});
+    parts_.push_back({on.get(), part::some, rowtest(query_).passing(*on, on->firstof(block), on->firstof(block + 1))});
 }
 
 void foundrows::findpassing(const foundrows* last) {
     std::unordered_map<const shelf*, std::shared_ptr<const shelf::rows>> known;
     if (last != nullptr && last->query_ == query_)
-        for (const auto& each : last->parts_) known.emplace(each.of.get(), each.rows);
+        for (const auto& each : last->parts_) known.emplace(each.of, each.rows);
     const rowtest test(query_);
     for (const auto& on : among_->all) {
         const auto before = known.find(on.get());
-        parts_.push_back({on, part::some, before != known.end() ? before->second : test.passing(*on)});
+        parts_.push_back({on.get(), part::some, before != known.end() ? before->second : test.passing(*on)});
     }
 }
 
@@ -285,7 +283,7 @@ const rowruns& foundrows::inorder(sortstep step) const {
     const std::lock_guard alone(sorting_);
     auto& order = orders_[step];
     if (order == nullptr) {
-        auto made = std::make_unique<rowruns>(step);
+        auto made = std::make_unique<rowruns>(step, parts_.size());
         std::uint32_t tagrank = 0;
         for (const auto& each : parts_) made->add(runof(each, step, tagrank));
         order = std::move(made);
@@ -328,26 +326,20 @@ rowrun foundrows::runof(const part& found, sortstep step, std::uint32_t& tagrank
     return {found.of, *kept, kept};
 }
 
-rowruns without(const rowruns& runs, const std::vector<std::string>& shops) {
-    auto all = runs.all();
+rowruns without(rowruns runs, const std::vector<std::string>& shops) {
+    const auto& all = runs.all();
     for (const auto& shop : shops) {
         const auto behind = std::ranges::upper_bound(
             all, shop, infileorder, [](const auto& run) -> std::string_view { return run.of->firstkey(); });
         if (behind == all.begin()) continue;
-        auto& run = *std::prev(behind);
-        const auto block = run.of->find(shop);
+        const auto& on = *std::prev(behind)->of;
+        const auto block = on.find(shop);
         if (block < 0) continue;
-        const auto first = run.of->firstof(static_cast<std::size_t>(block));
-        const auto end = run.of->firstof(static_cast<std::size_t>(block) + 1);
-        shelf::rows left;
-        left.reserve(run.rows.size());
-        std::ranges::copy_if(run.rows, std::back_inserter(left), [&](rowno row) { return row < first || row >= end; });
-        run.kept = std::make_shared<const shelf::rows>(std::move(left));
-        run.rows = *run.kept;
+        const auto first = on.firstof(static_cast<std::size_t>(block));
+        const auto end = on.firstof(static_cast<std::size_t>(block) + 1);
+        runs.leaveout(static_cast<std::size_t>(behind - all.begin()) - 1, first, end);
     }
-    rowruns rest(runs.step());
-    for (auto& run : all) rest.add(std::move(run));
-    return rest;
+    return runs;
 }
 
 }  // namespace shopsystem

@@ -22,6 +22,12 @@ struct shelves {
     std::uint64_t number = 0;   // another one's for whatever has changed
 };
 
+// The first of some shelves all of whose shops stand behind the key.
+template <class Shelves>
+[[nodiscard]] Shelves shelfbehind(Shelves first, Shelves end, const std::string& xuid) {
+    return std::upper_bound(first, end, xuid,
+                            [](const auto& key, const auto& on) { return infileorder(key, on->firstkey()); });
+}
 // The one on which a shop stands; null when there is no such shop.
 [[nodiscard]] std::shared_ptr<const shelf> shelfof(const shelves& among, const std::string& xuid);
 
@@ -49,11 +55,13 @@ public:
     [[nodiscard]] bool isofshops() const { return query_.shopsalone; }
     // Sorted when somebody first asks.
     [[nodiscard]] const rowruns& inorder(sortstep step) const;
+    // The order that costs least for who wants to know how many there are.
+    [[nodiscard]] sortstep countedby() const { return tag_ == nullptr ? asread : byprice; }
 
 private:
     // What was found on one shelf.
     struct part {
-        std::shared_ptr<const shelf> of;
+        const shelf* of;
         enum { all, tagged, some } what = all;
         std::shared_ptr<const shelf::rows> rows = nullptr;  // some, ascending
     };
@@ -71,6 +79,6 @@ private:
 };
 
 // The runs without the rows of some shops; the runs are in the order of their shelves, one of each.
-[[nodiscard]] rowruns without(const rowruns& runs, const std::vector<std::string>& shops);
+[[nodiscard]] rowruns without(rowruns runs, const std::vector<std::string>& shops);
 
 }  // namespace shopsystem

@@ -23,10 +23,12 @@ template <class Row>
 class readlist {
 public:
     readlist() = default;
-    // All rows that were found but those of some shops.
+    // All rows that were found but those of some shops, as read. They are only counted until somebody looks at one,
+    // since most lists are sorted before.
     readlist(std::shared_ptr<const foundrows> found, std::vector<std::string> leftout) {
+        const auto step = found->countedby();
         sources_.push_back({std::move(found), std::move(leftout)});
-        arrange(asread);
+        runs_ = runsby(step);
     }
 
     [[nodiscard]] std::size_t size() const { return runs_ == nullptr ? 0 : runs_->size(); }
@@ -47,20 +49,17 @@ public:
 
     // Ties are in the order of the files; rows of one tag are first by their prices.
     void arrange(sortstep step) {
-        auto runs = std::make_shared<rowruns>(step);
-        for (const auto& from : sources_) {
-            const auto shown = without(from.found->inorder(step), from.leftout);
-            for (const auto& run : shown.all()) runs->add(run);
-        }
-        runs_ = std::move(runs);
+        step_ = step;
+        runs_ = runsby(step);
         page_.clear();
     }
-    [[nodiscard]] sortstep order() const { return runs_ == nullptr ? asread : runs_->step(); }
+    [[nodiscard]] sortstep order() const { return step_; }
     // Reads the rows of a page, so that whoever asks for them need not look for them.
     void openpage(std::size_t page) const {
         page_.clear();
         pagefirst_ = page * pagesize;
         if (runs_ == nullptr) return;
+        if (runs_->step() != step_) runs_ = runsby(step_);
         for (const auto& [run, number] : runs_->page(pagefirst_, pagesize)) {
             const auto row = run->of->at(number);
             page_.emplace_back();
@@ -88,8 +87,15 @@ private:
         std::shared_ptr<const foundrows> found;
         std::vector<std::string> leftout;
     };
+    [[nodiscard]] std::shared_ptr<const rowruns> runsby(sortstep step) const {
+        auto runs = std::make_shared<rowruns>(step);
+        for (const auto& from : sources_) runs->append(without(from.found->inorder(step), from.leftout));
+        return runs;
+    }
+
     std::vector<source> sources_;
-    std::shared_ptr<const rowruns> runs_;
+    sortstep step_ = asread;
+    mutable std::shared_ptr<const rowruns> runs_;  // by step_, or only counted
     mutable std::vector<Row> page_;
     mutable std::size_t pagefirst_ = 0;
 };

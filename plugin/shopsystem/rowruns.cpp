@@ -5,7 +5,6 @@
 #include "plugin/shopsystem/rowruns.h"
 
 #include <algorithm>
-#include <queue>
 #include <random>
 #include <utility>
 
@@ -64,19 +63,25 @@ public:
     }
 
     std::vector<rowplace> merge(std::vector<std::size_t> at, std::size_t most) const {
-        const auto isbehind = [&](std::size_t a, std::size_t b) {
-            const auto ka = keyat(a, at[a]), kb = keyat(b, at[b]);
-            return ka == kb ? a > b : kb < ka;
+        using head = std::pair<decltype(keyat(0, 0)), std::size_t>;  // the key of a run's next row
+        const auto isbehind = [](const head& a, const head& b) {
+            return a.first == b.first ? a.second > b.second : b.first < a.first;
         };
-        std::priority_queue<std::size_t, std::vector<std::size_t>, decltype(isbehind)> heads(isbehind);
+        // All keys are fetched before any two are compared: no miss of the cache then waits for another.
+        std::vector<head> heads;
+        heads.reserve(runs_.size());
         for (std::size_t r = 0; r < runs_.size(); ++r)
-            if (at[r] < runs_[r].rows.size()) heads.push(r);
+            if (at[r] < runs_[r].rows.size()) heads.emplace_back(keyat(r, at[r]), r);
+        std::ranges::make_heap(heads, isbehind);
         std::vector<rowplace> found;
         while (found.size() < most && !heads.empty()) {
-            const auto r = heads.top();
-            heads.pop();
+            std::ranges::pop_heap(heads, isbehind);
+            const auto r = heads.back().second;
+            heads.pop_back();
             found.push_back({&runs_[r], runs_[r].rows[at[r]]});
-            if (++at[r] < runs_[r].rows.size()) heads.push(r);
+            if (++at[r] == runs_[r].rows.size()) continue;
+            heads.emplace_back(keyat(r, at[r]), r);
+            std::ranges::push_heap(heads, isbehind);
         }
         return found;
     }
@@ -135,6 +140,22 @@ void rowruns::add(rowrun run) {
     all_.push_back(std::move(run));
 }
 
+void rowruns::append(rowruns runs) {
+    total_ += runs.total_;
+    if (all_.empty()) return all_.swap(runs.all_);
+    all_.insert(all_.end(), runs.all_.begin(), runs.all_.end());
+}
+
+void rowruns::leaveout(std::size_t run, shelf::rowno first, shelf::rowno end) {
+    auto& of = all_[run];
+    shelf::rows left;
+    left.reserve(of.rows.size());
+    std::ranges::copy_if(of.rows, std::back_inserter(left), [&](auto row) { return row < first || row >= end; });
+    total_ -= of.rows.size() - left.size();
+    of.kept = std::make_shared<const shelf::rows>(std::move(left));
+    of.rows = *of.kept;
+}
+
 namespace {
 
 struct namekey {
@@ -162,20 +183,19 @@ struct tagkey {
 
 std::vector<rowplace> rowruns::page(std::size_t first, std::size_t most) const {
     if (first >= total_) return {};
-    using rowno = shelf::rowno;
     switch (step_) {
         case byname:
-            return select(all_, first, most, [](const shelf& of, rowno row) {
+            return select(all_, first, most, [](const shelf& of, shelf::rowno row) {
                 return namekey{of.namehead(row), &of, row};
             });
         case bytag:
-            return select(all_, first, most, [](const shelf& of, rowno row) {
+            return select(all_, first, most, [](const shelf& of, shelf::rowno row) {
                 return tagkey{&of.tag(row), of.price(row)};
             });
         case byleft:
-            return select(all_, first, most, [](const shelf& of, rowno row) { return of.left(row); });
+            return select(all_, first, most, [](const shelf& of, shelf::rowno row) { return of.left(row); });
         case byprice:
-            return select(all_, first, most, [](const shelf& of, rowno row) { return of.price(row); });
+            return select(all_, first, most, [](const shelf& of, shelf::rowno row) { return of.price(row); });
         default:
             return inturn(all_, first, most);
     }

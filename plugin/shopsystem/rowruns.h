@@ -12,7 +12,7 @@
 namespace shopsystem {
 
 struct rowrun {
-    std::shared_ptr<const shelf> of;
+    const shelf* of;                     // kept by whoever keeps what was found
     std::span<const shelf::rowno> rows;  // in the order of the list; kept by the shelf or by `kept`
     std::shared_ptr<const shelf::rows> kept = nullptr;
 };
@@ -24,8 +24,11 @@ struct rowplace {
 
 class rowruns {
 public:
-    explicit rowruns(sortstep step = asread) : step_(step) {}
+    explicit rowruns(sortstep step = asread, std::size_t most = 0) : step_(step) { all_.reserve(most); }
     void add(rowrun run);  // an empty one is left out
+    void append(rowruns runs);
+    // Leaves rows of a run's shelf out of it, from the first to the one before `end`.
+    void leaveout(std::size_t run, shelf::rowno first, shelf::rowno end);
     [[nodiscard]] sortstep step() const { return step_; }
     [[nodiscard]] std::size_t size() const { return total_; }
     [[nodiscard]] const std::vector<rowrun>& all() const { return all_; }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <numeric>
 #include <unordered_map>
 #include <utility>
 
@@ -257,30 +256,30 @@ const shelf::rows& shelf::inorder(sortstep step) const {
     }
     if (step != asread) std::ranges::sort(order, [&](rowno a, rowno b) { return isbefore(step, a, b); });
     orders_[step] = std::move(order);
-    if (step == bytag) maketagends();
+    if (step == bytag) maketagruns();
     sorted_[step].store(true, std::memory_order_release);
     return orders_[step];
 }
 
-void shelf::maketagends() const {
-    tagends_.resize(tags_->size());
-    for (const auto row : orders_[bytag]) ++tagends_[ranks_[row]];
-    std::partial_sum(tagends_.begin(), tagends_.end(), tagends_.begin());
+void shelf::maketagruns() const {
+    tagruns_.reserve(tags_->size());
+    for (const auto& tag : *tags_) tagruns_.push_back({tag->id, 0});
+    for (const auto row : orders_[bytag]) ++tagruns_[ranks_[row]].end;
+    for (std::size_t rank = 1; rank < tagruns_.size(); ++rank) tagruns_[rank].end += tagruns_[rank - 1].end;
 }
 
 // Shelves bear much the same tags, so that a tag is near where it was on the one before.
 std::span<const shelf::rowno> shelf::oftag(const goodstag& tag, std::uint32_t& rank) const {
+    const std::span order = inorder(bytag);
+    const auto size = static_cast<std::uint32_t>(tagruns_.size());
+    const auto isit = [&](std::uint32_t at) { return at < size && tagruns_[at].id == tag.id; };
     constexpr std::uint32_t near = 8;
-    const auto size = static_cast<std::uint32_t>(tags_->size());
-    const auto isit = [&](const auto& each) { return each.get() == &tag; };
-    const auto low = tags_->begin() + std::min(size, rank < near ? 0 : rank - near);
-    const auto high = tags_->begin() + std::min(size, rank + near);
-    const auto found = std::find_if(low, high, isit);
-    rank = found != high ? static_cast<std::uint32_t>(found - tags_->begin()) : findtag(tag.text);
+    std::uint32_t off = 0;
+    while (off < near && !isit(rank + off) && !isit(rank - off)) ++off;
+    rank = off == near ? findtag(tag.text) : isit(rank + off) ? rank + off : rank - off;
     if (rank == size) return {};
-    const auto& order = inorder(bytag);
-    const auto first = rank == 0 ? 0 : tagends_[rank - 1];
-    return std::span(order).subspan(first, tagends_[rank] - first);
+    const auto first = rank == 0 ? 0 : tagruns_[rank - 1].end;
+    return order.subspan(first, tagruns_[rank].end - first);
 }
 
 bool shelf::issame(std::size_t block, const shopgoods& fresh) const {
@@ -338,7 +337,7 @@ void shelf::takeover(const std::vector<shop>& shops, const shelf& before) {
             next = place;
         }
         order.insert(order.end(), next, kept.end());
-        if (of == bytag) maketagends();
+        if (of == bytag) maketagruns();
         sorted_[of].store(true, std::memory_order_release);
     }
 }

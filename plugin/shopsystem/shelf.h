@@ -91,9 +91,19 @@ private:
     void maketags(const std::vector<shop>& shops, const shelf* before);
     void takeover(const std::vector<shop>& shops, const shelf& before);
     [[nodiscard]] std::uint32_t findtag(std::string_view text) const;  // its rank, or how many there are
-    void maketagends() const;
+    void maketagruns() const;
     void makeheads(rowno first, rowno end) const;
     [[nodiscard]] bool isbefore(sortstep step, rowno a, rowno b) const;
+
+    // First what a list of one tag touches on every shelf: where the rows of each tag, by rank, end in their order.
+    struct tagrun {
+        std::uint32_t id;
+        rowno end;
+    };
+    mutable std::vector<tagrun> tagruns_;  // there with the order of tags, as nameheads_ with that of names
+    mutable std::array<std::atomic<bool>, sortsteps> sorted_{};
+    mutable std::array<rows, sortsteps> orders_;
+    std::vector<std::int32_t> lefts_, prices_;  // by row
 
     std::vector<std::shared_ptr<const goodsblock>> all_;
     rows firsts_;  // and the end
@@ -108,15 +118,11 @@ private:
     // By row.
     std::vector<std::uint16_t> blockof_;
     std::vector<std::uint8_t> shown_;
-    std::vector<std::int32_t> lefts_, prices_;
     std::vector<std::uint32_t> ranks_;
     std::shared_ptr<const std::vector<taghandle>> tags_;
 
     mutable std::mutex sorting_;
-    mutable std::array<std::atomic<bool>, sortsteps> sorted_{};
-    mutable std::array<rows, sortsteps> orders_;
     mutable std::vector<std::uint64_t> nameheads_;
-    mutable rows tagends_;  // by rank; in the order of tags, as nameheads_ in that of names
 };
 
 }  // namespace shopsystem
