@@ -4,9 +4,9 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-#include <array>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 #include "host/network/gateway/door.h"
 
@@ -76,7 +76,7 @@ void Visitor::attend(short events) {
 }
 
 void Visitor::receive() {
-    static thread_local std::array<char, piece> bytes;
+    static thread_local std::vector<char> bytes(piece);  // no part of what every thread of the program begins with
     const auto n = ::recv(socket_.number(), bytes.data(), bytes.size(), 0);
     if (n < 0 && (errno == EAGAIN || errno == EINTR)) return;
     if (n <= 0) {
